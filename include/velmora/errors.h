@@ -1,0 +1,28 @@
+/// Result codes of the applet. 0 is success; any other negative code is the acquisition runtime's,
+/// the design runtime's or the register library's own, passed on unchanged.
+#pragma once
+
+enum VelmoraError {
+  VELMORA_OK = 0,
+  VELMORA_NOTHING_FOUND = -1,   ///< No shading object; no usable value in a configuration.
+  VELMORA_NOT_AVAILABLE = -12,  ///< Read-only parameter; unbound runtime function; no inner handle.
+  VELMORA_TRIGGER_BUSY = -60,   ///< Software trigger while busy with the queue off.
+  VELMORA_NO_DESIGN = -100,     ///< Design refused, or the runtime refused it without a code.
+  VELMORA_BUFFER_TOO_SMALL = -500,   ///< Buffer missing or too small; a text could not be copied.
+  VELMORA_NO_INSTANCE = -2001,       ///< Null frame grabber or no applet instance behind it.
+  VELMORA_NO_RUNTIME = -2031,        ///< Runtime library missing or without an init function.
+  VELMORA_INVALID_ARGUMENT = -2070,  ///< Null value, unknown id, process, name, index or string.
+  VELMORA_NOT_REPRESENTABLE =
+      -2075,                       ///< No description for the port; a count that fits no register.
+  VELMORA_NO_CONFIG_FILE = -2076,  ///< Configuration file missing or of another type.
+  VELMORA_DOWNSCALE_PERIOD = -2078,    ///< Downscale fails the period check; not a string type.
+  VELMORA_TRIGGER_PERIOD = -2079,      ///< Frame rate, delay or width fails the period check.
+  VELMORA_NOT_SUPPORTED = -2130,       ///< Shading, unknown `Info` property.
+  VELMORA_NOT_SOFTWARE_MODE = -2140,   ///< Software trigger outside `ATM_SOFTWARE`.
+  VELMORA_TRIGGER_NOT_ACTIVE = -2141,  ///< Software trigger outside `TS_ACTIVE`.
+  VELMORA_CONFIG_NOT_LOADED = -5000,   ///< Another applet's file, a key missing, a process failed.
+  VELMORA_CONFIG_NOT_SAVED = -5001,    ///< Configuration file cannot be written.
+  VELMORA_OUT_OF_RANGE = -6000,        ///< Value outside its range or enumeration.
+  VELMORA_STEP_VIOLATION = -7080,      ///< Value breaks a step rule.
+  VELMORA_KEY_NOT_FOUND = -8000        ///< Configuration parser: section or key not found.
+};

@@ -1,0 +1,11 @@
+/// Opaque handles that cross the boundary between a host, the applet and the board's libraries.
+#pragma once
+
+typedef struct KTdevice KTdevice;            ///< Board device; owned by the host.
+typedef struct fpga_design fpga_design;      ///< Loaded FPGA design; owned by the design runtime.
+typedef struct ShadingMaster ShadingMaster;  ///< Shading data; no applet of this kind creates one.
+
+/// Frame grabber. The outer handle belongs to the host and its first word is the applet instance:
+/// `struct Fg_Struct { void* applet; };` is all a host needs. The inner handle is the acquisition
+/// runtime's own and opaque to the applet.
+typedef struct Fg_Struct Fg_Struct;

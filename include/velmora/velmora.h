@@ -1,0 +1,148 @@
+/// Exported functions of the acquisition applet `libVelmora.so`.
+///
+/// Common to all functions that take an `Fg_Struct*`: it is the host's (outer) handle, whose first
+/// word is the instance that `Std_entry` returned. A null handle or a null first word is answered
+/// with -2001 (or null, or 0 where noted) and changes nothing. Results are 0 or positive on success
+/// and negative codes of `velmora/errors.h` or of the libraries around the applet on failure.
+///
+/// Threads: `Std_entry` and `Fg_FreeGrabber` must not overlap other calls on the same handle. Sets
+/// and gets may come from any thread; they run one after the other. `Fg_loadConfig` must not
+/// overlap sets and gets on the same handle. `Info` may be called at any time from any thread.
+#pragma once
+
+#include <stddef.h>
+#include <stdint.h>
+
+#include "velmora/handles.h"
+#include "velmora/register_info.h"
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/// Creates an applet instance: opens the acquisition runtime `libvorn5.so`, loads the design (the
+/// embedded image, or the file "Velmora.hap" when the environment variable
+/// "__KORV_FORCE_EXTERNAL_HAP" exists), creates the runtime's handle on it and writes the defaults.
+/// @param device the host's board device; handed on, never looked into.
+/// @param error receives 0, -2031 (no usable runtime), -100 (no design) or the runtime's code; may
+///        be null.
+/// @param flags handed to the runtime; bit 0 leaves the design as it is instead of writing
+/// defaults.
+/// @return the instance, to be stored as the first word of an `Fg_Struct` and released with
+///         `Fg_FreeGrabber`; null on failure, with nothing left behind.
+void* Std_entry(KTdevice* device, int* error, int flags);
+
+/// Releases the runtime's handle and the instance, unloads the design and clears the first word of
+/// `fg`. Invalidates every node, name and string that the instance handed out.
+/// @return the runtime's result; 0 when it has no such function.
+int Fg_FreeGrabber(Fg_Struct* fg);
+
+/// Answers a question about the applet itself; needs no instance.
+/// @param property what is asked: 0x1050 name, 0x1060 version, 0x1000 description, 0x1100 value of
+///        a value name, 0x411 icon, 0x412 design image, 0x1200 to 0x1260 port mapping and others.
+/// @param index process or DMA index of the mapping properties, 0 to 3.
+/// @param sub second index of the mapping properties, 0.
+/// @param out receives numbers as unsigned 64-bit; for 0x1100 the input, a value name. May be null.
+/// @param outPointer receives texts and blocks, which the library owns. May be null.
+/// @return the property's result; -2130 for an unknown property, -2070 for a name or index that
+/// does
+///         not exist.
+int Info(int property, int index, int sub, void* out, void** outPointer);
+
+/// @name Acquisition, forwarded to the runtime's function of the same name
+/// Arguments are the runtime's. Failure records the runtime's last error; -12 when the runtime
+/// lacks the function.
+/// @{
+int Fg_getAppletId(Fg_Struct* fg, void* argument);
+/// Starts DMA channel `dma`; `pictures` to acquire, -1 for no end; `memory` is the runtime's.
+int Fg_AcquireEx(Fg_Struct* fg, uint32_t dma, int64_t pictures, int32_t flags, void* memory);
+int Fg_stopAcquireEx(Fg_Struct* fg, uint32_t dma, int64_t memory, int32_t flags);
+/// Number of the last picture on channel `dma`, from 1; 0 before the first.
+int64_t Fg_getLastPicNumberEx(Fg_Struct* fg, uint32_t dma, int64_t memory);
+/// Waits up to `timeout` seconds for picture number `picture`.
+int64_t Fg_getLastPicNumberBlockingEx(Fg_Struct* fg, int64_t picture, uint32_t dma, int32_t timeout,
+                                      int64_t memory);
+int64_t Fg_getStatusEx(Fg_Struct* fg, uint32_t param, int64_t data, int32_t dma, void* memory);
+/// @}
+
+/// Sets SDK parameter `id` on port `dma` (0 to 3). Takes full effect or changes nothing.
+/// @param value the value in the parameter's own width: 32 bits for integers, 64 for doubles.
+/// @param type the caller's `FgParamTypes`; used only for ids that are passed through.
+/// @return 0; -2070 null value, unknown id or port; -12 read-only; -6000 out of range; -7080 step;
+///         -2075, -2078, -2079, -60, -2140, -2141 as `errors.h` says; else the design's code.
+///         Recorded as the last error.
+int Fg_setParameterWithType(Fg_Struct* fg, int id, const void* value, unsigned dma, int type);
+
+/// Reads SDK parameter `id` of port `dma` into `value`, which must have room for the parameter: 4
+/// bytes, 8 for doubles; for types 3 and 4 the 8 bytes are cleared first. With type 22 the text
+/// parameters store a `char*` to be given back with `Fg_freeParameterStringWithType`; with any
+/// other type they copy the text, which must fit. `FG_PARAM_DESCR` takes the name to describe from
+/// `value`.
+/// @return 0; -2070 null value, unknown id or port; else the design's or runtime's code. Recorded.
+int Fg_getParameterWithType(Fg_Struct* fg, int id, void* value, unsigned dma, int type);
+
+/// Gives back a string of a type-22 get. `value` is the string itself. Any thread.
+/// @return 0; -2078 for a type other than 22; -2070 for a string that is not handed out.
+int Fg_freeParameterStringWithType(Fg_Struct* fg, int id, void* value, unsigned dma, int type);
+
+/// Number of listed parameters: 85, plus the direct-access names when enabled.
+int Fg_getNrOfParameter(Fg_Struct* fg);
+/// Name at `index` (from 0), valid while the instance lives; null and -2070 recorded when there is
+/// none.
+const char* Fg_getParameterName(Fg_Struct* fg, int index);
+/// Id of the parameter at `index`, or -2070 (recorded).
+int Fg_getParameterId(Fg_Struct* fg, int index);
+/// Id of the parameter called `name` (exact spelling), or -2070 (recorded).
+int Fg_getParameterIdByName(Fg_Struct* fg, const char* name);
+
+/// Writes all settings of the four ports to `file`, whose name must contain ".mcf".
+/// @return 0; -5001 (recorded) when the file cannot be written.
+int Fg_saveConfig(Fg_Struct* fg, const char* file);
+/// Reads a file written by `Fg_saveConfig` and applies it port by port; a value that a port refuses
+/// is skipped. What was applied before a failure stays.
+/// @return 0; -2076 (and -5000 recorded) when there is no such file; -5000 for another applet's
+///         file or a missing key.
+int Fg_loadConfig(Fg_Struct* fg, const char* file);
+
+/// Renders the GenApi XML document of `port`. With a null `buffer` only the size is stored.
+/// @param size in: bytes at `buffer`; out: bytes needed, with the terminating zero. Unchanged on
+///        failure.
+/// @return 0; -500 buffer too small or null `size`; -2075 no such port. Recorded.
+int Fg_getParameterInfoXML(Fg_Struct* fg, int port, char* buffer, size_t* size);
+/// First root group of `port`'s description forest, owned by the instance; null for no such port.
+struct RegisterInfo* Fg_getParameterInfo(Fg_Struct* fg, int port);
+
+/// Mask of the event called `name`; 0 and -2070 recorded when there is none.
+uint64_t Fg_getEventMask(Fg_Struct* fg, const char* name);
+/// Name of the event with exactly this mask, valid while the instance lives; null and -2070
+/// recorded when there is none.
+const char* Fg_getEventName(Fg_Struct* fg, uint64_t mask);
+
+/// Result recorded by the latest call that records one.
+int Fg_getLastErrorNumber(Fg_Struct* fg);
+
+/// @name Shading; not offered by this applet: -2130, a null object
+/// @{
+ShadingMaster* Fg_AllocShading(Fg_Struct* fg, int a, int b);
+int Fg_FreeShading(Fg_Struct* fg, ShadingMaster* shading);
+int Shad_SetSubValueLine(Fg_Struct* fg, ShadingMaster* shading, int x, int channel, float value);
+int Shad_SetMultValueLine(Fg_Struct* fg, ShadingMaster* shading, int x, int channel, float value);
+int Shad_SetFixedPatternNoiseLine(Fg_Struct* fg, ShadingMaster* shading, int x, int channel,
+                                  int enable);
+int Shad_GetMaxLine(Fg_Struct* fg, ShadingMaster* shading);
+int Shad_GetAccess(Fg_Struct* fg, ShadingMaster* shading);
+int Shad_FreeAccess(Fg_Struct* fg, ShadingMaster* shading);
+int Shad_WriteActLine(Fg_Struct* fg, ShadingMaster* shading, int line);
+/// @}
+
+/// Creates a file of a unique name for reading and writing, mode 0600.
+/// @param nameTemplate ends in "XXXXXX" and a suffix; receives the name, or becomes empty when
+/// every
+///        name is taken.
+/// @param suffixLength characters after the X run.
+/// @return the file's descriptor; -1 on failure.
+int mkstemps(char* nameTemplate, int suffixLength);
+
+#ifdef __cplusplus
+}
+#endif

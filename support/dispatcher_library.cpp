@@ -1,0 +1,108 @@
+#include "support/dispatcher_library.h"
+
+#include <dlfcn.h>
+#include <strings.h>
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <cstdlib>
+
+#include "platform/dynamic_library.h"
+#include "support/locks.h"
+
+namespace korv::tools::logging {
+
+namespace {
+
+constexpr std::string_view kDispatcherName = "common-logging-dispatcher";
+constexpr std::array<std::string_view, 5> kLibraryDirectories = {"bin", "dll", "Hardware Applets",
+                                                                 "lib", "lib64"};
+constexpr std::size_t kPathLimit = 1024;
+
+bool isLibraryDirectory(std::string_view name) {
+  return std::any_of(kLibraryDirectories.begin(), kLibraryDirectories.end(),
+                     [name](std::string_view known) {
+                       return known.size() == name.size() &&
+                              strncasecmp(known.data(), name.data(), name.size()) == 0;
+                     });
+}
+
+std::string_view withoutTrailingSlashes(std::string_view path) {
+  return path.substr(0, path.find_last_not_of('/') + 1);
+}
+
+std::optional<std::string> baseDirectoryFromPath(std::string_view path) {
+  if (path.size() >= kPathLimit) {
+    return std::nullopt;
+  }
+  std::size_t slash = path.rfind('/');
+  while (slash != std::string_view::npos) {
+    const std::string_view directory = withoutTrailingSlashes(path.substr(0, slash));
+    slash = directory.rfind('/');
+    if (isLibraryDirectory(directory.substr(slash + 1))) {
+      return slash == std::string_view::npos
+                 ? "."
+                 : std::string(withoutTrailingSlashes(directory.substr(0, slash)));
+    }
+  }
+  return std::nullopt;
+}
+
+std::optional<std::string> baseDirectoryFromEnvironment() {
+  for (const char* variable : {"KORVDIR5_64", "KORVDIR5"}) {
+    if (const char* value = std::getenv(variable)) {
+      return std::string(withoutTrailingSlashes(std::string_view(value).substr(0, kPathLimit - 1)));
+    }
+  }
+  return std::nullopt;
+}
+
+/// The base directory of this library, searched on the first call.
+std::optional<std::string> baseDirectory() {
+  static std::atomic<uint32_t> flag{0};
+  static std::optional<std::optional<std::string>> searched;
+  const templates::platform::SpinLockVariableGuard guard(flag);
+  if (!searched) {
+    searched = findBaseDirectory(ownLibraryPath());
+  }
+  return *searched;
+}
+
+}  // namespace
+
+std::string ownLibraryPath() {
+  Dl_info info;
+  if (dladdr(reinterpret_cast<const void*>(&ownLibraryPath), &info) == 0 ||
+      info.dli_fname == nullptr) {
+    return {};
+  }
+  return info.dli_fname;
+}
+
+std::optional<std::string> findBaseDirectory(std::string_view libraryPath) {
+  std::optional<std::string> directory = baseDirectoryFromPath(libraryPath);
+  return directory ? directory : baseDirectoryFromEnvironment();
+}
+
+LibraryRecord openInstalledLibrary(std::string_view baseDirectory, std::string_view name) {
+  LibraryRecord record;
+  record.path.append(baseDirectory).append("/lib64/lib").append(name).append(".so");
+  record.handle = dlopen(record.path.c_str(), velmora::kOpenLibraryFlags);
+  if (record.handle == nullptr) {
+    const char* error = dlerror();
+    record.error = error != nullptr ? error : "";
+  }
+  return record;
+}
+
+std::optional<LibraryRecord> openDispatcherLibrary() {
+  const std::optional<std::string> directory = baseDirectory();
+  if (!directory) {
+    return std::nullopt;
+  }
+  LibraryRecord record = openInstalledLibrary(*directory, kDispatcherName);
+  return record.handle != nullptr ? std::optional(std::move(record)) : std::nullopt;
+}
+
+}  // namespace korv::tools::logging

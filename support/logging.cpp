@@ -1,0 +1,91 @@
+#include "support/logging.h"
+
+#include <dlfcn.h>
+
+namespace korv::tools::logging {
+
+using templates::platform::ReadWriteLockGuard;
+using templates::platform::RecursiveMutexGuard;
+
+bool Logger::isEnabled(int level) {
+  if (level < threshold_.load(std::memory_order_relaxed)) {
+    return false;
+  }
+  const RecursiveMutexGuard guard(mutex_);
+  return !mutedThreads_.contains(pthread_self());
+}
+
+void Logger::log(int level, const char* text, int argument, uint64_t data) {
+  Logging::instance().send(handle_, level, text, argument, data);
+}
+
+bool Logger::setThreadEnabled(bool enabled) {
+  const RecursiveMutexGuard guard(mutex_);
+  const pthread_t self = pthread_self();
+  return enabled ? mutedThreads_.erase(self) == 0 : mutedThreads_.insert(self).second;
+}
+
+Logger* Logging::getLogger(const char* name) { return instance().find(name); }
+
+void Logging::start() {
+  library_ = openDispatcherLibrary();
+  if (!library_) {
+    return;
+  }
+  const auto* descriptor = static_cast<const LoggingDispatcherDescriptor*>(
+      dlsym(library_->handle, "logging_dispatcher_descriptor"));
+  if (descriptor == nullptr) {
+    library_.reset();
+    return;
+  }
+  // Kept before the call, so that a dispatcher that detaches from within it stays detached.
+  descriptor_ = descriptor;
+  descriptor->registerLogging(this, &Logging::detach, &Logging::setLevel, &getLogger_, &log_);
+}
+
+Logging::~Logging() {
+  {
+    const ReadWriteLockGuard guard(loggersLock_, ReadWriteLockGuard::Access::kWrite);
+    loggers_.clear();
+  }
+  if (const LoggingDispatcherDescriptor* descriptor = descriptor_.exchange(nullptr)) {
+    descriptor->unregisterLogging(this);
+  }
+}
+
+Logger* Logging::find(const char* name) {
+  if (descriptor_.load() == nullptr || getLogger_ == nullptr) {
+    return &defaultLogger_;
+  }
+  uint64_t handle = 0;
+  int32_t level = kDefaultThreshold;
+  getLogger_(name, &handle, &level);
+  const ReadWriteLockGuard guard(loggersLock_, ReadWriteLockGuard::Access::kWrite);
+  return &loggers_.try_emplace(handle, handle, level).first->second;
+}
+
+void Logging::send(uint64_t handle, int level, const char* text, int argument, uint64_t data) {
+  if (descriptor_.load() != nullptr && log_ != nullptr) {
+    log_(handle, level, text, argument, data);
+  }
+}
+
+void* Logging::detach() {
+  Logging& logging = instance();
+  logging.descriptor_ = nullptr;
+  return &logging;
+}
+
+void Logging::setLevel(uint64_t handle, int32_t level) {
+  Logging& logging = instance();
+  const ReadWriteLockGuard guard(logging.loggersLock_, ReadWriteLockGuard::Access::kRead);
+  if (const auto found = logging.loggers_.find(handle); found != logging.loggers_.end()) {
+    found->second.setLevel(level);
+  }
+}
+
+std::string messagePrefix() {
+  return "thread-id=" + std::to_string(static_cast<unsigned long>(pthread_self())) + '|';
+}
+
+}  // namespace korv::tools::logging
