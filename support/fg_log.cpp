@@ -52,7 +52,6 @@ void Fg_Log::UsrDbg(const char* format, ...) {
   }
   va_list arguments;
   va_start(arguments, format);
-  // The analyzer recognises va_start only in the first file of a run.
   std::vfprintf(stream_, format, arguments);  // NOLINT(clang-analyzer-valist.Uninitialized)
   va_end(arguments);
 }

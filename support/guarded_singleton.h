@@ -24,7 +24,7 @@ class GuardedSingletonBase {
   /// Arranges the destruction of the list, once. Destructors of the process run in the reverse of
   /// this order, so whatever a singleton uses is to be loaded before the call.
   static void destroyAtExit();
-  /// True once the list has been destroyed. Code that still runs then, such as destructors of other
+  /// True once the list is being destroyed. Code that still runs then, such as destructors of other
   /// libraries, gets fresh singletons that were not started.
   static bool isOver();
 

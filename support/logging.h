@@ -55,6 +55,10 @@ class Logging final : public templates::patterns::GuardedSingleton<Logging> {
   /// Valid until the static objects of the process are destroyed or the library is unloaded.
   static Logger* getLogger(const char* name);
 
+  /// True once the process is ending: loggers that were asked for before are gone or going, those
+  /// asked for from now on are silent.
+  static bool ended() { return isOver(); }
+
   /// Releases the loggers and takes leave of the dispatcher.
   ~Logging() override;
 

@@ -8,14 +8,15 @@ enum VelmoraError {
   VELMORA_NOT_AVAILABLE = -12,  ///< Read-only parameter; unbound runtime function; no inner handle.
   VELMORA_TRIGGER_BUSY = -60,   ///< Software trigger while busy with the queue off.
   VELMORA_NO_DESIGN = -100,     ///< Design refused, or the runtime refused it without a code.
-  VELMORA_BUFFER_TOO_SMALL = -500,   ///< Buffer missing or too small; a text could not be copied.
-  VELMORA_NO_INSTANCE = -2001,       ///< Null frame grabber or no applet instance behind it.
-  VELMORA_NO_RUNTIME = -2031,        ///< Runtime library missing or without an init function.
-  VELMORA_INVALID_ARGUMENT = -2070,  ///< Null value, unknown id, process, name, index or string.
-  VELMORA_NOT_REPRESENTABLE =
-      -2075,                       ///< No description for the port; a count that fits no register.
-  VELMORA_NO_CONFIG_FILE = -2076,  ///< Configuration file missing or of another type.
-  VELMORA_DOWNSCALE_PERIOD = -2078,    ///< Downscale fails the period check; not a string type.
+  VELMORA_BUFFER_TOO_SMALL = -500,     ///< Buffer missing or too small; a text could not be copied.
+  VELMORA_NO_INSTANCE = -2001,         ///< Null frame grabber or no applet instance behind it.
+  VELMORA_NO_RUNTIME = -2031,          ///< Runtime library missing or without an init function.
+  VELMORA_INVALID_ARGUMENT = -2070,    ///< Null value, unknown id, process, name, index or string.
+  VELMORA_NOT_REPRESENTABLE = -2075,   ///< A count that fits no register.
+  VELMORA_NO_CONFIG_FILE = -2076,      ///< Configuration file missing or of another type.
+  VELMORA_NO_DESCRIPTION = -2075,      ///< No parameter description for the port.
+  VELMORA_NOT_A_STRING_TYPE = -2078,   ///< String release with a type other than 22.
+  VELMORA_DOWNSCALE_PERIOD = -2078,    ///< Downscale fails the period check.
   VELMORA_TRIGGER_PERIOD = -2079,      ///< Frame rate, delay or width fails the period check.
   VELMORA_NOT_SUPPORTED = -2130,       ///< Shading, unknown `Info` property.
   VELMORA_NOT_SOFTWARE_MODE = -2140,   ///< Software trigger outside `ATM_SOFTWARE`.

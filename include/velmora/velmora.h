@@ -26,8 +26,7 @@ extern "C" {
 /// @param device the host's board device; handed on, never looked into.
 /// @param error receives 0, -2031 (no usable runtime), -100 (no design) or the runtime's code; may
 ///        be null.
-/// @param flags handed to the runtime; bit 0 leaves the design as it is instead of writing
-/// defaults.
+/// @param flags handed to the runtime; with bit 0 set no defaults are written.
 /// @return the instance, to be stored as the first word of an `Fg_Struct` and released with
 ///         `Fg_FreeGrabber`; null on failure, with nothing left behind.
 void* Std_entry(KTdevice* device, int* error, int flags);
@@ -44,9 +43,8 @@ int Fg_FreeGrabber(Fg_Struct* fg);
 /// @param sub second index of the mapping properties, 0.
 /// @param out receives numbers as unsigned 64-bit; for 0x1100 the input, a value name. May be null.
 /// @param outPointer receives texts and blocks, which the library owns. May be null.
-/// @return the property's result; -2130 for an unknown property, -2070 for a name or index that
-/// does
-///         not exist.
+/// @return the property's result; -2130 for an unknown property, -2070 for an unknown name or
+/// index.
 int Info(int property, int index, int sub, void* out, void** outPointer);
 
 /// @name Acquisition, forwarded to the runtime's function of the same name
@@ -98,8 +96,9 @@ int Fg_getParameterIdByName(Fg_Struct* fg, const char* name);
 /// Writes all settings of the four ports to `file`, whose name must contain ".mcf".
 /// @return 0; -5001 (recorded) when the file cannot be written.
 int Fg_saveConfig(Fg_Struct* fg, const char* file);
-/// Reads a file written by `Fg_saveConfig` and applies it port by port; a value that a port refuses
-/// is skipped. What was applied before a failure stays.
+/// Reads a file written by `Fg_saveConfig` and applies it port by port. A value that a port refuses
+/// does not end the load: the design keeps what it had, while a get returns the file's value. What
+/// was applied before a failure stays.
 /// @return 0; -2076 (and -5000 recorded) when there is no such file; -5000 for another applet's
 ///         file or a missing key.
 int Fg_loadConfig(Fg_Struct* fg, const char* file);
@@ -136,9 +135,8 @@ int Shad_WriteActLine(Fg_Struct* fg, ShadingMaster* shading, int line);
 /// @}
 
 /// Creates a file of a unique name for reading and writing, mode 0600.
-/// @param nameTemplate ends in "XXXXXX" and a suffix; receives the name, or becomes empty when
-/// every
-///        name is taken.
+/// @param nameTemplate ends in "XXXXXX" and a suffix; receives the name, or becomes empty when no
+///        file could be created.
 /// @param suffixLength characters after the X run.
 /// @return the file's descriptor; -1 on failure.
 int mkstemps(char* nameTemplate, int suffixLength);

@@ -1,0 +1,62 @@
+/// Design manifests: the readable description of an FPGA design. `design/Velmora.design` documents
+/// the syntax.
+#pragma once
+
+#include <cstdint>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "velmora/register_info.h"
+
+namespace board {
+
+inline constexpr int kBoardType = 3652;  ///< The board that this one stands for.
+
+/// A KT parameter. Numbers are bits of its kind, see `scalar.h`.
+struct ParameterSpec {
+  std::string name;
+  RegisterInfoKind kind = REGISTER_INFO_UINT;
+  bool writable = false;
+  bool shared = false;  ///< One value for all DMA channels.
+  uint64_t min = 0;
+  uint64_t max = 0;
+  uint64_t step = 0;
+  uint64_t initial = 0;                                  ///< Value at power-on.
+  uint32_t count = 0;                                    ///< Elements of a field kind.
+  std::vector<std::pair<std::string, int32_t>> entries;  ///< Of an enumeration.
+  std::string text;                                      ///< Of a string at power-on.
+  std::string unit;                                      ///< Empty when there is none.
+};
+
+struct RegisterSpec {
+  std::string name;
+  int bits = 0;
+  bool writable = false;
+};
+
+struct EventSpec {
+  std::string name;
+  int32_t kind = 0;
+};
+
+/// All records of a manifest in their order, patterns expanded.
+struct Manifest {
+  std::vector<ParameterSpec> parameters;
+  std::vector<RegisterSpec> registers;
+  std::vector<EventSpec> events;
+};
+
+/// What is wrong with a manifest, with the number of the line.
+class ManifestError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+/// Parses a manifest; throws `ManifestError` for a line that is not understood, a name used twice
+/// for the same sort of thing, another board's manifest or a missing end.
+Manifest parseManifest(std::string_view text);
+
+}  // namespace board

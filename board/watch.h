@@ -1,0 +1,55 @@
+/// Watching of accesses: how a function of the board's libraries passes through the journal, the
+/// observer and the faults of `virtual_board.h`.
+#pragma once
+
+#include <atomic>
+#include <optional>
+#include <type_traits>
+#include <utility>
+
+#include "board/virtual_board.h"
+
+#pragma GCC visibility push(default)
+
+namespace board {
+
+/// Set while there is a journal, an observer or a fault. All that an unwatched access costs.
+extern std::atomic<bool> watching;
+
+/// The code that a fault has for this access, which uses the fault up.
+std::optional<int> takeFault(const Access& access);
+/// Hands a finished access to the journal and the observer.
+void report(const Access& access);
+/// The error of failed functions that have no handle to keep it.
+extern std::atomic<int> errorWithoutHandle;
+
+/// Runs `action` unless a fault stands in its way. `describe` makes the access, but for its result,
+/// before; `complete` adds what is known only after a success, such as the value read.
+template <typename Describe, typename Action, typename Complete>
+auto watched(Describe describe, Action action, Complete complete) -> decltype(action()) {
+  using Result = decltype(action());
+  if (!watching.load(std::memory_order_relaxed)) return action();
+  Access access = describe();
+  const auto fault = takeFault(access);
+  Result result{};
+  if constexpr (std::is_pointer_v<Result>) {
+    if (!fault) result = action();
+    if (fault) errorWithoutHandle = *fault;
+    access.result = result != nullptr ? 0 : -1;
+  } else {
+    result = fault ? static_cast<Result>(*fault) : action();
+    access.result = static_cast<int64_t>(result);
+  }
+  if (access.result >= 0) complete(access);
+  report(access);
+  return result;
+}
+
+template <typename Describe, typename Action>
+auto watched(Describe describe, Action action) {
+  return watched(std::move(describe), std::move(action), [](Access&) {});
+}
+
+}  // namespace board
+
+#pragma GCC visibility pop

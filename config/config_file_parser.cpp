@@ -1,0 +1,320 @@
+#include "config/config_file_parser.h"
+
+#include <sys/stat.h>
+
+#include <array>
+#include <cinttypes>
+#include <cstdarg>
+#include <cstdlib>
+#include <cstring>
+#include <string_view>
+#include <utility>
+
+#include "support/fg_log.h"
+#include "velmora/errors.h"
+
+namespace velmora {
+namespace {
+
+constexpr char kFileType[] = ".mcf";
+constexpr char kHeaderLine[] = "[Kamerasektion]\n";
+constexpr char kError[] = "Error";
+constexpr std::size_t kTextSize = 256;
+
+/// A line as read, and any value: both with their terminating zero.
+using Text = std::array<char, kTextSize>;
+
+/// Opens a file; null for what cannot be rewound, never ends or blocks: pipes and devices.
+std::FILE* openFile(const char* name, const char* mode) {
+  struct stat status = {};
+  const bool exists = stat(name, &status) == 0;
+  if (exists && !S_ISREG(status.st_mode) && !S_ISDIR(status.st_mode)) return nullptr;
+  return std::fopen(name, mode);
+}
+
+bool restart(std::FILE* file) {
+  if (file != nullptr) std::rewind(file);
+  return file != nullptr;
+}
+
+bool nextLine(std::FILE* file, Text& line) {
+  return std::fgets(line.data(), static_cast<int>(line.size()), file) != nullptr;
+}
+
+/// Reads up to and with the next line that `matches`; false when no line is left or readable.
+template <class Matches>
+bool findLine(std::FILE* file, Text& line, Matches matches) {
+  while (nextLine(file, line)) {
+    if (matches(std::string_view(line.data()))) return true;
+  }
+  return false;
+}
+
+bool contains(std::string_view text, std::string_view part) {
+  return text.find(part) != std::string_view::npos;
+}
+
+/// Takes the next piece off `rest`; runs of separators count as one.
+std::string_view takePiece(std::string_view& rest, std::string_view separators) {
+  const auto begin = rest.find_first_not_of(separators);
+  rest.remove_prefix(begin == std::string_view::npos ? rest.size() : begin);
+  const std::string_view piece = rest.substr(0, rest.find_first_of(separators));
+  rest.remove_prefix(piece.size());
+  return piece;
+}
+
+/// What stands behind the key of a line, without quotes and ';'. A line feed stays, unless there is
+/// nothing else.
+std::string_view valueBehindKey(std::string_view rest) {
+  const std::string_view value = takePiece(rest, "=;'");
+  return value.starts_with('\r') || value.starts_with('\n') ? std::string_view() : value;
+}
+
+void copyText(std::string_view text, char* value) { value[text.copy(value, kTextSize - 1)] = '\0'; }
+
+/// A number as a file holds it, cut at 31 characters.
+[[gnu::format(printf, 1, 2)]] std::array<char, 32> numberText(const char* format, ...) {
+  std::array<char, 32> text;
+  va_list arguments;
+  va_start(arguments, format);
+  std::vsnprintf(text.data(), text.size(), format, arguments);
+  va_end(arguments);
+  return text;
+}
+
+}  // namespace
+
+Fg_ConfigFileParser::Fg_ConfigFileParser(Fg_Log* log, const char* fileName, bool readOnly)
+    : log_(log) {
+  trace("Fg_ConfigFileParser::Fg_ConfigFileParser(char * filename)");
+  if (checkFileType(fileName) && checkFileExist(fileName)) {
+    file_.reset(openFile(fileName, readOnly ? "r" : "r+"));
+  }
+}
+
+Fg_ConfigFileParser::~Fg_ConfigFileParser() {
+  trace("Fg_ConfigFileParser::~Fg_ConfigFileParser()");
+}
+
+bool Fg_ConfigFileParser::checkFileType(const char* name) const {
+  trace("Fg_ConfigFileParser::checkFileType");
+  if (name == nullptr) return false;
+  const bool accepted = contains(name, kFileType);
+  trace(accepted ? "File type ok" : "File type not ok");
+  return accepted;
+}
+
+bool Fg_ConfigFileParser::checkFileExist(const char* name) const {
+  trace("Fg_ConfigFileParser::checkFileExist");
+  const bool exists = name != nullptr && File(openFile(name, "r")) != nullptr;
+  if (log_ != nullptr) log_->Info(exists ? "Config File exist" : "Config File don't exist");
+  return exists;
+}
+
+bool Fg_ConfigFileParser::setSaveFile(const char* name) {
+  trace("Fg_ConfigFileParser::setSaveFile");
+  if (!checkFileType(name)) {
+    if (log_ != nullptr) log_->Error("Config File is Invalid");
+    return false;
+  }
+  file_.reset(std::fopen(name, "w"));
+  writeFailed_ = false;
+  if (file_ == nullptr) {
+    if (log_ != nullptr) log_->Error("Config File: fopen failed");
+    return false;
+  }
+  if (log_ != nullptr) log_->Info("Config File is valid");
+  return true;
+}
+
+bool Fg_ConfigFileParser::close() {
+  const bool written = !std::exchange(writeFailed_, false);
+  return (file_ == nullptr || std::fclose(file_.release()) == 0) && written;
+}
+
+void Fg_ConfigFileParser::writeConfigFileHeader() {
+  trace("Fg_ConfigFileParser::writeConfigFileHeader");
+  write({kHeaderLine});
+  write({"\nConfigFileVersion=2.0;\n"});
+}
+
+void Fg_ConfigFileParser::writeConfigFileByPort(int port) {
+  write({"\n", getPortString(port), "\n"});
+}
+
+void Fg_ConfigFileParser::writeConfigFile(const char* key, const char* value) {
+  trace("Fg_ConfigFileParser::writeConfigFile");
+  writeLine(key, "='", value, "';\n");
+}
+
+void Fg_ConfigFileParser::writeConfigFileValue(const char* key, const char* value) {
+  trace("Fg_ConfigFileParser::writeConfigFileValue");
+  writeLine(key, "=", value, ";\n");
+}
+
+void Fg_ConfigFileParser::writeConfigFileIntKey(const char* key, int value) {
+  trace("Fg_ConfigFileParser::writeConfigFileIntKey");
+  writeConfigFileValue(key, numberText("%d", value).data());
+}
+
+void Fg_ConfigFileParser::writeConfigFileUInt64Key(const char* key, uint64_t value) {
+  trace("Fg_ConfigFileParser::writeConfigFileUInt64Key");
+  writeConfigFileValue(key, numberText("%" PRIu64, value).data());
+}
+
+void Fg_ConfigFileParser::writeConfigFileInt64Key(const char* key, int64_t value) {
+  trace("Fg_ConfigFileParser::writeConfigFileUInt64Key");
+  writeConfigFileValue(key, numberText("%" PRIi64, value).data());
+}
+
+void Fg_ConfigFileParser::writeConfigFileDoubleKey(const char* key, double value) {
+  trace("Fg_ConfigFileParser::wrtiteConfigFileDoubleKey");
+  writeConfigFileValue(key, numberText("%.12g", value).data());
+}
+
+std::string Fg_ConfigFileParser::getPortString(int port) {
+  return std::string("[Port ") + static_cast<char>('A' + port) + "]";
+}
+
+int Fg_ConfigFileParser::parseKey(const char* sectionMarker, const char* key, char* value) {
+  trace("Fg_ConfigFileParser::parseKey");
+  if (sectionMarker == nullptr || key == nullptr) return notFound(value);
+  const auto opensSection = [=](std::string_view line) { return contains(line, sectionMarker); };
+  const auto holdsKey = [name = std::string_view(key)](std::string_view line) {
+    return line.starts_with(name) && line.substr(name.size()).starts_with('=');
+  };
+  Text line;
+  if (!restart(file_.get()) || !findLine(file_.get(), line, opensSection) ||
+      !findLine(file_.get(), line, holdsKey)) {
+    return notFound(value);
+  }
+  copyText(valueBehindKey(line.data() + std::strlen(key)), value);
+  nextLine(file_.get(), line);  // An update of the file goes on behind this line.
+  return VELMORA_OK;
+}
+
+int Fg_ConfigFileParser::parseKeyFromLine(const char* key, char* value) {
+  trace("Fg_ConfigFileParser::parseKeyFromLine");
+  const auto holdsKey = [=](std::string_view line) { return contains(line, key); };
+  Text line;
+  if (key == nullptr || !restart(file_.get()) || !findLine(file_.get(), line, holdsKey)) {
+    return notFound(value);
+  }
+  std::string_view rest = line.data();
+  takePiece(rest, "='");
+  copyText(takePiece(rest, "='"), value);
+  return VELMORA_OK;
+}
+
+int Fg_ConfigFileParser::parseIntKey(const char* sectionMarker, const char* key, int* value) {
+  trace("Fg_ConfigFileParser::parseIntKey");
+  return parseNumber(sectionMarker, key, value, &Fg_ConfigFileParser::getIntValue);
+}
+
+int Fg_ConfigFileParser::parseUInt64Key(const char* sectionMarker, const char* key,
+                                        uint64_t* value) {
+  trace("Fg_ConfigFileParser::parseIntKey");
+  return parseNumber(sectionMarker, key, value, &Fg_ConfigFileParser::getUInt64Value);
+}
+
+int Fg_ConfigFileParser::parseInt64Key(const char* sectionMarker, const char* key, int64_t* value) {
+  trace("Fg_ConfigFileParser::parseIntKey");
+  return parseNumber(sectionMarker, key, value, &Fg_ConfigFileParser::getInt64Value);
+}
+
+int Fg_ConfigFileParser::parseDoubleKey(const char* sectionMarker, const char* key, double* value) {
+  trace("Fg_ConfigFileParser::parseDoubleKey");
+  return parseNumber(sectionMarker, key, value, &Fg_ConfigFileParser::getDoubleValue);
+}
+
+int Fg_ConfigFileParser::parseIntKeyFromHeader(const char* key, int* value) {
+  trace("Fg_ConfigFileParser::parseIntKeyFromHeader");
+  return parseIntKey(kHeaderLine, key, value);
+}
+
+int Fg_ConfigFileParser::parseIntKeySection(int port, const char* key, int* value) {
+  return parseInSection(port, key, value, &Fg_ConfigFileParser::parseIntKey);
+}
+
+int Fg_ConfigFileParser::parseUInt64KeySection(int port, const char* key, uint64_t* value) {
+  return parseInSection(port, key, value, &Fg_ConfigFileParser::parseUInt64Key);
+}
+
+int Fg_ConfigFileParser::parseInt64KeySection(int port, const char* key, int64_t* value) {
+  return parseInSection(port, key, value, &Fg_ConfigFileParser::parseInt64Key);
+}
+
+int Fg_ConfigFileParser::parseDoubleKeySection(int port, const char* key, double* value) {
+  return parseInSection(port, key, value, &Fg_ConfigFileParser::parseDoubleKey);
+}
+
+int Fg_ConfigFileParser::parseKeySection(int port, const char* key, char* value) {
+  return parseInSection(port, key, value, &Fg_ConfigFileParser::parseKey);
+}
+
+int Fg_ConfigFileParser::getIntValue(const char* text, int* value) const {
+  trace("Fg_ConfigFileParser::getIntValue");
+  *value = static_cast<int>(std::strtol(text, nullptr, 10));
+  return VELMORA_OK;
+}
+
+int Fg_ConfigFileParser::getUInt64Value(const char* text, uint64_t* value) const {
+  trace("Fg_ConfigFileParser::getIntValue");
+  std::sscanf(text, "%" SCNu64, value);
+  return VELMORA_OK;
+}
+
+int Fg_ConfigFileParser::getInt64Value(const char* text, int64_t* value) const {
+  trace("Fg_ConfigFileParser::getIntValue");
+  std::sscanf(text, "%" SCNi64, value);
+  return VELMORA_OK;
+}
+
+int Fg_ConfigFileParser::getDoubleValue(const char* text, double* value) const {
+  trace("Fg_ConfigFileParser::getDoubleValue");
+  *value = std::strtod(text, nullptr);
+  return VELMORA_OK;
+}
+
+void Fg_ConfigFileParser::trace(const char* text) const {
+  if (log_ != nullptr) log_->Func(text);
+}
+
+void Fg_ConfigFileParser::write(std::initializer_list<std::string_view> pieces) {
+  if (file_ == nullptr) return;
+  std::fseek(file_.get(), 0, SEEK_CUR);  // Needed between a read and a write of an update.
+  for (const std::string_view piece : pieces) {
+    if (std::fwrite(piece.data(), 1, piece.size(), file_.get()) != piece.size()) {
+      writeFailed_ = true;
+    }
+  }
+  if (std::fflush(file_.get()) != 0) writeFailed_ = true;
+}
+
+void Fg_ConfigFileParser::writeLine(const char* key, const char* opening, const char* value,
+                                    const char* closing) {
+  if (key != nullptr && value != nullptr) write({key, opening, value, closing});
+}
+
+int Fg_ConfigFileParser::notFound(char* value) {
+  copyText(kError, value);
+  return VELMORA_KEY_NOT_FOUND;
+}
+
+template <class Value>
+int Fg_ConfigFileParser::parseNumber(const char* sectionMarker, const char* key, Value* value,
+                                     Conversion<Value> convert) {
+  Text text;
+  parseKey(sectionMarker, key, text.data());
+  if (contains(text.data(), kError)) return VELMORA_NOTHING_FOUND;
+  return (this->*convert)(text.data(), value);
+}
+
+template <class Value>
+int Fg_ConfigFileParser::parseInSection(int port, const char* key, Value* value,
+                                        Reader<Value> read) {
+  if (key == nullptr) return VELMORA_NOTHING_FOUND;
+  return (this->*read)(getPortString(port).c_str(), key, value);
+}
+
+}  // namespace velmora

@@ -1,0 +1,44 @@
+/// Build tool: packs a design manifest into the image that is linked into the applet.
+/// Usage: pack MANIFEST IMAGE. The manifest is parsed first, so that a mistake in it ends the
+/// build.
+#include <cstdio>
+#include <exception>
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
+#include <string>
+
+#include "board/image.h"
+#include "board/manifest.h"
+#include "design/design_image.h"
+
+namespace {
+
+void pack(const char* manifestFile, const char* imageFile) {
+  std::ifstream in(manifestFile, std::ios::binary);
+  const std::string manifest{std::istreambuf_iterator<char>(in), {}};
+  if (!in.is_open() || in.bad()) throw std::runtime_error("cannot be read");
+  board::parseManifest(manifest);
+
+  const std::string image = board::packImage(manifest, velmora::kDesignImageSize);
+  std::ofstream out(imageFile, std::ios::binary);
+  out.write(image.data(), static_cast<std::streamsize>(image.size()));
+  out.close();
+  if (!out) throw std::runtime_error(std::string("cannot write ") + imageFile);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc != 3) {
+    std::fprintf(stderr, "usage: pack MANIFEST IMAGE\n");
+    return 1;
+  }
+  try {
+    pack(argv[1], argv[2]);
+    return 0;
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "%s: %s\n", argv[1], error.what());
+    return 1;
+  }
+}

@@ -1,0 +1,109 @@
+#include "parameters/design_events.h"
+
+#include <algorithm>
+#include <iterator>
+
+#include "parameters/design_ids.h"
+#include "platform/dervin.h"
+
+namespace velmora {
+namespace {
+
+constexpr int kEventsLookedAt = 65;
+constexpr int kMaskBits = 64;
+constexpr std::int32_t kReported = 1;
+constexpr unsigned kTriggerInputs = 8;
+
+/// An SDK event and the design event behind it. {c} stands for the camera, {L} for its port letter,
+/// {i} for a trigger input, {M} for the camera's half of the monitoring events.
+struct SdkEvent {
+  const char* name;
+  const char* designName;
+};
+
+constexpr SdkEvent kFrameEvents[] = {
+    {"FG_START_OF_FRAME_CAM_PORT_{L}",
+     "Device1_Process4_Trigger_Monitoring_FVAL_CamPort{c}TransferStart"},
+    {"FG_END_OF_FRAME_CAM_PORT_{L}",
+     "Device1_Process4_Trigger_Monitoring_FVAL_CamPort{c}TransferEnd"},
+};
+
+constexpr SdkEvent kInputEvents[] = {
+    {"FG_TRIGGER_INPUT{i}_RISING",
+     "Device1_Process4_Trigger_TriggerInput_InputEvents_InputEvents_Pin{i}"},
+    {"FG_TRIGGER_INPUT{i}_FALLING",
+     "Device1_Process4_Trigger_TriggerInput_InputEvents_InputEvents_NotPin{i}"},
+};
+
+constexpr SdkEvent kMonitoringEvents[] = {
+    {"FG_TRIGGER_EXCEEDED_PERIOD_LIMITS_CAM{c}",
+     "Device1_Process4_Trigger_Monitoring_{M}_Cam{c}Override"},
+    {"FG_MISSING_CAM{c}_FRAME_RESPONSE",
+     "Device1_Process4_Trigger_Monitoring_MonitoringEvents_Cam{c}MissingFrame"},
+    {"FG_TRIGGER_QUEUE_FILLLEVEL_THRESHOLD_CAM{c}_ON",
+     "Device1_Process4_Trigger_Monitoring_{M}_Cam{c}HysteresisOn"},
+    {"FG_TRIGGER_QUEUE_FILLLEVEL_THRESHOLD_CAM{c}_OFF",
+     "Device1_Process4_Trigger_Monitoring_{M}_Cam{c}HysteresisOff"},
+    {"FG_TRIGGER_OUTPUT_CAM{c}", "Device1_Process4_Trigger_Monitoring_{M}_Cam{c}OutputEvent"},
+};
+
+std::string expand(std::string text, unsigned camera, unsigned input) {
+  const std::pair<std::string, std::string> marks[] = {
+      {"{c}", std::to_string(camera)},
+      {"{L}", std::string(1, static_cast<char>('A' + camera))},
+      {"{i}", std::to_string(input)},
+      {"{M}", camera < 2 ? "MonitoringEvents" : "MonitoringEvents_1"},
+  };
+  for (const auto& [mark, with] : marks)
+    if (const auto at = text.find(mark); at != std::string::npos)
+      text.replace(at, mark.size(), with);
+  return text;
+}
+
+}  // namespace
+
+void DesignEvents::read(fpga_design* design,
+                        const std::function<void(const std::string&)>& missing) {
+  std::vector<const HapEvent*> events;
+  for (int i = 0; i < kEventsLookedAt; ++i) {
+    const HapEvent* event = HapGetEvent(design, i);
+    if (!event) break;
+    // An event without a bit in the mask cannot be reported.
+    if (i < kMaskBits) events.push_back(event);
+  }
+
+  for (std::size_t i = 0; i < events.size(); ++i) {
+    if (events[i]->kind != kReported || !events[i]->name) continue;
+    masks_[events[i]->name] = std::uint64_t{1} << i;
+    names_[std::uint64_t{1} << i] = events[i]->name;
+  }
+
+  const auto add = [&](const SdkEvent& event, unsigned camera, unsigned input) {
+    const std::string designName = expand(event.designName, camera, input);
+    const auto found = std::ranges::find_if(
+        events, [&](const HapEvent* e) { return e->name && designName == e->name; });
+    if (found == events.end()) return missing(designName);
+    const std::uint64_t mask = std::uint64_t{1} << std::distance(events.begin(), found);
+    const std::string name = expand(event.name, camera, input);
+    masks_[name] = mask;
+    names_[mask] = name;
+  };
+  for (unsigned camera = 0; camera < kPorts; ++camera) {
+    for (const SdkEvent& event : kFrameEvents) add(event, camera, 0);
+    for (unsigned input = 0; input < kTriggerInputs; ++input)
+      for (const SdkEvent& event : kInputEvents) add(event, camera, input);
+    for (const SdkEvent& event : kMonitoringEvents) add(event, camera, 0);
+  }
+}
+
+std::uint64_t DesignEvents::maskOf(const char* name) const {
+  const auto found = name ? masks_.find(name) : masks_.end();
+  return found == masks_.end() ? 0 : found->second;
+}
+
+const char* DesignEvents::nameOf(std::uint64_t mask) const {
+  const auto found = names_.find(mask);
+  return found == names_.end() ? nullptr : found->second.c_str();
+}
+
+}  // namespace velmora

@@ -1,0 +1,81 @@
+#include "parameters/direct_access.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cstdlib>
+#include <set>
+
+#include "platform/dervin.h"
+#include "wrapper/fg_kt_wrapper.h"
+
+namespace velmora {
+
+bool switchedOn(const char* environmentVariable) {
+  const char* value = std::getenv(environmentVariable);
+  if (!value) return false;
+  std::string text = value;
+  std::ranges::transform(text, text.begin(),
+                         [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+  return text == "yes" || text == "true" || text == "on" || text == "1";
+}
+
+std::vector<DesignRegister> designRegisters(fpga_design* design) {
+  std::vector<DesignRegister> registers;
+  const int count = HapGetNrOfRegister(design);
+  for (int i = 1; i <= count; ++i) {
+    const char* name = HapGetRegisterName(design, i);
+    if (!name) name = "";
+    registers.push_back({name, HapGetRegisterByName(design, name)});
+  }
+  return registers;
+}
+
+bool isPlainValue(uint32_t kind) {
+  switch (kind) {
+    case REGISTER_INFO_UINT:
+    case REGISTER_INFO_ENUM:
+    case REGISTER_INFO_STRING:
+    case REGISTER_INFO_DOUBLE:
+    case REGISTER_INFO_UINT64:
+    case REGISTER_INFO_INT:
+    case REGISTER_INFO_INT64:
+      return true;
+    default:
+      return false;
+  }
+}
+
+std::vector<ForestGroup> breadthFirst(const RegisterInfo* firstRoot) {
+  std::vector<ForestGroup> groups;
+  const auto append = [&groups](const RegisterInfo* node, std::size_t parent) {
+    if (node && node->kind == REGISTER_INFO_GROUP) groups.push_back({node, parent});
+  };
+  append(firstRoot, ForestGroup::kNoParent);
+  for (std::size_t i = 0; i < groups.size(); ++i) {
+    const ForestGroup current = groups[i];
+    const auto& children = current.group->value.group;
+    for (uint32_t child = 0; child < children.childCount; ++child)
+      append(children.children[child], i);
+    append(current.group->next, current.parent);
+  }
+  return groups;
+}
+
+std::map<std::string, int> designParameters(const FgKtWrapper& wrapper) {
+  std::set<std::string> names;
+  for (const ForestGroup& entry : breadthFirst(wrapper.getUnwrappedParameterInfo())) {
+    const auto& children = entry.group->value.group;
+    for (uint32_t i = 0; i < children.childCount; ++i) {
+      const RegisterInfo* node = children.children[i];
+      if (node && isPlainValue(node->kind) && node->paramName && *node->paramName)
+        names.insert(node->paramName);
+    }
+  }
+
+  std::map<std::string, int> ids;
+  for (const std::string& name : names)
+    if (const int id = wrapper.getParameterIdByName(name.c_str()); id >= 1) ids.emplace(name, id);
+  return ids;
+}
+
+}  // namespace velmora

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <map>
+#include <memory>
+#include <mutex>
+#include <string_view>
+
+namespace velmora {
+
+/// Strings that callers hold until they give them back. Releasing does not take the call lock, so
+/// the set has a lock of its own.
+class HandedOutStrings {
+ public:
+  /// A copy of `text` for the caller, valid until it is given back or this object goes.
+  char* handOut(std::string_view text) {
+    auto copy = std::make_unique<char[]>(text.size() + 1);
+    text.copy(copy.get(), text.size());
+    char* const handed = copy.get();
+    const std::lock_guard guard(mutex_);
+    strings_.emplace(handed, std::move(copy));
+    return handed;
+  }
+
+  /// Releases a string; false when it is not handed out.
+  bool takeBack(const void* handed) {
+    const std::lock_guard guard(mutex_);
+    return strings_.erase(handed) != 0;
+  }
+
+ private:
+  std::mutex mutex_;
+  std::map<const void*, std::unique_ptr<char[]>> strings_;
+};
+
+}  // namespace velmora

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <cstdint>
+
+#include "parameters/enumerations.h"
+#include "velmora/register_info.h"
+
+namespace velmora {
+
+/// What a parameter accepts as described to tools: a range with its step, an enumeration or a text.
+struct Limits {
+  enum class Kind { kNone, kWord, kReal, kEnumeration, kText };
+
+  template <class T>
+  struct Range {
+    T min, max, inc;
+  };
+
+  Kind kind = Kind::kNone;
+  Range<std::uint32_t> word{};
+  Range<double> real{};
+  Enumeration allEntries{};
+  bool lastEntryNotOnPort0 = false;
+  const char* text = nullptr;
+
+  /// The entries of an enumeration on a port.
+  constexpr Enumeration entries(unsigned port) const {
+    return lastEntryNotOnPort0 && port == 0 ? allEntries.first(allEntries.size() - 1) : allEntries;
+  }
+
+  /// Whether a value lies in the range, or is an entry, on a port. Steps are not looked at.
+  constexpr bool accepts(std::uint32_t value, unsigned port) const {
+    if (kind == Kind::kWord) return value >= word.min && value <= word.max;
+    for (const auto& entry : entries(port))
+      if (static_cast<std::uint32_t>(entry.value) == value) return true;
+    return false;
+  }
+
+  /// Not-a-number lies outside every range.
+  constexpr bool accepts(double value, unsigned) const {
+    return value >= real.min && value <= real.max;
+  }
+};
+
+constexpr Limits range(std::uint32_t min, std::uint32_t max, std::uint32_t inc) {
+  return {.kind = Limits::Kind::kWord, .word = {min, max, inc}};
+}
+
+constexpr Limits range(double min, double max, double inc) {
+  return {.kind = Limits::Kind::kReal, .real = {min, max, inc}};
+}
+
+constexpr Limits oneOf(Enumeration entries) {
+  return {.kind = Limits::Kind::kEnumeration, .allEntries = entries};
+}
+
+constexpr Limits oneOfLastNotOnPort0(Enumeration entries) {
+  return {.kind = Limits::Kind::kEnumeration, .allEntries = entries, .lastEntryNotOnPort0 = true};
+}
+
+constexpr Limits text(const char* value) { return {.kind = Limits::Kind::kText, .text = value}; }
+
+}  // namespace velmora

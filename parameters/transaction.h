@@ -1,0 +1,30 @@
+#pragma once
+
+#include <utility>
+
+namespace velmora {
+
+/// Changes a setting for as long as the design accepts it: stores the new value at once, restores
+/// the previous one on leaving the scope unless `keep` was called.
+template <class T>
+class Transaction {
+ public:
+  Transaction(T& setting, T value) : setting_(setting), previous_(std::exchange(setting, value)) {}
+  /// Guards a setting that may change within the scope.
+  explicit Transaction(T& setting) : Transaction(setting, setting) {}
+  Transaction(const Transaction&) = delete;
+  Transaction& operator=(const Transaction&) = delete;
+  ~Transaction() {
+    if (!kept_) setting_ = previous_;
+  }
+
+  void keep() { kept_ = true; }
+  T previous() const { return previous_; }
+
+ private:
+  T& setting_;
+  T previous_;
+  bool kept_ = false;
+};
+
+}  // namespace velmora

@@ -1,0 +1,309 @@
+#include "paraminfo/parameter_info.h"
+
+#include <algorithm>
+#include <cstring>
+#include <new>
+#include <utility>
+
+#include "velmora/errors.h"
+
+namespace velmora {
+namespace {
+
+using ValueArea = decltype(RegisterInfo::value);
+using Text = std::unique_ptr<char[]>;
+
+Text copyText(const char* text) {
+  if (text == nullptr) return nullptr;
+  const size_t size = std::strlen(text) + 1;
+  Text copy = std::make_unique_for_overwrite<char[]>(size);
+  std::memcpy(copy.get(), text, size);
+  return copy;
+}
+
+void replaceText(char*& text, Text replacement) noexcept {
+  delete[] text;
+  text = replacement.release();
+}
+
+void createEntries(ValueArea& area, size_t count) {
+  auto names = std::make_unique<char*[]>(count);
+  auto values = std::make_unique<int32_t[]>(count);
+  auto identifiers = std::make_unique<char*[]>(count);
+  area.enumeration.entryCount = static_cast<uint32_t>(count);
+  area.enumeration.names = names.release();
+  area.enumeration.values = values.release();
+  area.enumeration.identifiers = identifiers.release();
+}
+
+void releaseEntries(ValueArea& area) noexcept {
+  for (uint32_t i = 0; i < area.enumeration.entryCount; ++i) {
+    delete[] area.enumeration.names[i];
+    delete[] area.enumeration.identifiers[i];
+  }
+  delete[] area.enumeration.names;
+  delete[] area.enumeration.values;
+  delete[] area.enumeration.identifiers;
+}
+
+}  // namespace
+
+void Fg_ParameterInfo::NodeDeleter::operator()(RegisterInfo* node) const noexcept {
+  switch (node->kind) {
+    case REGISTER_INFO_GROUP:
+      delete[] node->value.group.children;
+      break;
+    case REGISTER_INFO_ENUM:
+      releaseEntries(node->value);
+      break;
+    case REGISTER_INFO_STRING:
+      delete[] node->value.string.value;
+      break;
+    default:
+      break;
+  }
+  delete[] node->name;
+  delete[] node->paramName;
+  delete[] node->parentName;
+  delete[] node->unit;
+  delete node;
+}
+
+Fg_ParameterInfo::Fg_ParameterInfo(int processCount)
+    : processes_(static_cast<size_t>(std::max(processCount, 0))) {}
+
+void Fg_ParameterInfo::init(int process) {
+  destroy(process);
+  if (Process* found = find(process)) found->finalized = false;
+}
+
+void Fg_ParameterInfo::destroy(int process) {
+  if (Process* found = find(process)) {
+    found->newestRoot = nullptr;
+    found->nodes.clear();
+  }
+}
+
+void Fg_ParameterInfo::finalize(int process) {
+  if (Process* found = find(process)) found->finalized = true;
+}
+
+RegisterInfo* Fg_ParameterInfo::addGroupInfo(int process, RegisterInfo* parent, const char* name) {
+  Process* owner = openProcess(process, parent);
+  if (owner == nullptr) return nullptr;
+  NodePtr group = createNode(REGISTER_INFO_GROUP, {.name = name, .process = process});
+  if (parent == nullptr) return prependRoot(*owner, std::move(group));
+  group->level = parent->level + 1;
+  replaceText(group->parentName, copyText(parent->name));
+  return appendChild(*owner, *parent, std::move(group));
+}
+
+RegisterInfo* Fg_ParameterInfo::addInfoUInt(RegisterInfo* parent, const char* name,
+                                            const char* paramName, uint32_t min, uint32_t max,
+                                            uint32_t inc, int accessMode, int qualifier,
+                                            int visible, const char* unit, int id, int process) {
+  return addValueNode(REGISTER_INFO_UINT,
+                      {parent, name, paramName, accessMode, qualifier, visible, unit, id, process},
+                      [&](ValueArea& area) {
+                        area.uint32 = {min, max, inc};
+                      });
+}
+
+RegisterInfo* Fg_ParameterInfo::addInfoInt(RegisterInfo* parent, const char* name,
+                                           const char* paramName, int32_t min, int32_t max,
+                                           int32_t inc, int accessMode, int qualifier, int visible,
+                                           const char* unit, int id, int process) {
+  return addValueNode(REGISTER_INFO_INT,
+                      {parent, name, paramName, accessMode, qualifier, visible, unit, id, process},
+                      [&](ValueArea& area) {
+                        area.int32 = {min, max, inc};
+                      });
+}
+
+RegisterInfo* Fg_ParameterInfo::addInfoUInt64(RegisterInfo* parent, const char* name,
+                                              const char* paramName, uint64_t min, uint64_t max,
+                                              uint64_t inc, int accessMode, int qualifier,
+                                              int visible, const char* unit, int id, int process) {
+  return addValueNode(REGISTER_INFO_UINT64,
+                      {parent, name, paramName, accessMode, qualifier, visible, unit, id, process},
+                      [&](ValueArea& area) {
+                        area.uint64 = {min, max, inc};
+                      });
+}
+
+RegisterInfo* Fg_ParameterInfo::addInfoInt64(RegisterInfo* parent, const char* name,
+                                             const char* paramName, int64_t min, int64_t max,
+                                             int64_t inc, int accessMode, int qualifier,
+                                             int visible, const char* unit, int id, int process) {
+  return addValueNode(REGISTER_INFO_INT64,
+                      {parent, name, paramName, accessMode, qualifier, visible, unit, id, process},
+                      [&](ValueArea& area) {
+                        area.int64 = {min, max, inc};
+                      });
+}
+
+RegisterInfo* Fg_ParameterInfo::addInfoDouble(RegisterInfo* parent, const char* name,
+                                              const char* paramName, double min, double max,
+                                              double inc, int accessMode, int qualifier,
+                                              int visible, const char* unit, int id, int process) {
+  return addValueNode(REGISTER_INFO_DOUBLE,
+                      {parent, name, paramName, accessMode, qualifier, visible, unit, id, process},
+                      [&](ValueArea& area) {
+                        area.real = {min, max, inc};
+                      });
+}
+
+RegisterInfo* Fg_ParameterInfo::addInfoString(RegisterInfo* parent, const char* name,
+                                              const char* paramName, const char* value,
+                                              int accessMode, int qualifier, int visible,
+                                              const char* unit, int id, int process) {
+  return addValueNode(REGISTER_INFO_STRING,
+                      {parent, name, paramName, accessMode, qualifier, visible, unit, id, process},
+                      [&](ValueArea& area) { area.string.value = copyText(value).release(); });
+}
+
+RegisterInfo* Fg_ParameterInfo::addInfoEnum(RegisterInfo* parent, const char* name,
+                                            const char* paramName, int entryCount, int accessMode,
+                                            int qualifier, int visible, const char* unit, int id,
+                                            int process) {
+  return addValueNode(
+      REGISTER_INFO_ENUM,
+      {parent, name, paramName, accessMode, qualifier, visible, unit, id, process},
+      [&](ValueArea& area) { createEntries(area, static_cast<size_t>(std::max(entryCount, 0))); });
+}
+
+int Fg_ParameterInfo::addEnumNameValue(RegisterInfo* enumeration, int entryIndex,
+                                       const char* displayText, int value,
+                                       const char* symbolicName) {
+  if (enumeration == nullptr || enumeration->kind != REGISTER_INFO_ENUM || displayText == nullptr)
+    return VELMORA_BUFFER_TOO_SMALL;
+  auto& entries = enumeration->value.enumeration;
+  if (entryIndex < 0 || static_cast<uint32_t>(entryIndex) >= entries.entryCount)
+    return VELMORA_BUFFER_TOO_SMALL;
+  try {
+    Text name = copyText(displayText);
+    Text identifier = copyText(symbolicName);
+    replaceText(entries.names[entryIndex], std::move(name));
+    replaceText(entries.identifiers[entryIndex], std::move(identifier));
+  } catch (const std::bad_alloc&) {
+    return VELMORA_BUFFER_TOO_SMALL;
+  }
+  entries.values[entryIndex] = value;
+  return VELMORA_OK;
+}
+
+RegisterInfo* Fg_ParameterInfo::addInfoIntField(RegisterInfo* parent, const char* name,
+                                                const char* paramName, int32_t count, int32_t value,
+                                                int32_t max, int32_t /*ignored*/, int accessMode,
+                                                int qualifier, int visible, const char* unit,
+                                                int id, int process) {
+  return addValueNode(REGISTER_INFO_INT_FIELD,
+                      {parent, name, paramName, accessMode, qualifier, visible, unit, id, process},
+                      [&](ValueArea& area) {
+                        area.intField = {value, max, count, 0, value};
+                      });
+}
+
+RegisterInfo* Fg_ParameterInfo::addInfoUIntField(RegisterInfo* parent, const char* name,
+                                                 const char* paramName, uint32_t count,
+                                                 uint32_t value, uint32_t max, uint32_t /*ignored*/,
+                                                 int accessMode, int qualifier, int visible,
+                                                 const char* unit, int id, int process) {
+  return addValueNode(REGISTER_INFO_UINT_FIELD,
+                      {parent, name, paramName, accessMode, qualifier, visible, unit, id, process},
+                      [&](ValueArea& area) {
+                        area.uintField = {value, max, count, 0, value};
+                      });
+}
+
+RegisterInfo* Fg_ParameterInfo::addInfoDoubleField(RegisterInfo* parent, const char* name,
+                                                   const char* paramName, int32_t count,
+                                                   double value, double max, double /*ignored*/,
+                                                   int accessMode, int qualifier, int visible,
+                                                   const char* unit, int id, int process) {
+  return addValueNode(REGISTER_INFO_DOUBLE_FIELD,
+                      {parent, name, paramName, accessMode, qualifier, visible, unit, id, process},
+                      [&](ValueArea& area) {
+                        area.realField = {value, max, count, value};
+                      });
+}
+
+void Fg_ParameterInfo::setParamName(RegisterInfo* node, const char* paramName) {
+  if (node != nullptr) replaceText(node->paramName, copyText(paramName));
+}
+
+RegisterInfo* Fg_ParameterInfo::getRegisterInfo(int process) const {
+  const Process* found = find(process);
+  return found == nullptr ? nullptr : found->newestRoot;
+}
+
+RegisterInfo* Fg_ParameterInfo::getNextRegisterInfo(const RegisterInfo* node, int process) const {
+  const Process* found = find(process);
+  if (found == nullptr) return nullptr;
+  return node == nullptr ? found->newestRoot : node->next;
+}
+
+const Fg_ParameterInfo::Process* Fg_ParameterInfo::find(int process) const {
+  const bool exists = process >= 0 && static_cast<size_t>(process) < processes_.size();
+  return exists ? &processes_[static_cast<size_t>(process)] : nullptr;
+}
+
+Fg_ParameterInfo::Process* Fg_ParameterInfo::find(int process) {
+  return const_cast<Process*>(std::as_const(*this).find(process));
+}
+
+Fg_ParameterInfo::Process* Fg_ParameterInfo::openProcess(int process, const RegisterInfo* parent) {
+  if (parent != nullptr && parent->kind != REGISTER_INFO_GROUP) return nullptr;
+  Process* found = find(process);
+  return found == nullptr || found->finalized ? nullptr : found;
+}
+
+Fg_ParameterInfo::NodePtr Fg_ParameterInfo::createNode(RegisterInfoKind kind,
+                                                       const Attributes& attributes) {
+  NodePtr node(new RegisterInfo());
+  node->kind = static_cast<uint32_t>(kind);
+  node->accessMode = static_cast<uint32_t>(attributes.accessMode);
+  node->qualifier = static_cast<uint32_t>(attributes.qualifier);
+  node->visible = static_cast<uint32_t>(attributes.visible);
+  node->id = attributes.id;
+  node->process = attributes.process;
+  node->name = copyText(attributes.name).release();
+  node->paramName = copyText(attributes.paramName).release();
+  node->unit = copyText(attributes.unit).release();
+  return node;
+}
+
+RegisterInfo* Fg_ParameterInfo::appendChild(Process& process, RegisterInfo& parent, NodePtr node) {
+  auto& group = parent.value.group;
+  auto grown = std::make_unique_for_overwrite<RegisterInfo*[]>(size_t{group.childCount} + 1);
+  std::copy_n(group.children, group.childCount, grown.get());
+  // The last step that can fail; from here on parent and child are linked.
+  RegisterInfo* child = process.nodes.emplace_back(std::move(node)).get();
+  child->index = group.nextChildIndex++;
+  grown[child->index] = child;
+  ++group.childCount;
+  delete[] group.children;
+  group.children = grown.release();
+  return child;
+}
+
+RegisterInfo* Fg_ParameterInfo::prependRoot(Process& process, NodePtr node) {
+  RegisterInfo* root = process.nodes.emplace_back(std::move(node)).get();
+  root->next = process.newestRoot;
+  if (root->next != nullptr) root->next->prev = root;
+  process.newestRoot = root;
+  return root;
+}
+
+template <typename Fill>
+RegisterInfo* Fg_ParameterInfo::addValueNode(RegisterInfoKind kind, const Attributes& attributes,
+                                             Fill fill) {
+  if (attributes.parent == nullptr) return nullptr;
+  Process* owner = openProcess(attributes.process, attributes.parent);
+  if (owner == nullptr) return nullptr;
+  NodePtr node = createNode(kind, attributes);
+  fill(node->value);
+  return appendChild(*owner, *attributes.parent, std::move(node));
+}
+
+}  // namespace velmora

@@ -1,0 +1,161 @@
+#include "paraminfo/parameter_info_builder_xml.h"
+
+#include <locale>
+#include <map>
+#include <sstream>
+#include <string_view>
+
+#include "paraminfo/category.h"
+#include "paraminfo/parameter_info.h"
+#include "paraminfo/parameter_info_generator_xml.h"
+#include "wrapper/fg_kt_wrapper.h"
+
+namespace velmora {
+
+struct ParameterInfoBuilderXMLPrivate {
+  Fg_ParameterInfo& registry;
+  FgKtWrapper& wrapper;
+  int process;
+  Category root;
+};
+
+namespace {
+
+constexpr const char* kRootCategory = "Root";
+constexpr std::string_view kUndescribedGroup = "Direct Register Access";
+
+std::string_view textOf(const char* text) { return text == nullptr ? std::string_view() : text; }
+
+void writeHeader(std::ostream& out, const char* modelName) {
+  out << R"(<?xml version="1.0" encoding="utf-8"?>
+
+<RegisterDescription
+ModelName=")"
+      << xmlStringFilter(textOf(modelName)) << R"("
+VendorName="Brightfold"
+StandardNameSpace="None"
+SchemaMajorVersion="1"
+SchemaMinorVersion="0"
+SchemaSubMinorVersion="1"
+MajorVersion="1"
+MinorVersion="0"
+SubMinorVersion="0"
+ProductGuid="0"
+VersionGuid="0"
+xmlns="http://www.genicam.org/GenApi/Version_1_0"
+xmlns:xsi="http://www.w3.org/2001/XMLSchema-instance"
+xsi:schemaLocation="http://www.genicam.org/GenApi/Version_1_0 GenApiSchema_Version_1_0.xsd">
+)";
+}
+
+/// Identifiers by value; of several entries with the same value the last one counts.
+std::map<int, std::string> namedEntries(const RegisterInfo& node) {
+  const auto& enumeration = node.value.enumeration;
+  std::map<int, std::string> entries;
+  for (uint32_t i = 0; i < enumeration.entryCount; ++i) {
+    if (const char* identifier = enumeration.identifiers[i])
+      entries[enumeration.values[i]] = identifier;
+  }
+  return entries;
+}
+
+/// Sign-extends signed numbers: the generator takes all integers as 64-bit patterns.
+template <class Range>
+void writeInteger(ParameterInfoGeneratorXML& generator, const RegisterInfo& node,
+                  const Range& range) {
+  const auto wide = [](auto number) { return static_cast<uint64_t>(number); };
+  generator.infoGenerate(node, uint64_t{0}, wide(range.min), wide(range.max), wide(range.inc));
+}
+
+/// Whether the node's kind has an element, which then is written.
+bool writeParameter(std::ostream& out, const RegisterInfo& node) {
+  ParameterInfoGeneratorXML generator(out);
+  switch (node.kind) {
+    case REGISTER_INFO_UINT:
+      writeInteger(generator, node, node.value.uint32);
+      return true;
+    case REGISTER_INFO_INT:
+      writeInteger(generator, node, node.value.int32);
+      return true;
+    case REGISTER_INFO_DOUBLE: {
+      const auto& range = node.value.real;
+      generator.infoGenerate(node, 0.0, range.min, range.max, range.inc);
+      return true;
+    }
+    case REGISTER_INFO_STRING:
+      generator.infoGenerate(node);
+      return true;
+    case REGISTER_INFO_ENUM:
+      generator.infoGenerate(node, 0, namedEntries(node));
+      return true;
+    default:
+      return false;
+  }
+}
+
+void writeFeature(std::ostream& out, const std::string& name) {
+  out << "<pFeature>" << name << "</pFeature>\n";
+}
+
+}  // namespace
+
+ParameterInfoBuilderXML::ParameterInfoBuilderXML(Fg_ParameterInfo& registry, FgKtWrapper& wrapper,
+                                                 int process)
+    : private_(new ParameterInfoBuilderXMLPrivate{registry, wrapper, process,
+                                                  Category(kRootCategory)}) {}
+
+ParameterInfoBuilderXML::~ParameterInfoBuilderXML() = default;
+
+std::string ParameterInfoBuilderXML::build() {
+  std::ostringstream out;
+  // The host may have set a global locale that groups digits or writes decimal commas.
+  out.imbue(std::locale::classic());
+  writeHeader(out, private_->wrapper.getAppletName());
+  processRegisterInfo(out, private_->registry.getRegisterInfo(private_->process), nullptr);
+  writeCategory(out, private_->root);
+  out << "<Port Name=\"DevicePort\"></Port>\n"
+         "</RegisterDescription>\n";
+  return out.str();
+}
+
+void ParameterInfoBuilderXML::processRegisterInfo(std::ostream& out, const RegisterInfo* node,
+                                                  const RegisterInfo* parent) {
+  for (; node != nullptr; node = node->next) {
+    if (node->kind != REGISTER_INFO_GROUP) {
+      buildParamDescr(out, *node, parent);
+      continue;
+    }
+    for (uint32_t i = 0; i < node->value.group.childCount; ++i)
+      processRegisterInfo(out, node->value.group.children[i], node);
+  }
+}
+
+void ParameterInfoBuilderXML::buildParamDescr(std::ostream& out, const RegisterInfo& node,
+                                              const RegisterInfo* parent) {
+  const std::string_view group = textOf(parent == nullptr ? nullptr : parent->name);
+  if (node.visible == 0 || group == kUndescribedGroup) return;
+  if (!writeParameter(out, node)) return;
+  categoryOf(group).addFeature(xmlNameFilter(textOf(node.paramName)));
+  out << "\n\r";
+}
+
+void ParameterInfoBuilderXML::writeCategory(std::ostream& out, const Category& category) {
+  out << "<Category Name='" << category.getName() << "' "
+      << (category.getName() == kRootCategory ? "NameSpace='Standard'" : "") << " >\n";
+  for (size_t i = 0; i < category.getChildCount(); ++i)
+    writeFeature(out, category.getChild(i)->getName());
+  for (size_t i = 0; i < category.getFeatureCount(); ++i) writeFeature(out, category.getFeature(i));
+  out << "</Category>\n";
+  for (size_t i = 0; i < category.getChildCount(); ++i) writeCategory(out, *category.getChild(i));
+}
+
+/// Categories are one level deep; groups whose titles filter to the same name share one.
+Category& ParameterInfoBuilderXML::categoryOf(std::string_view group) {
+  Category& root = private_->root;
+  if (group.empty()) return root;
+  const std::string name = xmlNameFilter(group);
+  Category* category = root.getChild(name);
+  return category == nullptr ? root.addChild(name) : *category;
+}
+
+}  // namespace velmora

@@ -1,0 +1,49 @@
+/// GenApi document of a process's parameters.
+#pragma once
+
+#include <iosfwd>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "velmora/register_info.h"
+
+namespace velmora {
+
+class Category;
+class Fg_ParameterInfo;
+class FgKtWrapper;
+struct ParameterInfoBuilderXMLPrivate;
+
+/// Renders the description forest of one process as a GenICam GenApi register description: a
+/// register and a feature per visible parameter, and a category per group that holds parameters.
+/// Parameters of kinds that have no element, and those under "Direct Register Access", are left
+/// out.
+///
+/// Made for one document. Only reads the registry; builders for different documents are
+/// independent.
+class ParameterInfoBuilderXML {
+ public:
+  /// `registry` and `wrapper`, which names the model, must outlive the builder.
+  ParameterInfoBuilderXML(Fg_ParameterInfo& registry, FgKtWrapper& wrapper, int process);
+  virtual ~ParameterInfoBuilderXML();
+  ParameterInfoBuilderXML(const ParameterInfoBuilderXML&) = delete;
+  ParameterInfoBuilderXML& operator=(const ParameterInfoBuilderXML&) = delete;
+
+  /// The complete document. Without parameters for a process that does not exist or is empty.
+  std::string build();
+
+ private:
+  /// Renders `node`, the nodes after it in its list, and the descendants of groups.
+  void processRegisterInfo(std::ostream& out, const RegisterInfo* node, const RegisterInfo* parent);
+  /// Renders a parameter and records it as a feature of its category.
+  void buildParamDescr(std::ostream& out, const RegisterInfo& node, const RegisterInfo* parent);
+  /// Renders a category, then its children.
+  void writeCategory(std::ostream& out, const Category& category);
+
+  Category& categoryOf(std::string_view group);
+
+  std::unique_ptr<ParameterInfoBuilderXMLPrivate> private_;
+};
+
+}  // namespace velmora

@@ -1,0 +1,54 @@
+/// GenApi elements of single parameters.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <ostream>
+#include <string>
+#include <string_view>
+
+#include "velmora/register_info.h"
+
+namespace velmora {
+
+/// `text` with the five characters that XML reserves replaced by their entities. All other bytes
+/// pass unchanged: display texts are Latin-1 and the readers of these documents expect them so.
+std::string xmlStringFilter(std::string_view text);
+
+/// The part of `text` that may stand in a GenApi node name: ASCII letters, and, but for the first
+/// byte, digits and '_'.
+std::string xmlNameFilter(std::string_view text);
+
+/// Writes the register and the feature of a parameter. Each overload ends without a line feed,
+/// except for the common register lines. Numbers are formatted as the stream's locale says.
+class ParameterInfoGeneratorXML {
+ public:
+  /// `out` must outlive the generator.
+  explicit ParameterInfoGeneratorXML(std::ostream& out) : out_(out) {}
+
+  /// The lines that all registers share: the parameter's id as address, `length` in bytes, access
+  /// and port.
+  void infoGenerate(const RegisterInfo& node, int length);
+  /// Integer register and feature. The numbers are written as signed ones for a signed node; an
+  /// increment of 0 is left out. A description has no use for the current value.
+  void infoGenerate(const RegisterInfo& node, uint64_t value, uint64_t min, uint64_t max,
+                    uint64_t inc);
+  /// Float register and feature. GenApi floats have no increment; the current value is of no use.
+  void infoGenerate(const RegisterInfo& node, double value, double min, double max, double inc);
+  /// String register, which is its own feature.
+  void infoGenerate(const RegisterInfo& node);
+  /// Enumeration and its register. `entries` are identifiers by value; the current value is of no
+  /// use.
+  void infoGenerate(const RegisterInfo& node, int value, const std::map<int, std::string>& entries);
+
+ private:
+  void startRegister(const char* type, const RegisterInfo& node, const char* suffix);
+  void description(const RegisterInfo& node);
+  void registerReference(const RegisterInfo& node);
+  template <class Value>
+  void element(const char* tag, const Value& value);
+
+  std::ostream& out_;
+};
+
+}  // namespace velmora

@@ -1,0 +1,131 @@
+/// An applet opened on a virtual board, for tests through the exports.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "board/virtual_board.h"
+#include "velmora/errors.h"
+#include "velmora/parameters.h"
+#include "velmora/values.h"
+#include "velmora/velmora.h"
+
+/// The host's side of a frame grabber.
+struct Fg_Struct {
+  void* applet;
+};
+
+namespace fixture {
+
+/// `Std_entry` flag: the design keeps what it has.
+inline constexpr int kNoDefaults = 1;
+
+inline constexpr unsigned kPorts = 4;
+
+/// Owns a device and, if `Std_entry` succeeds, an applet on it. The journal runs from construction
+/// on and holds start-up until it is taken. Ends with no faults, no journal and everything
+/// released.
+class Applet {
+ public:
+  explicit Applet(int flags = 0) : device_(board::createDevice()) {
+    board::startJournal();
+    grabber_.applet = Std_entry(device_, &error_, flags);
+  }
+  Applet(const Applet&) = delete;
+  Applet& operator=(const Applet&) = delete;
+  ~Applet() {
+    board::clearFaults();
+    board::stopJournal();
+    close();
+    board::destroyDevice(device_);
+  }
+
+  /// Releases the applet ahead of time; the result of `Fg_FreeGrabber`, -2001 when it is gone.
+  int close() { return Fg_FreeGrabber(&grabber_); }
+
+  KTdevice* device() { return device_; }
+  Fg_Struct* fg() { return &grabber_; }
+  bool opened() const { return grabber_.applet != nullptr; }
+  int error() const { return error_; }
+  int lastError() { return Fg_getLastErrorNumber(&grabber_); }
+
+  /// Sets a 32-bit or a double parameter; the result of the export.
+  int set(int id, std::uint32_t value, unsigned port = 0) {
+    return Fg_setParameterWithType(&grabber_, id, &value, port, FG_PARAM_TYPE_INT32);
+  }
+  int set(int id, int value, unsigned port = 0) {
+    return set(id, static_cast<std::uint32_t>(value), port);
+  }
+  int set(int id, double value, unsigned port = 0) {
+    return Fg_setParameterWithType(&grabber_, id, &value, port, FG_PARAM_TYPE_DOUBLE);
+  }
+
+  /// What a get returns and stores.
+  template <class T>
+  struct Reading {
+    int code;
+    T value;
+    bool operator==(const Reading&) const = default;
+  };
+  Reading<std::uint32_t> word(int id, unsigned port = 0) {
+    Reading<std::uint32_t> reading{0, 0xDEADBEEF};
+    reading.code =
+        Fg_getParameterWithType(&grabber_, id, &reading.value, port, FG_PARAM_TYPE_INT32);
+    return reading;
+  }
+  Reading<double> real(int id, unsigned port = 0) {
+    Reading<double> reading{0, -1};
+    reading.code =
+        Fg_getParameterWithType(&grabber_, id, &reading.value, port, FG_PARAM_TYPE_DOUBLE);
+    return reading;
+  }
+
+  /// A parameter's description node, or null.
+  RegisterInfo* node(int id, unsigned port = 0) {
+    for (RegisterInfo* root = Fg_getParameterInfo(&grabber_, static_cast<int>(port)); root;
+         root = root->next)
+      if (RegisterInfo* found = find(*root, id)) return found;
+    return nullptr;
+  }
+
+ private:
+  static RegisterInfo* find(RegisterInfo& node, int id) {
+    if (node.kind != REGISTER_INFO_GROUP) return node.id == id ? &node : nullptr;
+    for (std::uint32_t i = 0; i < node.value.group.childCount; ++i)
+      if (RegisterInfo* found = find(*node.value.group.children[i], id)) return found;
+    return nullptr;
+  }
+
+  KTdevice* device_;
+  Fg_Struct grabber_{};
+  int error_ = 1;
+};
+
+using Lines = std::vector<std::string>;
+
+/// The accesses since the last take as journal lines, without the calls that are no parameter or
+/// register access: "set NAME[1] = 3", "get NAME[0] -> 5", "write REG = 1", "read REG -> 1". The
+/// trigger block's prefix "Device1_Process4_Trigger_" is left out.
+inline Lines takeAccesses() {
+  static const std::string kPrefix = "Device1_Process4_Trigger_";
+  Lines lines;
+  for (const board::Access& access : board::takeJournal()) {
+    if (access.kind == board::AccessKind::kCall) continue;
+    std::string line = board::describe(access);
+    if (const auto at = line.find(kPrefix); at != std::string::npos) line.erase(at, kPrefix.size());
+    lines.push_back(line);
+  }
+  return lines;
+}
+
+/// Like `takeAccesses`, writes only.
+inline Lines takeWrites() {
+  Lines lines = takeAccesses();
+  std::erase_if(lines, [](const std::string& line) {
+    return !line.starts_with("set ") && !line.starts_with("write ");
+  });
+  return lines;
+}
+
+}  // namespace fixture

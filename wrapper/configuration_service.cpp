@@ -1,0 +1,51 @@
+/// Saving and loading a configuration file around the applet's own settings.
+#include <clocale>
+#include <cstring>
+
+#include "config/config_file_parser.h"
+#include "wrapper/fg_kt_wrapper.h"
+
+namespace velmora {
+namespace {
+
+constexpr std::size_t kValueSize = 256;
+
+/// Whether the file's header is that of this applet.
+bool isConfigurationOf(const char* appletName, Fg_ConfigFileParser& parser) {
+  char text[kValueSize];
+  int activePort = 0;
+  return parser.parseKeyFromLine("Hersteller", text) == VELMORA_OK &&
+         parser.parseKeyFromLine("Typ", text) == VELMORA_OK && std::strcmp(text, appletName) == 0 &&
+         parser.parseIntKeyFromHeader("AktivePort", &activePort) == VELMORA_OK;
+}
+
+}  // namespace
+
+int FgKtWrapper::Fg_saveConfig(Fg_Struct*, const char* file) {
+  std::setlocale(LC_ALL, "English");  // A locale of this name need not exist.
+  Fg_ConfigFileParser parser(nullptr, nullptr, false);
+  if (!parser.setSaveFile(file)) return fgError().setErr(VELMORA_CONFIG_NOT_SAVED);
+
+  parser.writeConfigFileHeader();
+  parser.writeConfigFile("Hersteller", getVendorName());
+  parser.writeConfigFile("Typ", getAppletName());
+  parser.writeConfigFile("Version", getAppletVersion());
+  parser.writeConfigFileIntKey("LoadAppletId", getLoadAppletId());
+  parser.writeConfigFileIntKey("AktivePort", 0);
+  saveParameters(parser);
+  // A full disk shows only here; a file that is not whole must not count as saved.
+  return fgError().setErr(parser.close() ? VELMORA_OK : VELMORA_CONFIG_NOT_SAVED);
+}
+
+int FgKtWrapper::Fg_loadConfig(Fg_Struct*, const char* file) {
+  std::setlocale(LC_ALL, "English");  // A locale of this name need not exist.
+  Fg_ConfigFileParser parser(nullptr, file, true);
+  if (!parser.checkFileExist(file) || !parser.checkFileType(file)) {
+    setError(VELMORA_CONFIG_NOT_LOADED);
+    return VELMORA_NO_CONFIG_FILE;
+  }
+  const bool loaded = isConfigurationOf(getAppletName(), parser) && loadParameters(parser);
+  return fgError().setErr(loaded ? VELMORA_OK : VELMORA_CONFIG_NOT_LOADED);
+}
+
+}  // namespace velmora

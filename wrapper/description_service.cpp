@@ -1,0 +1,24 @@
+/// Handing a port's GenApi document to the caller's buffer.
+#include <algorithm>
+#include <string>
+
+#include "paraminfo/parameter_info.h"
+#include "paraminfo/parameter_info_builder_xml.h"
+#include "wrapper/fg_kt_wrapper.h"
+
+namespace velmora {
+
+int FgKtWrapper::Fg_getParameterInfoXML(Fg_Struct*, int port, char* buffer, size_t* size) {
+  if (!size || (buffer && *size == 0)) return fgError().setErr(VELMORA_BUFFER_TOO_SMALL);
+  if (!Fg_getParameterInfo(port)) return fgError().setErr(VELMORA_NO_DESCRIPTION);
+
+  const std::string text = ParameterInfoBuilderXML(*parameterInfo(), *this, port).build();
+  if (buffer) {
+    if (*size <= text.size()) return fgError().setErr(VELMORA_BUFFER_TOO_SMALL);
+    std::fill(std::copy(text.begin(), text.end(), buffer), buffer + *size, '\0');
+  }
+  *size = text.size() + 1;
+  return fgError().setErr(VELMORA_OK);
+}
+
+}  // namespace velmora

@@ -1,0 +1,20 @@
+#pragma once
+
+namespace velmora {
+
+/// Creates a new file with a unique name, readable and writable by its owner only. Any thread.
+/// @param nameTemplate path with "XXXXXX" right before its suffix; the six characters become those
+/// of the name.
+/// @param suffixLength characters behind "XXXXXX", such as 5 for ".tiff".
+/// @return the file's descriptor, open for reading and writing; -1 on failure with `errno` set:
+/// for an invalid argument the template stays as it was, otherwise it becomes empty.
+int makeUniqueFile(char* nameTemplate, int suffixLength);
+
+/// Creates an empty file "/tmp/coef-XXXXXX.tiff" with a unique name. Any thread.
+/// @return its name, to be given to `deleteTempFile`; null on failure.
+char* createTempFile();
+
+/// Removes a file and releases its name, which `createTempFile` returned; null does nothing.
+void deleteTempFile(char* name);
+
+}  // namespace velmora
