@@ -5,8 +5,8 @@
 #include "design/design_image.h"
 #include "parameters/applet_identity.h"
 #include "parameters/fg_kt_wrapper_impl.h"
-#include "platform/dervin.h"
 #include "velmora/velmora.h"
+#include "wrapper/loaded_design.h"
 
 using namespace velmora;
 
@@ -15,10 +15,11 @@ namespace {
 constexpr unsigned kLeaveDesign = 1;  // Flag bit: the design keeps what it has.
 constexpr int kLoadArgument = 1;      // What both design loaders are given last.
 
-fpga_design* loadDesign() {
+LoadedDesign loadDesign() {
   if (std::getenv("__KORV_FORCE_EXTERNAL_HAP"))
-    return HapLoadHapFileWithType(kHapFileName, kBoardType, kLoadArgument);
-  return HapLoadDesignFromBuffer(velmora_design_image, kDesignImageSize, kLoadArgument);
+    return LoadedDesign(HapLoadHapFileWithType(kHapFileName, kBoardType, kLoadArgument));
+  return LoadedDesign(
+      HapLoadDesignFromBuffer(velmora_design_image, kDesignImageSize, kLoadArgument));
 }
 
 /// Opens the runtime, loads the design and creates the inner handle. The instance owns the design
@@ -26,14 +27,11 @@ fpga_design* loadDesign() {
 int open(FgKtWrapper& applet, KTdevice* device, int flags) {
   if (const int code = applet.initializeDllFunctions("libvorn5.so"); code != VELMORA_OK)
     return code;
-  fpga_design* design = loadDesign();
+  LoadedDesign design = loadDesign();
   if (!design) return VELMORA_NO_DESIGN;
-  if (const int code = applet.runFgInit(kHapFileName, device, design, flags); code != VELMORA_OK) {
-    HapUnloadHapFile(design);
-    return code;
-  }
-  applet.initHandles(device, design);
-  return VELMORA_OK;
+  const int code = applet.runFgInit(kHapFileName, device, design.get(), flags);
+  if (code == VELMORA_OK) applet.initHandles(device, design.release());
+  return code;
 }
 
 void start(FgKtWrapperImpl& applet, int flags) {

@@ -7,9 +7,9 @@
 #include <type_traits>
 
 #include "paraminfo/parameter_info.h"
-#include "platform/dervin.h"
 #include "platform/dynamic_library.h"
 #include "support/logging.h"
+#include "wrapper/loaded_design.h"
 
 namespace velmora {
 
@@ -24,10 +24,6 @@ constexpr int kMissing = VELMORA_NOT_AVAILABLE;
 
 struct LibraryCloser {
   void operator()(void* library) const { dlclose(library); }
-};
-
-struct DesignUnloader {
-  void operator()(fpga_design* design) const { HapUnloadHapFile(design); }
 };
 
 template <class Function>
@@ -60,7 +56,7 @@ struct FgKtWrapper::Private {
   WrapperFunctionTable table;
   Fg_Struct* inner = nullptr;
   KTdevice* device = nullptr;
-  std::unique_ptr<fpga_design, DesignUnloader> design;
+  LoadedDesign design;
   VornInitHandleSlaveAware* initSlaveAware = nullptr;
   VornInitHandle* init = nullptr;
   VornGetParameterIdByName* idByName = nullptr;
