@@ -95,22 +95,16 @@ TEST(GenApi, LimitsThatAValueMovesAppearInTheNextDocumentOfItsPort) {
   };
   Applet applet;
   for (unsigned port = 0; port < kPorts; ++port) {
-    std::string before = expected(port);
-    moveToDefaults(before);
-    std::string text = before;
-    for (const auto& row : rows) {
-      SCOPED_TRACE(testing::Message() << row.id << " on port " << port);
-      const int code =
-          std::visit([&](auto value) { return applet.set(row.id, value, port); }, row.value);
-      EXPECT_EQ(code, row.moved ? VELMORA_OK : VELMORA_OUT_OF_RANGE);
-      if (row.moved) replaceIn(text, row.moved, row.from, row.to);
+    std::string text = expected(port);
+    moveToDefaults(text);
+    EXPECT_EQ(document(applet, port), text) << "moved with another port than " << port;
+    for (const auto& [id, value, moved, from, to] : rows) {
+      SCOPED_TRACE(testing::Message() << id << " on port " << port);
+      const int code = std::visit([&](auto v) { return applet.set(id, v, port); }, value);
+      EXPECT_EQ(code, moved ? VELMORA_OK : VELMORA_OUT_OF_RANGE);
+      if (moved) replaceIn(text, moved, from, to);
       EXPECT_EQ(document(applet, port), text);
     }
-    const unsigned next = port + 1;
-    if (next == kPorts) break;
-    before = expected(next);
-    moveToDefaults(before);
-    EXPECT_EQ(document(applet, next), before) << "moved with port " << port;
   }
 }
 
@@ -142,29 +136,24 @@ TEST(GenApi, BufferIsFilledOrTheRefusalRecorded) {
     bool buffer;
     std::size_t size;
     int code;
-    std::size_t sizeAfter;
   } rows[] = {
-      {2, false, 0, VELMORA_OK, exact},
-      {2, false, 7, VELMORA_OK, exact},
-      {2, true, exact, VELMORA_OK, exact},
-      {2, true, exact + 100, VELMORA_OK, exact},
-      {2, true, 0, VELMORA_BUFFER_TOO_SMALL, 0},
-      {2, true, 1, VELMORA_BUFFER_TOO_SMALL, 1},
-      {2, true, exact - 1, VELMORA_BUFFER_TOO_SMALL, exact - 1},
-      {4, false, 7, VELMORA_NOT_REPRESENTABLE, 7},
-      {-1, true, exact, VELMORA_NOT_REPRESENTABLE, exact},
-      {4, true, 0, VELMORA_BUFFER_TOO_SMALL, 0},
+      {2, false, 7, VELMORA_OK},
+      {2, true, exact, VELMORA_OK},
+      {2, true, exact + 100, VELMORA_OK},
+      {2, true, 0, VELMORA_BUFFER_TOO_SMALL},
+      {2, true, exact - 1, VELMORA_BUFFER_TOO_SMALL},
+      {4, false, 7, VELMORA_NOT_REPRESENTABLE},
+      {-1, true, exact, VELMORA_NOT_REPRESENTABLE},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(testing::Message() << row.port << ' ' << row.buffer << ' ' << row.size);
     std::string buffer(exact + 200, '#');
     std::size_t size = row.size;
     applet.set(FG_WIDTH, row.code == VELMORA_OK ? 0u : 1024u);  // Another last error.
-    EXPECT_EQ(
-        Fg_getParameterInfoXML(applet.fg(), row.port, row.buffer ? buffer.data() : nullptr, &size),
-        row.code);
+    char* target = row.buffer ? buffer.data() : nullptr;
+    EXPECT_EQ(Fg_getParameterInfoXML(applet.fg(), row.port, target, &size), row.code);
     EXPECT_EQ(applet.lastError(), row.code);
-    EXPECT_EQ(size, row.sizeAfter);
+    EXPECT_EQ(size, row.code == VELMORA_OK ? exact : row.size);
     std::string after(buffer.size(), '#');
     if (row.buffer && row.code == VELMORA_OK)
       after.replace(0, row.size, text + std::string(row.size - text.size(), '\0'));
@@ -172,7 +161,6 @@ TEST(GenApi, BufferIsFilledOrTheRefusalRecorded) {
   }
   char buffer = '#';
   EXPECT_EQ(Fg_getParameterInfoXML(applet.fg(), 0, &buffer, nullptr), VELMORA_BUFFER_TOO_SMALL);
-  EXPECT_EQ(applet.lastError(), VELMORA_BUFFER_TOO_SMALL);
   EXPECT_EQ(buffer, '#');
 }
 
