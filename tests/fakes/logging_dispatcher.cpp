@@ -18,9 +18,8 @@ void getLogger(const char* name, uint64_t* handle, int32_t* level) {
 }
 
 void log(uint64_t handle, int level, const char* text, int argument, uint64_t data) {
-  LoggingDispatcher& state = loggingDispatcher();
-  const std::scoped_lock lock(state.messagesMutex);
-  state.messages.push_back({handle, level, text, argument, data});
+  const std::scoped_lock lock(loggingDispatcher().messagesMutex);
+  loggingDispatcher().messages.emplace_back(handle, level, text, argument, data);
 }
 
 void registerLogging(void* client, void* (*detach)(), void (*setLevel)(uint64_t, int32_t),

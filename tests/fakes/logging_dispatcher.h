@@ -4,20 +4,15 @@
 
 #include <mutex>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "platform/logging_dispatcher.h"
 
 namespace fakes {
 
-struct Message {
-  uint64_t handle;
-  int level;
-  std::string text;
-  int argument;
-  uint64_t data;
-  bool operator==(const Message&) const = default;
-};
+/// Handle, level, text, argument, data.
+using Message = std::tuple<uint64_t, int, std::string, int, uint64_t>;
 
 struct LoggingDispatcher {
   int registrations = 0;
