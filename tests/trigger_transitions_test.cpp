@@ -2,6 +2,7 @@
 /// fails.
 #include <algorithm>
 #include <map>
+#include <tuple>
 
 #include "tests/trigger_fixture.h"
 
@@ -28,6 +29,8 @@ const std::map<std::string, Lines> kSteps = {
      {"/Monitoring_CheckForMissingFrame_Cam{c}_ResetMissing_Mode = 2",
       "PulseFormGenerators_PulseFormGenerator0_ClearDownscale_Mode = 2",
       "PulseFormGenerators_PulseFormGenerator1_ClearDownscale_Mode = 2"}},
+    {"enable(0)", {"Generators_EnableQueue_Select = 0"}},
+    {"enable(1)", {"Generators_EnableQueue_Select = 1"}},
     {"clear input", {"Downscale_Clear_Mode = 2"}},
     {"clear sequence", {"Generators_ClearDownscale_Mode = 2"}},
     {"start generator",
@@ -129,106 +132,43 @@ TEST_P(TransitionTest, EveryPairOfSituations) {
       EXPECT_EQ(word(port, FG_AREATRIGGERMODE), kModes[newMode]);
     }
   }
-  for (const std::uint32_t mode : {0u, port == 0 ? 3u : 5u, 0xFFFFFFFFu})
-    fails(port, FG_AREATRIGGERMODE, mode, VELMORA_OUT_OF_RANGE);
-  for (const std::uint32_t state : {3u, 0xFFFFFFFFu})
-    fails(port, FG_TRIGGERSTATE, state, VELMORA_OUT_OF_RANGE);
+  fails(port, FG_AREATRIGGERMODE, {0u, port == 0 ? 3u : 5u}, VELMORA_OUT_OF_RANGE);
 }
 
-/// Changes that program the period, each with what comes before that.
+/// Changes that program the period, each with the steps before that.
 TEST_P(TransitionTest, PeriodIsCheckedAgainstTheDesign) {
-  const Lines kRead = {"PulseFormGenerators_PulseFormGenerator0_Delay_Delay",
-                       "PulseFormGenerators_PulseFormGenerator0_Width_Width",
-                       "PulseFormGenerators_PulseFormGenerator1_Delay_Delay",
-                       "PulseFormGenerators_PulseFormGenerator1_Width_Width"};
-  struct Change {
-    std::uint32_t mode, state;
-    int id;
-    std::uint32_t value;
-    std::string before;  ///< Steps until the generator or the queue is started.
-    bool queue;
-  };
-  const Change changes[] = {
-      {ATM_GENERATOR, TS_ACTIVE, FG_AREATRIGGERMODE, ATM_EXTERNAL, "park; clear input; ", true},
-      {ATM_SOFTWARE, TS_ACTIVE, FG_AREATRIGGERMODE, ATM_GENERATOR, "park; reset; route; ", false},
-      {ATM_EXTERNAL, TS_SYNC_STOP, FG_TRIGGERSTATE, TS_ACTIVE, "park; clear input; ", true},
-      {ATM_GENERATOR, TS_SYNC_STOP, FG_TRIGGERSTATE, TS_ACTIVE, "reset; ", false},
-  };
-  for (const Change& change : changes) {
-    SCOPED_TRACE(change.before);
-    Lines writes = writesOfSteps(change.before + "hold");
-    writes.push_back("Generators_EnableQueue_Select = " + std::to_string(change.queue ? 1 : 0));
-    bringTo(port, change.mode, change.state);
-    // 4294967295 ticks are 68.7 s.
-    for (const std::string& name : kRead) {
-      give(port, name, 4294967295.0);
-      fails(port, change.id, change.value, VELMORA_TRIGGER_PERIOD, writes);
+  const std::string queue = "park; clear input; hold; enable(1)";
+  const std::tuple<std::uint32_t, std::uint32_t, int, std::uint32_t, std::string> changes[] = {
+      {ATM_EXTERNAL, TS_SYNC_STOP, FG_TRIGGERSTATE, TS_ACTIVE, queue},
+      {ATM_GENERATOR, TS_SYNC_STOP, FG_TRIGGERSTATE, TS_ACTIVE, "reset; hold; enable(0)"},
+      {ATM_GENERATOR, TS_ACTIVE, FG_AREATRIGGERMODE, ATM_EXTERNAL, queue}};
+  for (const auto& [mode, state, id, value, before] : changes) {
+    bringTo(port, mode, state);
+    for (const std::string& name : kTimesOfBothForms) {
+      give(port, name, 4294967295.0);  // Ticks, 68.7 s.
+      fails(port, id, {value}, VELMORA_TRIGGER_PERIOD, writesOfSteps(before));
       give(port, name, 250);
     }
-    reads(port, change.id, change.value, kRead, writes);
+    reads(port, id, value, kTimesOfBothForms, writesOfSteps(before));
   }
 }
 
-TEST_P(TransitionTest, LowestFrameRateDoesNotSurviveTheWayOverTicks) {
-  constexpr double kLowest = 0.01455191522836685;
-  ASSERT_EQ(set(port, FG_TRIGGER_FRAMESPERSECOND, kLowest), VELMORA_OK);
-  // The generator is restarted through the rate's own setter, which accepts it.
-  bringTo(port, ATM_GENERATOR, TS_ACTIVE);
-  EXPECT_EQ(board::value(applet.device(),
-                         designName(port, "Generators_Generator_MinimumPeriod_Number"), 0),
-            4294967287.0);
-  fails(port, FG_AREATRIGGERMODE, ATM_EXTERNAL, VELMORA_OUT_OF_RANGE,
-        {"TriggerOutput_Select0_Select_Select = 3", "TriggerOutput_Select1_Select_Select = 3",
-         "Downscale_Clear_Mode = 2", "Generators_ClearQueuePulse_Mode = 1",
-         "Generators_EnableQueue_Select = 1"});
-  bringTo(port, ATM_GENERATOR, TS_SYNC_STOP);
-  bringTo(port, ATM_EXTERNAL, TS_SYNC_STOP);
-  fails(port, FG_TRIGGERQUEUE_MODE, FG_ON, VELMORA_OUT_OF_RANGE);
-}
-
+/// All writable trigger parameters of the port but six, the software trigger only as it applies.
 TEST_P(TransitionTest, CompletedTransitionReopensParameters) {
-  // The writable trigger parameters, but for these.
-  const std::vector<int> untouched = {FG_TRIGGERIN_BYPASS_SRC,
-                                      FG_TRIGGERIN_STATS_PULSECOUNT_CLEAR,
-                                      FG_TRIGGERIN_STATS_MINMAXFREQUENCY_CLEAR,
-                                      FG_TRIGGEROUT_STATS_SOURCE,
-                                      FG_TRIGGEROUT_STATS_PULSECOUNT_CLEAR,
-                                      FG_DIGIO_OUTPUT};
-  std::vector<int> reopened;
-  for (const std::size_t i : writable)
-    if (std::ranges::count(untouched, ids[i]) == 0) reopened.push_back(ids[i]);
-  ASSERT_EQ(reopened.size(), 27u);
-  const auto expectAccess = [&](std::uint32_t access, std::uint32_t softwareTriggerAccess) {
-    for (unsigned other = 0; other < kPorts; ++other) {
-      for (std::size_t i = kFirstTriggerParameter; i < ids.size(); ++i) {
-        const bool opens = other == port && std::ranges::count(reopened, ids[i]) == 1;
-        const bool pulses = ids[i] == FG_SENDSOFTWARETRIGGER;
-        EXPECT_EQ(nodes[other][i]->accessMode, !opens   ? 0
-                                               : pulses ? softwareTriggerAccess
-                                                        : access)
-            << "parameter " << ids[i] << " port " << other;
-      }
+  const std::tuple<int, std::uint32_t, std::uint32_t> changes[] = {
+      {FG_TRIGGERSTATE, TS_ACTIVE, 7}, {FG_AREATRIGGERMODE, ATM_EXTERNAL, 1}};
+  for (const auto& [id, value, pulseAccess] : changes)
+    for (const unsigned fault : {1u, 0u}) {
+      for (auto& all : nodes)
+        for (const std::size_t i : writable) all[i]->accessMode = 0;
+      if (fault != 0) board::failAtWrite(fault, kInjected);
+      EXPECT_EQ(set(port, id, value), fault != 0 ? kInjected : VELMORA_OK);
+      for (unsigned other = 0; other < kPorts; ++other)
+        EXPECT_EQ(std::ranges::count_if(writable,
+                                        [&](auto i) { return nodes[other][i]->accessMode != 0; }),
+                  fault == 0 && other == port ? 27 : 0);
+      EXPECT_EQ(applet.node(FG_SENDSOFTWARETRIGGER, port)->accessMode, fault ? 0 : pulseAccess);
     }
-  };
-  struct Change {
-    int id;
-    std::uint32_t value, softwareTriggerAccess;
-  };
-  const Change changes[] = {{FG_TRIGGERSTATE, TS_ACTIVE, 7},
-                            {FG_AREATRIGGERMODE, ATM_EXTERNAL, 1},
-                            {FG_TRIGGERSTATE, TS_SYNC_STOP, 1},
-                            {FG_AREATRIGGERMODE, ATM_GENERATOR, 7}};
-  for (const Change& change : changes) {
-    SCOPED_TRACE(testing::Message() << "parameter " << change.id << " to " << change.value);
-    for (auto& portNodes : nodes)
-      for (std::size_t i = kFirstTriggerParameter; i < ids.size(); ++i)
-        portNodes[i]->accessMode = 0;
-    board::failAtWrite(1, kInjected);
-    EXPECT_EQ(set(port, change.id, change.value), kInjected);
-    expectAccess(0, 0);
-    EXPECT_EQ(set(port, change.id, change.value), VELMORA_OK);
-    expectAccess(7, change.softwareTriggerAccess);
-  }
 }
 
 }  // namespace
