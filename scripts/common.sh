@@ -1,0 +1,44 @@
+# Shared by the scripts: where the project lies, what it needs, how it is built. To be sourced.
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+
+# Debian packages, each with a file that shows that it is installed.
+packages=(
+  "g++:/usr/bin/g++"
+  "cmake:/usr/bin/cmake"
+  "ninja-build:/usr/bin/ninja"
+  "pkg-config:/usr/bin/pkg-config"
+  "libcli11-dev:/usr/include/CLI/CLI.hpp"
+  "libfmt-dev:/usr/include/fmt/core.h"
+  "libspdlog-dev:/usr/include/spdlog/spdlog.h"
+  "libgtest-dev:/usr/include/gtest/gtest.h"
+  "libbenchmark-dev:/usr/include/benchmark/benchmark.h"
+  "zlib1g-dev:/usr/include/zlib.h"
+  "libpng-dev:/usr/include/png.h"
+  "libaravis-dev:/usr/include/aravis-0.8/arv.h"
+  "libxml2-utils:/usr/bin/xmllint"
+  "binutils:/usr/bin/nm"
+  "valgrind:/usr/bin/valgrind"
+)
+
+install_missing() {
+  local missing=() entry
+  for entry in "${packages[@]}"; do
+    [ -e "${entry#*:}" ] || missing+=("${entry%%:*}")
+  done
+  [ "${#missing[@]}" -eq 0 ] && return
+  echo "Installing ${missing[*]}"
+  local as_root=()
+  [ "$(id -u)" -eq 0 ] || as_root=(sudo)
+  "${as_root[@]}" apt-get update -qq
+  DEBIAN_FRONTEND=noninteractive "${as_root[@]}" apt-get install -y -qq --no-install-recommends \
+    "${missing[@]}" >/dev/null
+}
+
+# build PRESET [TARGET...]
+build() {
+  local preset=$1
+  shift
+  cmake --preset "$preset" >/dev/null
+  cmake --build --preset "$preset" ${1:+--target "$@"}
+}
