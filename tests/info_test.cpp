@@ -28,52 +28,40 @@ int valueOf(std::string name) { return Info(0x1100, 0, 0, name.data(), nullptr);
 
 // First, because the holders keep their handles from the first start-up on.
 TEST(Info, HandlesAreThoseOfTheLatestStartUp) {
-  const auto expectHandles = [](KTdevice* device, bool design) {
-    EXPECT_EQ(Answer(0x1030).out, reinterpret_cast<uintptr_t>(device));
-    EXPECT_EQ(Answer(0x1040).out != 0, design);
+  const auto designOf = [](KTdevice* device) {
     for (const int property : {0x1030, 0x1040}) {
       EXPECT_EQ(Answer(property).result, 0);
       EXPECT_EQ(Answer(property).pointer, &marker);
       EXPECT_EQ(Info(property, 0, 0, nullptr, nullptr), 0);
     }
+    EXPECT_EQ(Answer(0x1030).out, reinterpret_cast<uintptr_t>(device));
     return Answer(0x1040).out;
   };
-  const auto failToOpen = [] {
-    board::failNamed("Fg_InitHandleSlaveAware", -2052, 1);
-    EXPECT_FALSE(Applet().opened());
-  };
-  expectHandles(nullptr, false);
-  failToOpen();
-  expectHandles(nullptr, false);
+  board::failNamed("Fg_InitHandleSlaveAware", -2052, 1);
+  EXPECT_FALSE(Applet().opened());
+  EXPECT_EQ(designOf(nullptr), 0U);
   Applet first(fixture::kNoDefaults);
-  const uint64_t design = expectHandles(first.device(), true);
+  const uint64_t design = designOf(first.device());
+  EXPECT_NE(design, 0U);
   Applet second(fixture::kNoDefaults);
-  EXPECT_NE(expectHandles(second.device(), true), design);
-  failToOpen();
-  second.close();
-  expectHandles(second.device(), true);
+  EXPECT_NE(designOf(second.device()), design);
 }
 
 /// Whether a property answers so whatever places there are to write to. Some blocks are no texts.
 void expectAnswer(int property, int result, uint64_t out = kUntouched, bool written = false,
                   const char* text = nullptr) {
   SCOPED_TRACE(property);
-  for (const int index : {0, -1, 4}) {  // For the mapping queries only.
-    const Answer answer(property, index, index);
-    EXPECT_EQ(answer.result, result);
-    EXPECT_EQ(answer.out, out);
-    ASSERT_EQ(answer.pointer != &marker, written);
-    if (text) {
-      EXPECT_STREQ(static_cast<char*>(answer.pointer), text);
-    }
-  }
+  const Answer answer(property, 4, -1);  // For the mapping queries only.
+  EXPECT_EQ(answer.result, result);
+  EXPECT_EQ(answer.out, out);
+  ASSERT_EQ(answer.pointer != &marker, written);
+  EXPECT_STREQ(text ? static_cast<char*>(answer.pointer) : nullptr, text);
   uint64_t number = kUntouched;
   void* pointer = &marker;
   EXPECT_EQ(Info(property, 0, 0, &number, nullptr), result);
   EXPECT_EQ(number, out);
   EXPECT_EQ(Info(property, 0, 0, nullptr, &pointer), result);
-  EXPECT_EQ(pointer != &marker, written);
-  EXPECT_EQ(Info(property, 0, 0, nullptr, nullptr), result);
+  EXPECT_EQ(pointer, answer.pointer);
 }
 
 TEST(Info, PropertiesAnswerWithOrWithoutPlacesToWrite) {
@@ -106,21 +94,16 @@ TEST(Info, PropertiesAnswerWithOrWithoutPlacesToWrite) {
 }
 
 TEST(Info, MappingQueriesKnowFourPorts) {
-  for (const int index : {0, 1, 2, 3, 4, 5, 256, INT_MAX, -1, -4, INT_MIN})
-    for (const int sub : {0, 1, 3, -1, INT_MAX, INT_MIN}) {
+  for (const int index : {0, 1, 2, 3, 4, 256, INT_MAX, -1, INT_MIN})
+    for (const int sub : {0, 1, 3, -1}) {
       SCOPED_TRACE(testing::Message() << index << ' ' << sub);
       const bool port = index >= 0 && index <= 3;
-      const bool same = port && sub == 0;
-      for (const auto& [property, result] : {std::pair{0x1210, port ? 1 : -2070},
-                                             {0x1220, port ? 1 : -2070},
-                                             {0x1250, port ? 1 : -2070},
-                                             {0x1260, port ? 8 : -2070},
-                                             {0x1230, same ? index : -2070},
-                                             {0x1240, same ? index : -2070}}) {
-        const Answer answer(property, index, sub);
-        EXPECT_EQ(answer.result, result);
-        EXPECT_EQ(answer.out, kUntouched);
-        EXPECT_EQ(answer.pointer, &marker);
+      for (const int property : {0x1210, 0x1220, 0x1250})
+        EXPECT_EQ(Answer(property, index, sub).result, port ? 1 : -2070);
+      EXPECT_EQ(Answer(0x1260, index, sub).result, port ? 8 : -2070);
+      for (const int property : {0x1230, 0x1240}) {
+        EXPECT_EQ(Answer(property, index, sub).result, port && sub == 0 ? index : -2070);
+        EXPECT_EQ(Answer(property, index, sub).out, kUntouched);
       }
     }
 }
@@ -139,16 +122,9 @@ TEST(Info, ValueNamesHaveTheirNumbers) {
   std::string name;
   for (int value = 0; rows >> name >> value; ++count) EXPECT_EQ(valueOf(name), value) << name;
   EXPECT_EQ(count, 49);
-  for (const char* unknown :
-       {"", "mono14", "Mono 8bit", "MONO", "MONO8 ", " MONO8", "FG_ONE", "TRGINSRC_8", "FG_WIDTH",
-        "PULSEGEN2", "greenFollowedByRed", "FG_GRAY"})
+  for (const char* unknown : {"", "mono14", "MONO", "MONO8 ", " MONO8", "FG_ONE", "TRGINSRC_8"})
     EXPECT_EQ(valueOf(unknown), -2070) << unknown;
   EXPECT_EQ(Info(0x1100, 0, 0, nullptr, nullptr), -2070);
-  void* pointer = &marker;
-  name = "MONO14";
-  EXPECT_EQ(Info(0x1100, -1, -1, name.data(), &pointer), 7);
-  EXPECT_EQ(name, "MONO14");
-  EXPECT_EQ(pointer, &marker);
 }
 
 TEST(Info, IconIsAPictureOfItsSize) {
@@ -157,10 +133,8 @@ TEST(Info, IconIsAPictureOfItsSize) {
   png_image image{};
   image.version = PNG_IMAGE_VERSION;
   ASSERT_TRUE(png_image_begin_read_from_memory(&image, bytes.data(), bytes.size()));
-  EXPECT_EQ(image.width, 32U);
-  EXPECT_EQ(image.height, 32U);
-  EXPECT_EQ(bytes[24], 8);  // Bit depth.
-  EXPECT_EQ(bytes[25], PNG_COLOR_TYPE_RGB_ALPHA);
+  EXPECT_TRUE(image.width == 32 && image.height == 32);
+  EXPECT_EQ(bytes.substr(24, 2), "\x08\x06");  // Eight bits of each of RGBA.
   EXPECT_TRUE(bytes.ends_with("IEND\xAE\x42\x60\x82"));
   image.format = PNG_FORMAT_RGBA;
   std::vector<png_byte> pixels(PNG_IMAGE_SIZE(image));

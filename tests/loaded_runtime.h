@@ -2,36 +2,27 @@
 
 #include <dlfcn.h>
 
+#include <memory>
 #include <stdexcept>
 #include <string>
 
 #include "board/virtual_board.h"
 
-/// A library of `RUNTIMES` that every applet opened meanwhile uses as acquisition runtime; for an
-/// empty name the board's own stays in place.
-class LoadedRuntime {
- public:
-  explicit LoadedRuntime(const std::string& directory) {
-    if (directory.empty()) return;
-    library_ = dlopen((RUNTIMES "/" + directory + "/libvorn5.so").c_str(), RTLD_NOW);
-    if (!library_) throw std::runtime_error(dlerror());
-  }
-  LoadedRuntime(const LoadedRuntime&) = delete;
-  LoadedRuntime& operator=(const LoadedRuntime&) = delete;
-  ~LoadedRuntime() {
-    if (library_) dlclose(library_);
-  }
-  void* symbol(const char* name) const { return dlsym(library_, name); }
+using Library = std::shared_ptr<void>;
 
- private:
-  void* library_ = nullptr;
-};
+/// A library of `RUNTIMES` that every applet uses as acquisition runtime while the result is kept;
+/// for an empty name nothing, so that the board's own stays in place.
+inline Library loadRuntime(const std::string& directory) {
+  if (directory.empty()) return nullptr;
+  void* library = dlopen((RUNTIMES "/" + directory + "/libvorn5.so").c_str(), RTLD_NOW);
+  if (!library) throw std::runtime_error(dlerror());
+  return {library, dlclose};
+}
 
 /// Whether anything holds an acquisition runtime open.
 inline bool runtimeIsOpen() {
   void* library = dlopen("libvorn5.so", RTLD_NOW | RTLD_NOLOAD);
-  if (library) dlclose(library);
-  return library != nullptr;
+  return library && dlclose(library) == 0;
 }
 
 /// The runtime is closed, and the board got everything back but `handles` inner handles.

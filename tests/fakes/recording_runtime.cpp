@@ -9,13 +9,21 @@ RecordingRuntime recordingRuntime;
 
 namespace {
 
+using Fg = Fg_Struct;
 char handle;
-Fg_Struct* const inner = reinterpret_cast<Fg_Struct*>(&handle);
+Fg* const inner = reinterpret_cast<Fg*>(&handle);
 
-template <class Result, class... Arguments>
-Result note(Fg_Struct* fg, const char* name, Arguments... arguments) {
+/// The handle of a call, with the name of the function that makes one of it.
+struct Caller {
+  Caller(Fg* fg, const char* name = __builtin_FUNCTION()) : fg(fg), name(name) {}
+  Fg* fg;
+  const char* name;
+};
+
+template <class Result = int, class... Arguments>
+Result note(Caller caller, Arguments... arguments) {
   std::ostringstream text;
-  text << name << (fg == inner ? "" : " on another handle");
+  text << caller.name << (caller.fg == inner ? "" : " on another handle");
   ((text << ' ' << arguments), ...);
   recordingRuntime.call = text.str();
   return static_cast<Result>(recordingRuntime.result);
@@ -23,25 +31,16 @@ Result note(Fg_Struct* fg, const char* name, Arguments... arguments) {
 
 }  // namespace
 
-extern "C" Fg_Struct* Fg_InitHandleSlaveAware(const char*, KTdevice*, fpga_design*, int) {
-  return inner;
+extern "C" Fg* Fg_InitHandleSlaveAware(const char*, KTdevice*, fpga_design*, int) { return inner; }
+int Fg_getLastErrorNumber(Fg* f) { return f == inner ? recordingRuntime.lastError : 0; }
+int Fg_FreeGrabber(Fg* f) { return note(f); }
+int Fg_getAppletId(Fg* f, void* p) { return note(f, p); }
+int Fg_AcquireEx(Fg* f, uint32_t a, int64_t b, int32_t c, void* p) { return note(f, a, b, c, p); }
+int Fg_stopAcquireEx(Fg* f, uint32_t a, int64_t b, int32_t c) { return note(f, a, b, c); }
+int64_t Fg_getLastPicNumberEx(Fg* f, uint32_t a, int64_t b) { return note<int64_t>(f, a, b); }
+int64_t Fg_getLastPicNumberBlockingEx(Fg* f, int64_t a, uint32_t b, int32_t c, int64_t d) {
+  return note<int64_t>(f, a, b, c, d);
 }
-int Fg_getLastErrorNumber(Fg_Struct* fg) { return fg == inner ? recordingRuntime.lastError : 0; }
-int Fg_FreeGrabber(Fg_Struct* fg) { return note<int>(fg, __func__); }
-int Fg_getAppletId(Fg_Struct* fg, void* value) { return note<int>(fg, __func__, value); }
-int Fg_AcquireEx(Fg_Struct* fg, uint32_t dma, int64_t pictures, int32_t flags, void* memory) {
-  return note<int>(fg, __func__, dma, pictures, flags, memory);
-}
-int Fg_stopAcquireEx(Fg_Struct* fg, uint32_t dma, int64_t memory, int32_t flags) {
-  return note<int>(fg, __func__, dma, memory, flags);
-}
-int64_t Fg_getLastPicNumberEx(Fg_Struct* fg, uint32_t dma, int64_t memory) {
-  return note<int64_t>(fg, __func__, dma, memory);
-}
-int64_t Fg_getLastPicNumberBlockingEx(Fg_Struct* fg, int64_t picture, uint32_t dma, int32_t timeout,
-                                      int64_t memory) {
-  return note<int64_t>(fg, __func__, picture, dma, timeout, memory);
-}
-int64_t Fg_getStatusEx(Fg_Struct* fg, uint32_t param, int64_t data, int32_t dma, void* memory) {
-  return note<int64_t>(fg, __func__, param, data, dma, memory);
+int64_t Fg_getStatusEx(Fg* f, uint32_t a, int64_t b, int32_t c, void* p) {
+  return note<int64_t>(f, a, b, c, p);
 }
