@@ -32,7 +32,7 @@ fpga_design* handOut(std::shared_ptr<const Design> content) {
 }
 
 /// The register of a design; null for an unknown id and a null design.
-const board::RegisterSpec* find(const fpga_design* design, int id) {
+const board::RegisterRecord* find(const fpga_design* design, int id) {
   return design != nullptr ? design->content->registerWithId(id) : nullptr;
 }
 

@@ -38,17 +38,17 @@ class Groups {
 };
 
 void addNode(velmora::Fg_ParameterInfo& registry, RegisterInfo* group, const char* leaf,
-             const ParameterSpec& spec, int id) {
-  const char* name = spec.name.c_str();
-  const char* unit = spec.unit.empty() ? nullptr : spec.unit.c_str();
-  const int access = spec.writable ? kFullAccess : kReadOnlyAccess;
+             const ParameterRecord& record, int id) {
+  const char* name = record.name.c_str();
+  const char* unit = record.unit.empty() ? nullptr : record.unit.c_str();
+  const int access = record.writable ? kFullAccess : kReadOnlyAccess;
   // One add operation per kind; they differ in the numbers in front of the common attributes.
   const auto add = [&](auto operation, auto... numbers) {
     return (registry.*operation)(group, leaf, name, numbers..., access, kQualifier, kVisible, unit,
                                  id, kProcess);
   };
   const auto addRange = [&](auto operation, auto convert) {
-    return add(operation, convert(spec.min), convert(spec.max), convert(spec.step));
+    return add(operation, convert(record.min), convert(record.max), convert(record.step));
   };
   const auto asUint = [](uint64_t bits) { return static_cast<uint32_t>(bits); };
   const auto asInt = [](uint64_t bits) { return static_cast<int32_t>(bits); };
@@ -57,7 +57,7 @@ void addNode(velmora::Fg_ParameterInfo& registry, RegisterInfo* group, const cha
   const auto asDouble = [](uint64_t bits) { return std::bit_cast<double>(bits); };
 
   using Registry = velmora::Fg_ParameterInfo;
-  switch (spec.kind) {
+  switch (record.kind) {
     case REGISTER_INFO_UINT:
       addRange(&Registry::addInfoUInt, asUint);
       break;
@@ -74,22 +74,24 @@ void addNode(velmora::Fg_ParameterInfo& registry, RegisterInfo* group, const cha
       addRange(&Registry::addInfoDouble, asDouble);
       break;
     case REGISTER_INFO_STRING:
-      add(&Registry::addInfoString, spec.text.c_str());
+      add(&Registry::addInfoString, record.text.c_str());
       break;
     case REGISTER_INFO_UINT_FIELD:
-      add(&Registry::addInfoUIntField, spec.count, asUint(spec.initial), asUint(spec.max), 0U);
+      add(&Registry::addInfoUIntField, record.count, asUint(record.initial), asUint(record.max),
+          0U);
       break;
     case REGISTER_INFO_INT_FIELD:
-      add(&Registry::addInfoIntField, asInt(spec.count), asInt(spec.initial), asInt(spec.max), 0);
+      add(&Registry::addInfoIntField, asInt(record.count), asInt(record.initial), asInt(record.max),
+          0);
       break;
     case REGISTER_INFO_DOUBLE_FIELD:
-      add(&Registry::addInfoDoubleField, asInt(spec.count), asDouble(spec.initial),
-          asDouble(spec.max), 0.0);
+      add(&Registry::addInfoDoubleField, asInt(record.count), asDouble(record.initial),
+          asDouble(record.max), 0.0);
       break;
     case REGISTER_INFO_ENUM: {
-      auto* node = add(&Registry::addInfoEnum, static_cast<int>(spec.entries.size()));
+      auto* node = add(&Registry::addInfoEnum, static_cast<int>(record.entries.size()));
       int index = 0;
-      for (const auto& [label, value] : spec.entries) {
+      for (const auto& [label, value] : record.entries) {
         Registry::addEnumNameValue(node, index++, label.c_str(), value, label.c_str());
       }
       break;
@@ -101,15 +103,15 @@ void addNode(velmora::Fg_ParameterInfo& registry, RegisterInfo* group, const cha
 
 }  // namespace
 
-void describeParameters(const std::vector<ParameterSpec>& parameters, int firstId,
+void describeParameters(const std::vector<ParameterRecord>& parameters, int firstId,
                         velmora::Fg_ParameterInfo& registry) {
   Groups groups(registry);
   int id = firstId;
-  for (const auto& spec : parameters) {
-    const auto cut = spec.name.rfind('_');
+  for (const auto& record : parameters) {
+    const auto cut = record.name.rfind('_');
     const bool hasGroup = cut != std::string::npos && cut > 0;
-    auto* group = groups.at(hasGroup ? spec.name.substr(0, cut) : kRootOfShortNames);
-    addNode(registry, group, spec.name.c_str() + (hasGroup ? cut + 1 : 0), spec, id++);
+    auto* group = groups.at(hasGroup ? record.name.substr(0, cut) : kRootOfShortNames);
+    addNode(registry, group, record.name.c_str() + (hasGroup ? cut + 1 : 0), record, id++);
   }
 }
 

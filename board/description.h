@@ -9,7 +9,7 @@
 namespace board {
 
 /// Describes `parameters`, whose ids count up from `firstId`, in process 0 of `registry`.
-void describeParameters(const std::vector<ParameterSpec>& parameters, int firstId,
+void describeParameters(const std::vector<ParameterRecord>& parameters, int firstId,
                         velmora::Fg_ParameterInfo& registry);
 
 }  // namespace board

@@ -25,16 +25,16 @@ std::shared_ptr<const Design> fromManifest(std::string_view text) {
   }
 }
 
-template <typename Spec>
-const Spec* at(const std::vector<Spec>& specs, int64_t index) {
-  return index >= 0 && index < std::ssize(specs) ? &specs[static_cast<std::size_t>(index)]
-                                                 : nullptr;
+template <typename Record>
+const Record* at(const std::vector<Record>& records, int64_t index) {
+  return index >= 0 && index < std::ssize(records) ? &records[static_cast<std::size_t>(index)]
+                                                   : nullptr;
 }
 
-template <typename Spec, typename Ids>
-void number(const std::vector<Spec>& specs, int firstId, Ids& ids) {
+template <typename Record, typename Ids>
+void number(const std::vector<Record>& records, int firstId, Ids& ids) {
   int id = firstId;
-  for (const auto& spec : specs) ids.emplace(spec.name, id++);
+  for (const auto& record : records) ids.emplace(record.name, id++);
 }
 
 }  // namespace
@@ -66,11 +66,11 @@ int Design::find(const Ids& ids, std::string_view name) {
   return found == ids.end() ? 0 : found->second;
 }
 
-const ParameterSpec* Design::parameter(int id) const {
+const ParameterRecord* Design::parameter(int id) const {
   return at(manifest_.parameters, int64_t{id} - kFirstParameterId);
 }
 
-const RegisterSpec* Design::registerWithId(int id) const {
+const RegisterRecord* Design::registerWithId(int id) const {
   return at(manifest_.registers, int64_t{id} - kFirstRegisterId);
 }
 

@@ -39,8 +39,8 @@ class Design {
   int parameterId(std::string_view name) const { return find(parameterIds_, name); }
   int registerId(std::string_view name) const { return find(registerIds_, name); }
   /// Null for an unknown id.
-  const ParameterSpec* parameter(int id) const;
-  const RegisterSpec* registerWithId(int id) const;
+  const ParameterRecord* parameter(int id) const;
+  const RegisterRecord* registerWithId(int id) const;
   /// Null past the last event.
   const HapEvent* event(int index) const;
 

@@ -69,10 +69,10 @@ void Device::powerOn() {
   parameters_.assign(manifest.parameters.size(), {});
   registers_.assign(manifest.registers.size(), {});
   for (std::size_t i = 0; i < parameters_.size(); ++i) {
-    const auto& spec = manifest.parameters[i];
-    parameters_[i].bits.fill(spec.initial);
-    for (unsigned slot = 0; slot < kPorts && spec.kind == REGISTER_INFO_STRING; ++slot) {
-      texts_[{&parameters_[i], slot}] = spec.text;
+    const auto& record = manifest.parameters[i];
+    parameters_[i].bits.fill(record.initial);
+    for (unsigned slot = 0; slot < kPorts && record.kind == REGISTER_INFO_STRING; ++slot) {
+      texts_[{&parameters_[i], slot}] = record.text;
     }
   }
   ports_ = {};
@@ -174,7 +174,7 @@ void Device::updateRates() {
 
 Device::Place Device::locate(int id, const void* value, unsigned dma) {
   Place place;
-  if (const auto* design = spec(id)) {
+  if (const auto* design = record(id)) {
     place.kind = design->kind;
     place.writable = design->writable;
     place.cell = &parameters_[static_cast<std::size_t>(id - kFirstParameterId)];
@@ -279,7 +279,7 @@ double Device::byName(const std::string& name, unsigned dma) {
 }
 
 const char* Device::knownName(int id) const {
-  if (const auto* found = spec(id)) return found->name.c_str();
+  if (const auto* found = record(id)) return found->name.c_str();
   const auto runtime = runtimeIndex(id);
   return runtime < kRuntimeParameterCount ? kRuntimeParameters[runtime].name : nullptr;
 }
@@ -298,7 +298,7 @@ std::string Device::registerName(int id) const {
 
 RegisterInfoKind Device::parameterKind(int id) const {
   const std::lock_guard lock(mutex_);
-  if (const auto* found = spec(id)) return found->kind;
+  if (const auto* found = record(id)) return found->kind;
   const auto runtime = runtimeIndex(id);
   return runtime < kRuntimeParameterCount ? kRuntimeParameters[runtime].kind : REGISTER_INFO_GROUP;
 }

@@ -117,7 +117,7 @@ class Device {
   static std::size_t runtimeIndex(int id);
 
   // All of these with the mutex held.
-  const ParameterSpec* spec(int id) const { return design_ ? design_->parameter(id) : nullptr; }
+  const ParameterRecord* record(int id) const { return design_ ? design_->parameter(id) : nullptr; }
   void powerOn();
   void assignEffects();
   template <typename Assign>

@@ -105,31 +105,31 @@ std::pair<std::string, int32_t> parseEntry(std::string_view token) {
 }
 
 /// Fills what depends on the kind from the arguments behind the fixed columns.
-void parseArguments(ParameterSpec& spec, const Tokens& arguments) {
+void parseArguments(ParameterRecord& record, const Tokens& arguments) {
   const auto expect = [&](std::size_t count) {
-    if (arguments.size() != count) fail("wrong number of arguments for", spec.name);
+    if (arguments.size() != count) fail("wrong number of arguments for", record.name);
   };
-  switch (spec.kind) {
+  switch (record.kind) {
     case REGISTER_INFO_ENUM:
-      for (const auto token : arguments) spec.entries.push_back(parseEntry(token));
+      for (const auto token : arguments) record.entries.push_back(parseEntry(token));
       break;
     case REGISTER_INFO_STRING:
       expect(1);
-      spec.text = arguments[0];
+      record.text = arguments[0];
       break;
     case REGISTER_INFO_UINT_FIELD:
     case REGISTER_INFO_INT_FIELD:
     case REGISTER_INFO_DOUBLE_FIELD:
       expect(3);
-      spec.count = static_cast<uint32_t>(integer(arguments[0], 0, 1 << 20));
-      spec.initial = number(spec.kind, arguments[1]);
-      spec.max = number(spec.kind, arguments[2]);
+      record.count = static_cast<uint32_t>(integer(arguments[0], 0, 1 << 20));
+      record.initial = number(record.kind, arguments[1]);
+      record.max = number(record.kind, arguments[2]);
       break;
     default:
       expect(3);
-      spec.min = number(spec.kind, arguments[0]);
-      spec.max = number(spec.kind, arguments[1]);
-      spec.step = number(spec.kind, arguments[2]);
+      record.min = number(record.kind, arguments[0]);
+      record.max = number(record.kind, arguments[1]);
+      record.step = number(record.kind, arguments[2]);
   }
 }
 
@@ -164,10 +164,10 @@ class Parser {
       integer(tokens[1], kBoardType, kBoardType);
       boardGiven_ = true;
     } else if (tokens[0] == "register" && tokens.size() == 4) {
-      const RegisterSpec spec{{}, integer(tokens[2], 1, kMaxRegisterBits), writable(tokens[3])};
-      add(manifest_.registers, registerNames_, tokens[1], spec);
+      const RegisterRecord record{{}, integer(tokens[2], 1, kMaxRegisterBits), writable(tokens[3])};
+      add(manifest_.registers, registerNames_, tokens[1], record);
     } else if (tokens[0] == "event" && tokens.size() == 3) {
-      add(manifest_.events, eventNames_, tokens[1], EventSpec{{}, integer(tokens[2], 0, 65535)});
+      add(manifest_.events, eventNames_, tokens[1], EventRecord{{}, integer(tokens[2], 0, 65535)});
     } else {
       parseParameter(std::move(tokens));
     }
@@ -178,41 +178,42 @@ class Parser {
                                    [&](const KindName& k) { return k.keyword == tokens[0]; });
     if (row == std::end(kKinds)) fail("unknown record", tokens[0]);
     if (std::ssize(tokens) < kFixedColumns) fail("incomplete record", tokens[0]);
-    ParameterSpec spec;
-    spec.name = tokens[1];
-    spec.kind = row->kind;
-    spec.writable = writable(tokens[2]);
-    spec.shared = choose(tokens[3], "shared", "channel");
-    while (std::ssize(tokens) > kFixedColumns && takeOption(spec, tokens.back())) tokens.pop_back();
-    parseArguments(spec, {tokens.begin() + kFixedColumns, tokens.end()});
-    add(manifest_.parameters, parameterNames_, tokens[1], spec);
+    ParameterRecord record;
+    record.name = tokens[1];
+    record.kind = row->kind;
+    record.writable = writable(tokens[2]);
+    record.shared = choose(tokens[3], "shared", "channel");
+    while (std::ssize(tokens) > kFixedColumns && takeOption(record, tokens.back()))
+      tokens.pop_back();
+    parseArguments(record, {tokens.begin() + kFixedColumns, tokens.end()});
+    add(manifest_.parameters, parameterNames_, tokens[1], record);
   }
 
-  static bool takeOption(ParameterSpec& spec, std::string_view token) {
+  static bool takeOption(ParameterRecord& record, std::string_view token) {
     if (const auto unit = option(token, "unit")) {
-      spec.unit = *unit;
+      record.unit = *unit;
       return true;
     }
     const auto initial = option(token, "initial");
-    if (initial && !isScalar(spec.kind)) fail("no initial number for", spec.name);
-    if (initial) spec.initial = number(spec.kind, *initial);
+    if (initial && !isScalar(record.kind)) fail("no initial number for", record.name);
+    if (initial) record.initial = number(record.kind, *initial);
     return initial.has_value();
   }
 
   static bool writable(std::string_view token) { return choose(token, "rw", "ro"); }
 
-  /// Appends a copy of `spec` for every name that the pattern stands for.
-  template <typename Spec>
-  void add(std::vector<Spec>& specs, std::unordered_set<std::string>& known,
-           std::string_view pattern, Spec spec) {
+  /// Appends a copy of `record` for every name that the pattern stands for.
+  template <typename Record>
+  void add(std::vector<Record>& records, std::unordered_set<std::string>& known,
+           std::string_view pattern, Record record) {
     if (pattern.size() > kMaxNameLength) fail("name too long:", pattern);
     std::vector<std::string> names;
     expand(std::string(pattern), names);
-    if (specs.size() + names.size() > kMaxRecords) fail("too many records:", pattern);
+    if (records.size() + names.size() > kMaxRecords) fail("too many records:", pattern);
     for (auto& name : names) {
       if (!known.insert(name).second) fail("name used twice:", name);
-      spec.name = std::move(name);
-      specs.push_back(spec);
+      record.name = std::move(name);
+      records.push_back(record);
     }
   }
 

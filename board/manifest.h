@@ -16,7 +16,7 @@ namespace board {
 inline constexpr int kBoardType = 3652;  ///< The board that this one stands for.
 
 /// A KT parameter. Numbers are bits of its kind, see `scalar.h`.
-struct ParameterSpec {
+struct ParameterRecord {
   std::string name;
   RegisterInfoKind kind = REGISTER_INFO_UINT;
   bool writable = false;
@@ -31,22 +31,22 @@ struct ParameterSpec {
   std::string unit;                                      ///< Empty when there is none.
 };
 
-struct RegisterSpec {
+struct RegisterRecord {
   std::string name;
   int bits = 0;
   bool writable = false;
 };
 
-struct EventSpec {
+struct EventRecord {
   std::string name;
   int32_t kind = 0;
 };
 
 /// All records of a manifest in their order, patterns expanded.
 struct Manifest {
-  std::vector<ParameterSpec> parameters;
-  std::vector<RegisterSpec> registers;
-  std::vector<EventSpec> events;
+  std::vector<ParameterRecord> parameters;
+  std::vector<RegisterRecord> registers;
+  std::vector<EventRecord> events;
 };
 
 /// What is wrong with a manifest, with the number of the line.

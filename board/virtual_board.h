@@ -77,7 +77,7 @@ struct Access {
 
 /// One line, such as "set Device1_Process1_Buffer_XLength[1] = 1000", "get NAME[0] -> 5",
 /// "write CamGenWidth0 = 1024", "read NAME -> 3", "call Fg_AcquireEx(dma 0, 10 pictures)"; a failed
-/// access ends in " failed: -2080".
+/// access ends in " failed: -2080", a call that returns a null pointer in " -> null".
 std::string describe(const Access& access);
 
 /// The journal records nothing until it is started. Starting clears it.
