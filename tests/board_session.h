@@ -15,20 +15,21 @@
 extern "C" {
 Fg_Struct* Fg_InitHandleSlaveAware(const char* hapName, KTdevice*, fpga_design*, int flags);
 Fg_Struct* Fg_InitHandle(const char* hapName, KTdevice*, fpga_design*);
-VornSetParameter Fg_setParameter;
 VornGetParameter Fg_getParameter;
+}
+
+inline fpga_design* loadImage() {
+  return HapLoadDesignFromBuffer(velmora_design_image, velmora::kDesignImageSize, 1);
 }
 
 /// A board device with an open inner handle on a design. Everything must be given back at the end.
 class BoardSession {
  public:
-  explicit BoardSession(fpga_design* loaded = HapLoadDesignFromBuffer(velmora_design_image,
-                                                                      velmora::kDesignImageSize, 1))
+  explicit BoardSession(fpga_design* loaded = loadImage())
       : device(board::createDevice()),
         design(loaded),
         fg(Fg_InitHandleSlaveAware("Velmora.hap", device, design, 0)) {}
   BoardSession(const BoardSession&) = delete;
-  BoardSession& operator=(const BoardSession&) = delete;
   ~BoardSession() {
     EXPECT_EQ(Fg_FreeGrabber(fg), 0);
     HapUnloadHapFile(design);
@@ -36,10 +37,9 @@ class BoardSession {
   }
 
   int id(const std::string& name) const { return Fg_getParameterIdByName(fg, name.c_str()); }
-  int set(const std::string& name, int32_t value, unsigned dma = 0) const {
-    return Fg_setParameterWithType(fg, id(name), &value, dma, 2);
-  }
-  int write(const std::string& name, uint64_t value) const {
+  /// Sets a design parameter or writes a register.
+  int set(const std::string& name, uint64_t value, unsigned dma = 0) const {
+    if (!name.starts_with("CamGen")) return Fg_setParameterWithType(fg, id(name), &value, dma, 4);
     return KorvRegisterWrite(device, HapGetRegisterByName(design, name.c_str()), value);
   }
 
@@ -47,9 +47,3 @@ class BoardSession {
   fpga_design* const design;
   Fg_Struct* const fg;
 };
-
-/// Nothing handed out is missing.
-inline bool nothingOutstanding() {
-  const auto [handles, designs, strings] = board::outstanding();
-  return handles == 0 && designs == 0 && strings == 0;
-}
