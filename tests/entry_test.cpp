@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 #include <stdlib.h>
-#include <sys/resource.h>
 
 #include <cstdio>
 #include <filesystem>
@@ -140,18 +139,6 @@ TEST(Entry, ExternalDesignReplacesTheEmbeddedOne) {
     applet.close();
     EXPECT_TRUE(allReleased());
   }
-}
-
-TEST(Entry, NeedsALoadableRuntime) {
-  rlimit before{};
-  getrlimit(RLIMIT_NOFILE, &before);
-  const rlimit none{0, before.rlim_max};  // No library can be opened where no file can.
-  setrlimit(RLIMIT_NOFILE, &none);
-  const Applet applet;
-  setrlimit(RLIMIT_NOFILE, &before);
-  EXPECT_FALSE(applet.opened());
-  EXPECT_EQ(applet.error(), -2031);
-  EXPECT_TRUE(takeNames().empty());
 }
 
 /// As if there were no memory left for whatever the step does. The first one follows a refusal.

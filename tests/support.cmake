@@ -13,7 +13,8 @@ function(velmora_add_support_test target directory source)
   target_compile_definitions(
     ${target} PRIVATE INSTALLATION_DIRECTORY="${CMAKE_BINARY_DIR}/tests/${directory}")
   set_target_properties(
-    ${target} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests/${directory}/bin)
+    ${target} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests/${directory}/bin
+                         INSTALL_RPATH "$ORIGIN/../lib64;${CMAKE_LIBRARY_OUTPUT_DIRECTORY}")
   gtest_discover_tests(${target})
 endfunction()
 
@@ -24,3 +25,5 @@ add_dependencies(support_test unusable_logging_dispatcher)
 velmora_add_dispatcher_library(fake_logging_dispatcher dispatcher fakes/logging_dispatcher.cpp)
 velmora_add_support_test(support_dispatcher_test dispatcher support_dispatcher_test.cpp)
 target_link_libraries(support_dispatcher_test PRIVATE fake_logging_dispatcher)
+# This dispatcher and no other, whatever LD_LIBRARY_PATH says.
+target_link_options(support_dispatcher_test PRIVATE -Wl,--disable-new-dtags)
