@@ -7,7 +7,7 @@ function(velmora_add_dispatch_test suite)
   gtest_discover_tests(${suite})
 endfunction()
 
-# Each with a log threshold of its own.
+# The first with a log threshold of its own.
 velmora_add_dispatch_test(dispatch_test dispatch_test.cpp startup_test.cpp)
 velmora_add_dispatch_test(status_test status_test.cpp direct_access_test.cpp)
 
