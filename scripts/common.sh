@@ -18,7 +18,6 @@ packages=(
   "libaravis-dev:/usr/include/aravis-0.8/arv.h"
   "libxml2-utils:/usr/bin/xmllint"
   "binutils:/usr/bin/nm"
-  "valgrind:/usr/bin/valgrind"
 )
 
 install_missing() {
