@@ -17,6 +17,7 @@ packages=(
   "libpng-dev:/usr/include/png.h"
   "libaravis-dev:/usr/include/aravis-0.8/arv.h"
   "libxml2-utils:/usr/bin/xmllint"
+  "locales:/usr/share/i18n/locales/de_DE"
   "binutils:/usr/bin/nm"
 )
 

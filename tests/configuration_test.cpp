@@ -2,6 +2,8 @@
 /// files edited by hand, files that cannot be read or written.
 #include <gtest/gtest.h>
 
+#include <clocale>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -347,6 +349,26 @@ TEST(Configuration, TellsFilesThatCannotBeReadOrWritten) {
   EXPECT_EQ(applet.lastError(), -5000);
   EXPECT_EQ(Fg_saveConfig(applet.fg(), nullptr), -5001);
   EXPECT_EQ(contentOf(directory / "settings.txt"), fileText());
+}
+
+TEST(Configuration, NumbersFollowTheLocaleOfTheProcess) {
+  setenv("LOCPATH", VELMORA_LOCALES, 1);
+  const TemporaryDirectory directory;
+  const std::string file = directory / "comma.mcf";
+  Applet applet;
+  ASSERT_EQ(applet.set(FG_GEN_FREQ, 62.5, 3), 0);
+  ASSERT_NE(std::setlocale(LC_ALL, "de_DE.UTF-8"), nullptr);
+  ASSERT_EQ(Fg_saveConfig(applet.fg(), file.c_str()), 0);
+  EXPECT_NE(contentOf(file).find("FG_GEN_FREQ=62,5;"), std::string::npos);
+  ASSERT_EQ(applet.set(FG_GEN_FREQ, 40.0, 3), 0);
+  ASSERT_EQ(Fg_loadConfig(applet.fg(), file.c_str()), 0);
+  EXPECT_EQ(applet.real(FG_GEN_FREQ, 3).value, 62.5);
+  // The document never does.
+  std::size_t size = 0;
+  Fg_getParameterInfoXML(applet.fg(), 3, nullptr, &size);
+  std::string document(size, '\0');
+  ASSERT_EQ(Fg_getParameterInfoXML(applet.fg(), 3, document.data(), &size), 0);
+  EXPECT_NE(document.find("<Max>3.024</Max>"), std::string::npos);
 }
 
 TEST(Configuration, ASaveLeavesOutWhatCannotBeRead) {
