@@ -77,6 +77,7 @@ void copyText(std::string_view text, char* value) { value[text.copy(value, kText
   std::array<char, 32> text;
   va_list arguments;
   va_start(arguments, format);
+  // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized)
   std::vsnprintf(text.data(), text.size(), format, arguments);
   va_end(arguments);
   return text;

@@ -121,6 +121,7 @@ void acquirePictures(Session& session, const Acquisition& acquisition) {
   for (const unsigned port : acquisition.ports) channels.emplace_back(port);
   Countdown countdown(channels.size());
   std::vector<std::jthread> threads;
+  threads.reserve(channels.size());
   for (Channel& channel : channels) {
     threads.emplace_back([&] {
       channel.run(session, acquisition);

@@ -62,7 +62,7 @@ std::string accessText(const RegisterInfo& node) {
 }
 
 std::string rangeText(const RegisterInfo& node) {
-  const std::string unit = node.unit != nullptr ? utf8(node.unit) : std::string();
+  std::string unit = node.unit != nullptr ? utf8(node.unit) : std::string();
   switch (node.kind) {
     case REGISTER_INFO_UINT:
       return range(node.value.uint32, unit);

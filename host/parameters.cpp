@@ -34,7 +34,7 @@ const ValueKind& singleValueKind(const Parameter& parameter) {
 /// Takes over a string that a type-22 get handed out.
 std::string takeString(Session& session, const Parameter& parameter, int id, char* text) {
   if (text == nullptr) return {};
-  const std::string copy = utf8(text);
+  std::string copy = utf8(text);
   const int code = session.library().freeString(session.grabber(), id, text, parameter.port,
                                                 FG_PARAM_TYPE_STRING);
   if (code < 0) throw refusal(parameter, code);
