@@ -51,10 +51,7 @@ void CameraSimulator::clear(DesignId simulatorRegister) {
 }
 
 void CameraSimulator::set(const ParameterRow& row, std::uint32_t value, std::uint32_t written) {
-  requireAccepted(port_, row, value);
-  Transaction change(port_.settings.*row.field.word, value);
-  write(row.design, written);
-  change.keep();
+  handlers::setThrough(port_, row, value, [&] { write(row.design, written); });
 }
 
 void CameraSimulator::setPlain(const ParameterRow& row, std::uint32_t value) {

@@ -30,22 +30,28 @@ void requireAccepted(const Port& port, const ParameterRow& row, T value) {
   if (!row.limits.accepts(value, port.index)) throw int{VELMORA_OUT_OF_RANGE};
 }
 
-/// A parameter that is checked against its limits, stored, and written to the design as it is.
-template <class T>
-void setPlain(Port& port, const ParameterRow& row, T value) {
+/// The way of most setters: checks the value against the row's limits, stores it, and keeps it when
+/// `write` brings it to the design.
+template <class T, class Write>
+void setThrough(Port& port, const ParameterRow& row, T value, const Write& write) {
   requireAccepted(port, row, value);
   Transaction<T> change(settingOf(port, row, value), value);
-  if (row.design != DesignId::kNone) port.design.write(row.design, value);
+  write();
   change.keep();
+}
+
+/// A parameter that goes to the design as it is, if it goes there at all.
+template <class T>
+void setPlain(Port& port, const ParameterRow& row, T value) {
+  setThrough(port, row, value, [&] {
+    if (row.design != DesignId::kNone) port.design.write(row.design, value);
+  });
 }
 
 /// A one-shot parameter: the design acts on the value 2 whatever the command is called.
 inline void setOneShot(Port& port, const ParameterRow& row, std::uint32_t value) {
   constexpr std::uint32_t kOneShot = 2;
-  requireAccepted(port, row, value);
-  Transaction<std::uint32_t> change(port.settings.*row.field.word, value);
-  port.design.write(row.design, kOneShot);
-  change.keep();
+  setThrough(port, row, value, [&] { port.design.write(row.design, kOneShot); });
 }
 
 inline constexpr Setter kPlainWord{.word = setPlain<std::uint32_t>};

@@ -4,8 +4,6 @@
 
 namespace velmora {
 
-using handlers::requireAccepted;
-
 /// A size and its offset share the frame: each is bounded by what the other leaves of it. The two
 /// margins differ by the smallest size.
 struct ImagePath::Partner {
@@ -30,10 +28,7 @@ constexpr std::uint32_t remaining(std::uint32_t frame, std::uint32_t used) {
 }  // namespace
 
 void ImagePath::setTimeout(const ParameterRow& row, std::uint32_t timeout) {
-  requireAccepted(port_, row, timeout);
-  Transaction change(port_.settings.timeout, timeout);
-  port_.design.setRuntime(FG_TIMEOUT, timeout);
-  change.keep();
+  handlers::setThrough(port_, row, timeout, [&] { port_.design.setRuntime(FG_TIMEOUT, timeout); });
 }
 
 void ImagePath::setWidth(const ParameterRow& row, std::uint32_t width) {
@@ -68,11 +63,10 @@ void ImagePath::setRegionSide(const ParameterRow& row, std::uint32_t value,
 }
 
 void ImagePath::setBayerInit(const ParameterRow& row, std::uint32_t order) {
-  requireAccepted(port_, row, order);
-  Transaction change(port_.settings.bayerInit, order);
-  port_.design.write(DesignId::kBayerfilterBayerInit, order);
-  port_.design.write(DesignId::kWhiteBayerInit, order);
-  change.keep();
+  handlers::setThrough(port_, row, order, [&] {
+    port_.design.write(DesignId::kBayerfilterBayerInit, order);
+    port_.design.write(DesignId::kWhiteBayerInit, order);
+  });
 }
 
 }  // namespace velmora

@@ -6,8 +6,6 @@
 
 namespace velmora {
 
-using handlers::requireAccepted;
-
 namespace {
 
 /// Inputs of the design's output multiplexers.
@@ -66,23 +64,19 @@ void TriggerOutputs::routeTo(DesignId select, std::uint32_t source) {
 }
 
 void TriggerOutputs::setSource(const ParameterRow& row, std::uint32_t source) {
-  requireAccepted(port_, row, source);
-  Transaction change(port_.settings.*row.field.word, source);
-  routeTo(row.design, source);
-  change.keep();
+  handlers::setThrough(port_, row, source, [&] { routeTo(row.design, source); });
 }
 
 void TriggerOutputs::setDigitalOutput(const ParameterRow& row, std::uint32_t levels) {
-  requireAccepted(port_, row, levels);
-  Transaction change(port_.settings.digitalOutput, levels);
-  // Board outputs 3 and 7 are the second outputs of the ports 1 and 3.
-  constexpr unsigned kPortsOfOutputs[] = {1, 3};
-  for (unsigned bit = 0; bit < 2; ++bit) {
-    const unsigned port = kPortsOfOutputs[bit];
-    port_.design.writeOfPort(port, DesignId::kOutputSelect1, kConstant);
-    port_.design.writeOfPort(port, DesignId::kOutputInvert1, (levels >> bit) & 1u);
-  }
-  change.keep();
+  handlers::setThrough(port_, row, levels, [&] {
+    // Board outputs 3 and 7 are the second outputs of the ports 1 and 3.
+    constexpr unsigned kPortsOfOutputs[] = {1, 3};
+    for (unsigned bit = 0; bit < 2; ++bit) {
+      const unsigned port = kPortsOfOutputs[bit];
+      port_.design.writeOfPort(port, DesignId::kOutputSelect1, kConstant);
+      port_.design.writeOfPort(port, DesignId::kOutputInvert1, (levels >> bit) & 1u);
+    }
+  });
 }
 
 std::uint32_t TriggerMonitor::exceededPeriodLimits() const {
@@ -108,11 +102,10 @@ double TriggerMonitor::maxFrequency() const {
 }
 
 void TriggerMonitor::clearMinMaxFrequency(const ParameterRow& row, std::uint32_t apply) {
-  requireAccepted(port_, row, apply);
-  Transaction change(port_.settings.inputMinMaxFrequencyClear, apply);
-  const std::uint32_t current = port_.design.read(DesignId::kInputMinMaxClear);
-  port_.design.write(DesignId::kInputMinMaxClear, current == 0 ? 1u : 0u);
-  change.keep();
+  handlers::setThrough(port_, row, apply, [&] {
+    const std::uint32_t current = port_.design.read(DesignId::kInputMinMaxClear);
+    port_.design.write(DesignId::kInputMinMaxClear, current == 0 ? 1u : 0u);
+  });
 }
 
 }  // namespace velmora

@@ -165,10 +165,7 @@ void TriggerPath::programMinimumPeriod(double frameRate) {
 }
 
 void TriggerPath::setFrameRate(const ParameterRow& row, double frameRate) {
-  requireAccepted(port_, row, frameRate);
-  Transaction change(port_.settings.frameRate, frameRate);
-  programMinimumPeriod(frameRate);
-  change.keep();
+  handlers::setThrough(port_, row, frameRate, [&] { programMinimumPeriod(frameRate); });
 }
 
 double TriggerPath::frameRate() const {
@@ -176,10 +173,9 @@ double TriggerPath::frameRate() const {
 }
 
 void TriggerPath::setDebounce(const ParameterRow& row, double time) {
-  requireAccepted(port_, row, time);
-  Transaction change(port_.settings.debounce, time);
-  port_.design.write(DesignId::kDebouncePeriod, time_base::debounceUnitsFromMicroseconds(time));
-  change.keep();
+  handlers::setThrough(port_, row, time, [&] {
+    port_.design.write(DesignId::kDebouncePeriod, time_base::debounceUnitsFromMicroseconds(time));
+  });
 }
 
 double TriggerPath::debounce() const {
