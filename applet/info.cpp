@@ -1,8 +1,5 @@
 /// Answers about the applet that need no instance.
 #include <cstdint>
-#include <iterator>
-#include <map>
-#include <string>
 #include <string_view>
 
 #include "applet/icon.h"
@@ -93,17 +90,15 @@ int designHandle(const Query& query) {
   return 0;
 }
 
-/// Value names with their numbers, made of all enumerations on the first question.
+/// Reads constant data only: hosts ask until the last instruction of the process, when the static
+/// objects of this library are gone.
 int valueOfName(const Query& query) {
-  static const auto values = [] {
-    std::map<std::string_view, int> map;
-    for (const Enumeration& enumeration : kEnumerations)
-      for (const EnumEntry& entry : enumeration) map.emplace(entry.identifier, entry.value);
-    return map;
-  }();
   if (!query.answer.out) return VELMORA_INVALID_ARGUMENT;
-  const auto found = values.find(static_cast<const char*>(query.answer.out));
-  return found != values.end() ? found->second : int{VELMORA_INVALID_ARGUMENT};
+  const std::string_view name = static_cast<const char*>(query.answer.out);
+  for (const Enumeration& enumeration : kEnumerations)
+    for (const EnumEntry& entry : enumeration)
+      if (entry.identifier == name) return entry.value;
+  return VELMORA_INVALID_ARGUMENT;
 }
 
 bool isPort(int index) { return static_cast<unsigned>(index) < kProcesses; }

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
+#include <malloc.h>
 #include <png.h>
+#include <unistd.h>
 
 #include <climits>
 #include <sstream>
@@ -125,6 +127,17 @@ TEST(Info, ValueNamesHaveTheirNumbers) {
   for (const char* unknown : {"", "mono14", "MONO", "MONO8 ", " MONO8", "FG_ONE", "TRGINSRC_8"})
     EXPECT_EQ(valueOf(unknown), -2070) << unknown;
   EXPECT_EQ(Info(0x1100, 0, 0, nullptr, nullptr), -2070);
+}
+
+/// To a handler that runs after the destructors of all that the first question may have made.
+TEST(Info, AnswersUntilTheProcessEnds) {
+  const auto end = [] {
+    mallopt(M_PERTURB, 0xA5);  // What is released does not stay readable.
+    std::atexit([] { _exit(valueOf("INPUT_BYPASS")); });
+    valueOf("MONO8");
+    std::exit(0);
+  };
+  EXPECT_EXIT(end(), testing::ExitedWithCode(INPUT_BYPASS), "");
 }
 
 TEST(Info, IconIsAPictureOfItsSize) {
