@@ -154,12 +154,11 @@ int FgKtWrapperImpl::Fg_freeParameterStringWithType(int id, void* value, unsigne
   if (passesThrough(id))
     return fgError().setErr(
         freeUnwrappedParameterString(id - kDesignParameterIdOffset, value, dma, type));
-  if (id == FG_NR_OF_PROCESSES) return freeUnwrappedParameterString(id, value, dma, type);
   if (!portOf(dma)) {
     logRefusal("trying to free SDK parameter '", id, "' on unknown process ", dma, "!");
     return fgError().setErr(VELMORA_INVALID_ARGUMENT);
   }
-  if (const ParameterRow* row = findParameter(id); row && row->forwarded)
+  if (const ParameterRow* row = findParameter(id); row && row->runtimeOwnsStrings)
     return freeUnwrappedParameterString(id, value, dma, type);
   return strings_.takeBack(value) ? VELMORA_OK : fgError().setErr(VELMORA_INVALID_ARGUMENT);
 }

@@ -46,7 +46,7 @@ struct ParameterRow {
   Setter set{};
   Getter get = nullptr;
   Upkeep upkeep = Upkeep::kNone;
-  bool forwarded = false;  ///< Answered by the runtime, which owns its strings too.
+  bool runtimeOwnsStrings = false;  ///< Strings of this id go back to the runtime.
   const char* description = "";
 
   constexpr bool writable() const { return set.word || set.real; }

@@ -203,6 +203,9 @@ TEST(Strings, GoBackWhereTheyCameFrom) {
 
   char* const runtimes = text(applet, FG_NR_OF_DMAS, 2);
   releases(FG_HAP_FILE, runtimes, 2, -2070);
+  EXPECT_EQ(logged([&] { releases(FG_NR_OF_PROCESSES, runtimes, 4, -2070); }),
+            Lines{"Velmora|trying to free SDK parameter '3070' on unknown process 4!"});
+  releases(FG_NR_OF_PROCESSES, nullptr, 2, -2082);
   EXPECT_EQ(board::outstanding().strings, 1);
   releases(FG_NR_OF_DMAS, runtimes, 2, VELMORA_OK);
   releases(FG_NR_OF_DMAS, runtimes, 2, kNoSuchString);
