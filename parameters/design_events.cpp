@@ -1,7 +1,6 @@
 #include "parameters/design_events.h"
 
 #include <algorithm>
-#include <iterator>
 
 #include "parameters/design_ids.h"
 #include "platform/dervin.h"
@@ -13,6 +12,24 @@ constexpr int kEventsLookedAt = 65;
 constexpr int kMaskBits = 64;
 constexpr std::int32_t kReported = 1;
 constexpr unsigned kTriggerInputs = 8;
+
+/// What is needed of a design event. The design runtime may reuse its record for the next one.
+struct Event {
+  std::string name;  ///< Empty for an event without a name, which is not reported.
+  bool reported;
+};
+
+/// The events that have a bit in the mask, in the design's order.
+std::vector<Event> eventsOf(fpga_design* design) {
+  std::vector<Event> events;
+  for (int i = 0; i < kEventsLookedAt; ++i) {
+    const HapEvent* event = HapGetEvent(design, i);
+    if (!event) break;
+    if (i < kMaskBits)
+      events.push_back({event->name ? event->name : "", event->name && event->kind == kReported});
+  }
+  return events;
+}
 
 /// An SDK event and the design event behind it. {c} stands for the camera, {L} for its port letter,
 /// {i} for a trigger input, {M} for the camera's half of the monitoring events.
@@ -64,26 +81,18 @@ std::string expand(std::string text, unsigned camera, unsigned input) {
 
 void DesignEvents::read(fpga_design* design,
                         const std::function<void(const std::string&)>& missing) {
-  std::vector<const HapEvent*> events;
-  for (int i = 0; i < kEventsLookedAt; ++i) {
-    const HapEvent* event = HapGetEvent(design, i);
-    if (!event) break;
-    // An event without a bit in the mask cannot be reported.
-    if (i < kMaskBits) events.push_back(event);
-  }
-
+  const std::vector<Event> events = eventsOf(design);
   for (std::size_t i = 0; i < events.size(); ++i) {
-    if (events[i]->kind != kReported || !events[i]->name) continue;
-    masks_[events[i]->name] = std::uint64_t{1} << i;
-    names_[std::uint64_t{1} << i] = events[i]->name;
+    if (!events[i].reported) continue;
+    masks_[events[i].name] = std::uint64_t{1} << i;
+    names_[std::uint64_t{1} << i] = events[i].name;
   }
 
   const auto add = [&](const SdkEvent& event, unsigned camera, unsigned input) {
     const std::string designName = expand(event.designName, camera, input);
-    const auto found = std::ranges::find_if(
-        events, [&](const HapEvent* e) { return e->name && designName == e->name; });
+    const auto found = std::ranges::find(events, designName, &Event::name);
     if (found == events.end()) return missing(designName);
-    const std::uint64_t mask = std::uint64_t{1} << std::distance(events.begin(), found);
+    const std::uint64_t mask = std::uint64_t{1} << (found - events.begin());
     const std::string name = expand(event.name, camera, input);
     masks_[name] = mask;
     names_[mask] = name;
