@@ -3,12 +3,21 @@
 #include <algorithm>
 #include <cctype>
 #include <cstdlib>
+#include <limits>
 #include <set>
 
 #include "platform/dervin.h"
 #include "wrapper/fg_kt_wrapper.h"
 
 namespace velmora {
+namespace {
+
+/// Whether a design's id can be moved into the ids of a family of direct access.
+constexpr bool hasSdkId(int id, int offset) {
+  return id <= std::numeric_limits<int>::max() - offset;
+}
+
+}  // namespace
 
 bool switchedOn(const char* environmentVariable) {
   const char* value = std::getenv(environmentVariable);
@@ -25,7 +34,8 @@ std::vector<DesignRegister> designRegisters(fpga_design* design) {
   for (int i = 1; i <= count; ++i) {
     const char* name = HapGetRegisterName(design, i);
     if (!name) name = "";
-    registers.push_back({name, HapGetRegisterByName(design, name)});
+    DesignRegister reg{name, HapGetRegisterByName(design, name)};
+    if (hasSdkId(reg.id, kRegisterIdOffset)) registers.push_back(std::move(reg));
   }
   return registers;
 }
@@ -74,7 +84,9 @@ std::map<std::string, int> designParameters(const FgKtWrapper& wrapper) {
 
   std::map<std::string, int> ids;
   for (const std::string& name : names)
-    if (const int id = wrapper.getParameterIdByName(name.c_str()); id >= 1) ids.emplace(name, id);
+    if (const int id = wrapper.getParameterIdByName(name.c_str());
+        id >= 1 && hasSdkId(id, kDesignParameterIdOffset))
+      ids.emplace(name, id);
   return ids;
 }
 

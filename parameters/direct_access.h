@@ -27,11 +27,12 @@ struct DesignRegister {
   int id;
 };
 
-/// The registers of a design in its own order.
+/// The registers of a design in its own order, without those whose SDK id would be no `int`.
 std::vector<DesignRegister> designRegisters(fpga_design* design);
 
 /// The design's own parameters by name with their ids, as far as the runtime describes them and
-/// knows their names. Field parameters are left out.
+/// knows their names. Field parameters are left out, and what would have an SDK id that is no
+/// `int`.
 std::map<std::string, int> designParameters(const FgKtWrapper& wrapper);
 
 /// A group of a description forest with the group that contains it.

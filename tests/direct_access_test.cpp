@@ -1,7 +1,21 @@
 /// Ids that lead past the SDK parameters: to the design's registers and to its own parameters.
+#include <dlfcn.h>
 #include <gtest/gtest.h>
 
+#include <climits>
+
+#include "platform/dervin.h"
 #include "tests/dispatch_support.h"
+
+/// Where the register "Far" lies, whatever the design says; 0 leaves it there.
+static int farRegister = 0;
+
+extern "C" [[gnu::visibility("default")]] int HapGetRegisterByName(fpga_design* design,
+                                                                   const char* name) {
+  static auto* const real =
+      reinterpret_cast<decltype(&HapGetRegisterByName)>(dlsym(RTLD_NEXT, "HapGetRegisterByName"));
+  return farRegister != 0 && std::string(name) == "Far" ? farRegister : real(design, name);
+}
 
 namespace {
 
@@ -39,6 +53,20 @@ TEST(DirectAccess, ListsRegistersThenPlainParametersByName) {
             "DKTA_Device1_Process0_A_Deep_Uint64 DKTA_Device1_Process0_A_Int "
             "DKTA_Device1_Process0_B_Uint DKTA_Device1_Process1_B_String "
             "DKTA_Device1_Process1_Enum ");
+}
+
+TEST(DirectAccess, LeavesOutWhatHasNoId) {
+  const ExternalDesign design("register Far 8 rw\nregister Near 8 rw");
+  const EnvironmentVariable on("KORV_ENABLE_DRA", "1");
+  for (const bool fits : {true, false}) {
+    farRegister = INT_MAX - 1000000 + (fits ? 0 : 1);
+    Applet applet;
+    EXPECT_EQ(Fg_getParameterIdByName(applet.fg(), "DRA_Far"), fits ? INT_MAX : -2070);
+    EXPECT_EQ(Fg_getNrOfParameter(applet.fg()), fits ? 87 : 86);
+    EXPECT_EQ(applet.node(INT_MAX) != nullptr, fits);
+    EXPECT_NE(applet.node(1000002), nullptr);
+  }
+  farRegister = 0;
 }
 
 TEST(DirectAccess, ReachesRegisters) {
