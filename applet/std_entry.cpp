@@ -1,4 +1,6 @@
 /// Creation and release of an applet instance.
+#include <cxxabi.h>
+
 #include <cstdlib>
 #include <memory>
 
@@ -12,8 +14,7 @@ using namespace velmora;
 
 namespace {
 
-constexpr unsigned kLeaveDesign = 1;  // Flag bit: the design keeps what it has.
-constexpr int kLoadArgument = 1;      // What both design loaders are given last.
+constexpr int kLoadArgument = 1;  // What both design loaders are given last.
 
 LoadedDesign loadDesign() {
   if (std::getenv("__KORV_FORCE_EXTERNAL_HAP"))
@@ -39,7 +40,33 @@ void start(FgKtWrapperImpl& applet, int flags) {
   applet.resolveParameterIds();
   applet.initParameterInfo();
   applet.routePorts();
-  if ((static_cast<unsigned>(flags) & kLeaveDesign) == 0) applet.applyDefaults();
+  if ((static_cast<unsigned>(flags) & unsigned{VELMORA_LEAVE_DESIGN}) == 0) applet.applyDefaults();
+}
+
+/// Gives the inner handle of a failed start back; what the runtime throws meanwhile is dropped.
+void releaseAfterFailure(FgKtWrapper& applet) {
+  try {
+    applet.releaseInnerHandle();
+  } catch (abi::__forced_unwind&) {
+    throw;
+  } catch (...) {
+    // The start has failed already.
+  }
+}
+
+/// Starts an instance up; null, with the code in `result`, when it is refused. Whatever is thrown
+/// leaves nothing behind.
+std::unique_ptr<FgKtWrapperImpl> create(KTdevice* device, int flags, int& result) {
+  auto applet = std::make_unique<FgKtWrapperImpl>();
+  try {
+    result = open(*applet, device, flags);
+    if (result != VELMORA_OK) return nullptr;
+    start(*applet, flags);
+    return applet;
+  } catch (...) {
+    releaseAfterFailure(*applet);
+    throw;
+  }
 }
 
 }  // namespace
@@ -47,16 +74,11 @@ void start(FgKtWrapperImpl& applet, int flags) {
 void* Std_entry(KTdevice* device, int* error, int flags) {
   int unread = VELMORA_OK;
   int& result = error ? *error : unread;
-  std::unique_ptr<FgKtWrapperImpl> applet;
   try {
-    applet = std::make_unique<FgKtWrapperImpl>();
-    result = open(*applet, device, flags);
-    if (result != VELMORA_OK) return nullptr;
-    start(*applet, flags);
-    return static_cast<FgKtWrapper*>(applet.release());
+    return static_cast<FgKtWrapper*>(create(device, flags, result).release());
+  } catch (abi::__forced_unwind&) {
+    throw;  // The thread is being cancelled, which no handler may end.
   } catch (...) {
-    // Out of memory, at the most; nothing may be left behind.
-    if (applet) applet->releaseInnerHandle();
     result = VELMORA_NO_DESIGN;
     return nullptr;
   }

@@ -1,4 +1,6 @@
 /// The applet's start-up, from the name tables to the defaults in the design.
+#include <cxxabi.h>
+
 #include "parameters/camera_simulator.h"
 #include "parameters/catalogue.h"
 #include "parameters/direct_access.h"
@@ -72,6 +74,8 @@ void FgKtWrapperImpl::routePorts() {
       TriggerPath(port).hold();
       outputs.route();
     }
+  } catch (abi::__forced_unwind&) {
+    throw;  // The thread is being cancelled.
   } catch (...) {
     // The ports that are left keep the design's own routing until their outputs are set.
   }

@@ -6,8 +6,26 @@
 /// and negative codes of `velmora/errors.h` or of the libraries around the applet on failure.
 ///
 /// Threads: `Std_entry` and `Fg_FreeGrabber` must not overlap other calls on the same handle. Sets
-/// and gets may come from any thread; they run one after the other. `Fg_loadConfig` must not
-/// overlap sets and gets on the same handle. `Info` may be called at any time from any thread.
+/// and gets may come from any thread; they run one after the other. These must not overlap sets on
+/// the same handle, nor a load:
+/// - `Fg_loadConfig`, which must not overlap gets either;
+/// - `Fg_saveConfig`: beside a set that the design then refuses it would write the refused value;
+/// - `Fg_getParameterInfoXML` and readers of the nodes of `Fg_getParameterInfo`, since sets move
+///   ranges and access modes.
+/// `Fg_saveConfig` and `Fg_loadConfig` set the locale of the whole process (`setlocale(LC_ALL,
+/// "English")`, without effect where no locale has this name); no other thread may be using it.
+/// `Info` may be called at any time from any thread, also while the process exits.
+///
+/// Exceptions: a C host sees none as long as the rules above are kept, memory lasts and the
+/// libraries around the applet throw nothing. Otherwise these leave an export:
+/// - `std::logic_error` out of a set or get that is called from within a set or get on the same
+///   handle and thread (by a runtime that calls back);
+/// - `std::bad_alloc` and other errors of the standard library out of any export but `Std_entry` and
+///   `Info`; a set has then restored the stored setting and given the lock back;
+/// - whatever a library around the applet throws. Integers become the code of a set or get of the
+///   applet's own parameters, but leave the others unchanged: the pass-through of ids above 2000000
+///   and of register ids, every string release, and the acquisition calls. From `Std_entry`
+///   nothing leaves but the cancellation of the calling thread.
 #pragma once
 
 #include <stddef.h>
@@ -20,13 +38,18 @@
 extern "C" {
 #endif
 
+/// Flags of `Std_entry`; the others are the runtime's.
+enum VelmoraStartFlag {
+  VELMORA_LEAVE_DESIGN = 1  ///< No defaults are written: the design keeps what it has.
+};
+
 /// Creates an applet instance: opens the acquisition runtime `libvorn5.so`, loads the design (the
 /// embedded image, or the file "Velmora.hap" when the environment variable
 /// "__KORV_FORCE_EXTERNAL_HAP" exists), creates the runtime's handle on it and writes the defaults.
 /// @param device the host's board device; handed on, never looked into.
 /// @param error receives 0, -2031 (no usable runtime), -100 (no design) or the runtime's code; may
 ///        be null.
-/// @param flags handed to the runtime; with bit 0 set no defaults are written.
+/// @param flags handed to the runtime; `VELMORA_LEAVE_DESIGN` means the applet.
 /// @return the instance, to be stored as the first word of an `Fg_Struct` and released with
 ///         `Fg_FreeGrabber`; null on failure, with nothing left behind.
 void* Std_entry(KTdevice* device, int* error, int flags);
@@ -63,7 +86,10 @@ int64_t Fg_getLastPicNumberBlockingEx(Fg_Struct* fg, int64_t picture, uint32_t d
 int64_t Fg_getStatusEx(Fg_Struct* fg, uint32_t param, int64_t data, int32_t dma, void* memory);
 /// @}
 
-/// Sets SDK parameter `id` on port `dma` (0 to 3). Takes full effect or changes nothing.
+/// Sets SDK parameter `id` on port `dma` (0 to 3). The stored setting, which a get returns, is all
+/// or nothing: a refused set leaves it as it was. Some parameters take several writes to the design
+/// (a Bayer order two, a trigger mode up to a dozen); when one fails, those before it stay done, and
+/// setting the parameter again makes the design agree.
 /// @param value the value in the parameter's own width: 32 bits for integers, 64 for doubles.
 /// @param type the caller's `FgParamTypes`; used only for ids that are passed through.
 /// @return 0; -2070 null value, unknown id or port; -12 read-only; -6000 out of range; -7080 step;
@@ -93,12 +119,18 @@ int Fg_getParameterId(Fg_Struct* fg, int index);
 /// Id of the parameter called `name` (exact spelling), or -2070 (recorded).
 int Fg_getParameterIdByName(Fg_Struct* fg, const char* name);
 
-/// Writes all settings of the four ports to `file`, whose name must contain ".mcf".
-/// @return 0; -5001 (recorded) when the file cannot be written.
+/// Writes all settings of the four ports to `file`, whose name must contain ".mcf". A value that
+/// cannot be read from the design is left out.
+/// @return 0; -5001 (recorded) when the file cannot be written, or exists and is no regular file.
 int Fg_saveConfig(Fg_Struct* fg, const char* file);
-/// Reads a file written by `Fg_saveConfig` and applies it port by port. A value that a port refuses
-/// does not end the load: the design keeps what it had, while a get returns the file's value. What
-/// was applied before a failure stays.
+/// Reads a file written by `Fg_saveConfig` and applies it port by port: first every setting of the
+/// port is stored, but for trigger mode and state, then each one is set in the order of the list. A
+/// value that is refused does not end the load: the design keeps what it had, while a get returns
+/// the file's value. What was applied before a failure stays.
+///
+/// A good file can be refused value by value because of what the design held before it: the frame
+/// rate is checked against the pulse widths and delays that the design still has, which come later
+/// in the list. Loading the same file again settles it, since the design then has the file's widths.
 /// @return 0; -2076 (and -5000 recorded) when there is no such file; -5000 for another applet's
 ///         file or a missing key.
 int Fg_loadConfig(Fg_Struct* fg, const char* file);
