@@ -64,7 +64,7 @@ void describeParameter(Session& session, const std::string& name, std::optional<
       findParameter(session, parsed.name, parsed.port.value_or(port.value_or(0)));
   Table table;
   table.add({"id", fmt::format("{}", parameter.id)});
-  table.add({"kind", valueKind(parameter.node).word});
+  table.add({"kind", valueKind(parameter.node, parameter.id).word});
   table.add({"value", readParameter(session, parameter)});
   fmt::print("{}", parameter.label());
   if (const RegisterInfo* node = parameter.node) {

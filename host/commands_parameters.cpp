@@ -75,7 +75,7 @@ void listParameters(Session& session, std::optional<unsigned> port) {
     };
     const RegisterInfo* const node = nodeOn(first);
     std::vector<std::string> row{fmt::format("{}", i), name, fmt::format("{}", id),
-                                 valueKind(node).word, node ? accessText(*node) : "read"};
+                                 valueKind(node, id).word, node ? accessText(*node) : "read"};
     for (unsigned p = first; p <= last; ++p)
       row.push_back(valueOrDash(session, {name, id, p, nodeOn(p)}, failures));
     table.add(row);

@@ -25,7 +25,7 @@ Failure refusal(const Parameter& parameter, int code) {
 
 /// The kind of a parameter with a single value.
 const ValueKind& singleValueKind(const Parameter& parameter) {
-  const ValueKind& kind = valueKind(parameter.node);
+  const ValueKind& kind = valueKind(parameter.node, parameter.id);
   if (kind.form == Form::kNone)
     throw Failure(fmt::format("{}: not a parameter with a single value", parameter.label()));
   return kind;
@@ -84,7 +84,7 @@ std::string readParameter(Session& session, const Parameter& parameter) {
                                                   parameter.port, kind.type);
   if (code != 0) throw refusal(parameter, code);
   return isText ? takeString(session, parameter, parameter.id, text)
-                : showValue(parameter.node, bits);
+                : showValue(parameter.node, kind, bits);
 }
 
 void writeParameter(Session& session, const Parameter& parameter, const std::string& value) {
@@ -93,7 +93,7 @@ void writeParameter(Session& session, const Parameter& parameter, const std::str
   const void* place = value.c_str();
   if (kind.form != Form::kText) {
     try {
-      bits = parseValue(session.library(), parameter.node, value);
+      bits = parseValue(session.library(), parameter.node, kind, value);
     } catch (const Failure& failure) {
       throw Failure(fmt::format("{}: {}", parameter.label(), failure.what()));
     }

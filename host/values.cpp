@@ -10,6 +10,7 @@
 
 #include "host/error_text.h"
 #include "host/text.h"
+#include "velmora/parameters.h"
 #include "velmora/values.h"
 
 namespace velmora::host {
@@ -85,16 +86,15 @@ std::uint64_t integerBits(const Integer& integer, unsigned bits, const std::stri
 
 }  // namespace
 
-const ValueKind& valueKind(const RegisterInfo* node) {
-  if (node == nullptr) return kForwarded;
+const ValueKind& valueKind(const RegisterInfo* node, int id) {
+  if (node == nullptr) return id == FG_NR_OF_PROCESSES ? kKinds[0] : kForwarded;
   for (const ValueKind& known : kKinds)
     if (known.kind == node->kind) return known;
   return kOtherKind;
 }
 
 std::uint64_t parseValue(const AppletLibrary& library, const RegisterInfo* node,
-                         const std::string& text) {
-  const ValueKind& kind = valueKind(node);
+                         const ValueKind& kind, const std::string& text) {
   const bool real = kind.form == Form::kReal;
   if (real) {
     if (const auto number = wholeText<double>(text)) return realBits(*number);
@@ -113,8 +113,7 @@ std::uint64_t parseValue(const AppletLibrary& library, const RegisterInfo* node,
   return realBits(integer->negative ? -magnitude : magnitude);
 }
 
-std::string showValue(const RegisterInfo* node, std::uint64_t bits) {
-  const ValueKind& kind = valueKind(node);
+std::string showValue(const RegisterInfo* node, const ValueKind& kind, std::uint64_t bits) {
   if (kind.form == Form::kReal) return fmt::format("{}", std::bit_cast<double>(bits));
   if (kind.form == Form::kUnsigned) return fmt::format("{}", lowBits(bits, kind.bits));
   const auto number =

@@ -222,7 +222,7 @@ TEST_F(ToolTest, InfoTellsAllOfTheApplet) {
 TEST_F(ToolRows, ListsAndDescriptions) {
   check({
       {"list --port 2", AllOf(HasSubstr("\n9   FG_NR_OF_PROCESSES  "),
-                              HasSubstr("  3070    forwarded  read        4\n"),
+                              HasSubstr("  3070    uint       read        4\n"),
                               HasSubstr("  30106   double     read/write  40\n"),
                               HasSubstr("\n84  FG_DIGIO_OUTPUT  "))},
       {"describe FG_XOFFSET@1 --set FG_WIDTH@1=1000",
