@@ -1,5 +1,5 @@
-/// Result codes of the applet. 0 is success; any other negative code is the acquisition runtime's,
-/// the design runtime's or the register library's own, passed on unchanged.
+/// Result codes. 0 is success. The applet passes the codes of the acquisition runtime, the design
+/// runtime and the register library on unchanged.
 #pragma once
 
 enum VelmoraError {
@@ -26,4 +26,24 @@ enum VelmoraError {
   VELMORA_OUT_OF_RANGE = -6000,        ///< Value outside its range or enumeration.
   VELMORA_STEP_VIOLATION = -7080,      ///< Value breaks a step rule.
   VELMORA_KEY_NOT_FOUND = -8000        ///< Configuration parser: section or key not found.
+};
+
+/// Codes of the virtual board's libraries. Those of a real board may have others.
+enum VelmoraBoardError {
+  VELMORA_BOARD_NO_HANDLE = -2050,           ///< Null or unknown handle, or null device.
+  VELMORA_BOARD_NO_DESIGN = -2051,           ///< Handle requested without a device or a design.
+  VELMORA_BOARD_DEVICE_BUSY = -2052,         ///< Another design is open on the device.
+  VELMORA_BOARD_UNKNOWN_PARAMETER = -2080,   ///< No design parameter has this id or name.
+  VELMORA_BOARD_BAD_DMA = -2081,             ///< DMA index outside 0 to 3.
+  VELMORA_BOARD_NULL_VALUE = -2082,          ///< Null pointer in place of a value.
+  VELMORA_BOARD_WRONG_TYPE = -2083,          ///< Value type that the parameter does not have.
+  VELMORA_BOARD_READ_ONLY = -2084,           ///< Parameter that only the design writes.
+  VELMORA_BOARD_DOES_NOT_FIT = -2085,        ///< Value too wide for the parameter or for the type.
+  VELMORA_BOARD_UNKNOWN_STRING = -2086,      ///< String that is not handed out.
+  VELMORA_BOARD_BAD_ARGUMENT = -2087,        ///< Picture count, timeout or status out of range.
+  VELMORA_BOARD_UNKNOWN_REGISTER = -2090,    ///< No register has this id.
+  VELMORA_BOARD_REGISTER_READ_ONLY = -2091,  ///< Register that only the design writes.
+  VELMORA_BOARD_ALREADY_STARTED = -2110,     ///< Acquisition runs on the channel.
+  VELMORA_BOARD_NOT_STARTED = -2111,         ///< No acquisition runs, or ran, on the channel.
+  VELMORA_BOARD_TIMEOUT = -2120              ///< The picture did not arrive in time.
 };
