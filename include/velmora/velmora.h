@@ -20,7 +20,8 @@
 /// libraries around the applet throw nothing. Otherwise these leave an export:
 /// - `std::logic_error` out of a set or get that is called from within a set or get on the same
 ///   handle and thread (by a runtime that calls back);
-/// - `std::bad_alloc` and other errors of the standard library out of any export but `Std_entry` and
+/// - `std::bad_alloc` and other errors of the standard library out of any export but `Std_entry`
+/// and
 ///   `Info`; a set has then restored the stored setting and given the lock back;
 /// - whatever a library around the applet throws. Integers become the code of a set or get of the
 ///   applet's own parameters, but leave the others unchanged: the pass-through of ids above 2000000
@@ -88,8 +89,8 @@ int64_t Fg_getStatusEx(Fg_Struct* fg, uint32_t param, int64_t data, int32_t dma,
 
 /// Sets SDK parameter `id` on port `dma` (0 to 3). The stored setting, which a get returns, is all
 /// or nothing: a refused set leaves it as it was. Some parameters take several writes to the design
-/// (a Bayer order two, a trigger mode up to a dozen); when one fails, those before it stay done, and
-/// setting the parameter again makes the design agree.
+/// (a Bayer order two, a trigger mode up to a dozen); when one fails, those before it stay done,
+/// and setting the parameter again makes the design agree.
 /// @param value the value in the parameter's own width: 32 bits for integers, 64 for doubles.
 /// @param type the caller's `FgParamTypes`; used only for ids that are passed through.
 /// @return 0; -2070 null value, unknown id or port; -12 read-only; -6000 out of range; -7080 step;
@@ -130,7 +131,8 @@ int Fg_saveConfig(Fg_Struct* fg, const char* file);
 ///
 /// A good file can be refused value by value because of what the design held before it: the frame
 /// rate is checked against the pulse widths and delays that the design still has, which come later
-/// in the list. Loading the same file again settles it, since the design then has the file's widths.
+/// in the list. Loading the same file again settles it, since the design then has the file's
+/// widths.
 /// @return 0; -2076 (and -5000 recorded) when there is no such file; -5000 for another applet's
 ///         file or a missing key.
 int Fg_loadConfig(Fg_Struct* fg, const char* file);
