@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/vorn5.h"
+#include "external/vorn5.h"
 #include "tests/applet_fixture.h"
 
 namespace {

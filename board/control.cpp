@@ -8,10 +8,10 @@
 #include <thread>
 #include <utility>
 
-#include "board/clock.h"
-#include "board/errors.h"
-#include "board/ledger.h"
-#include "board/model.h"
+#include "board/model/clock.h"
+#include "board/model/errors.h"
+#include "board/model/ledger.h"
+#include "board/model/model.h"
 #include "board/virtual_board.h"
 
 namespace board {

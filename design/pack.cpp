@@ -8,8 +8,8 @@
 #include <stdexcept>
 #include <string>
 
-#include "board/image.h"
-#include "board/manifest.h"
+#include "board/model/image.h"
+#include "board/model/manifest.h"
 #include "design/design_image.h"
 
 namespace {

@@ -5,7 +5,7 @@
 #include "parameters/catalogue_rows.h"
 #include "parameters/parameter_table.h"
 #include "paraminfo/parameter_info.h"
-#include "platform/dervin.h"
+#include "external/dervin.h"
 #include "wrapper/fg_kt_wrapper.h"
 
 namespace velmora {

@@ -1,6 +1,6 @@
 #include "parameters/design_access.h"
 
-#include "platform/korv_hw.h"
+#include "external/korv_hw.h"
 #include "velmora/values.h"
 #include "wrapper/fg_kt_wrapper.h"
 

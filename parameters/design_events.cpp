@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "parameters/design_ids.h"
-#include "platform/dervin.h"
+#include "external/dervin.h"
 
 namespace velmora {
 namespace {

@@ -6,7 +6,7 @@
 #include <limits>
 #include <set>
 
-#include "platform/dervin.h"
+#include "external/dervin.h"
 #include "wrapper/fg_kt_wrapper.h"
 
 namespace velmora {

@@ -5,8 +5,8 @@
 
 #include "parameters/applet_identity.h"
 #include "parameters/direct_access.h"
-#include "platform/dervin.h"
-#include "platform/korv_hw.h"
+#include "external/dervin.h"
+#include "external/korv_hw.h"
 #include "support/logging.h"
 
 namespace velmora {

@@ -7,7 +7,7 @@
 #include "parameters/fg_kt_wrapper_impl.h"
 #include "parameters/trigger_outputs.h"
 #include "parameters/trigger_path.h"
-#include "platform/dervin.h"
+#include "external/dervin.h"
 #include "support/logging.h"
 
 namespace velmora {

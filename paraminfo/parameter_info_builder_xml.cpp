@@ -8,13 +8,12 @@
 #include "paraminfo/category.h"
 #include "paraminfo/parameter_info.h"
 #include "paraminfo/parameter_info_generator_xml.h"
-#include "wrapper/fg_kt_wrapper.h"
 
 namespace velmora {
 
 struct ParameterInfoBuilderXMLPrivate {
   Fg_ParameterInfo& registry;
-  FgKtWrapper& wrapper;
+  const char* modelName;
   int process;
   Category root;
 };
@@ -99,9 +98,9 @@ void writeFeature(std::ostream& out, const std::string& name) {
 
 }  // namespace
 
-ParameterInfoBuilderXML::ParameterInfoBuilderXML(Fg_ParameterInfo& registry, FgKtWrapper& wrapper,
+ParameterInfoBuilderXML::ParameterInfoBuilderXML(Fg_ParameterInfo& registry, const char* modelName,
                                                  int process)
-    : private_(new ParameterInfoBuilderXMLPrivate{registry, wrapper, process,
+    : private_(new ParameterInfoBuilderXMLPrivate{registry, modelName, process,
                                                   Category(kRootCategory)}) {}
 
 ParameterInfoBuilderXML::~ParameterInfoBuilderXML() = default;
@@ -110,7 +109,7 @@ std::string ParameterInfoBuilderXML::build() {
   std::ostringstream out;
   // The host may have set a global locale that groups digits or writes decimal commas.
   out.imbue(std::locale::classic());
-  writeHeader(out, private_->wrapper.getAppletName());
+  writeHeader(out, private_->modelName);
   processRegisterInfo(out, private_->registry.getRegisterInfo(private_->process), nullptr);
   writeCategory(out, private_->root);
   out << "<Port Name=\"DevicePort\"></Port>\n"

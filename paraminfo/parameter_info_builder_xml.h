@@ -12,7 +12,6 @@ namespace velmora {
 
 class Category;
 class Fg_ParameterInfo;
-class FgKtWrapper;
 struct ParameterInfoBuilderXMLPrivate;
 
 /// Renders the description forest of one process as a GenICam GenApi register description: a
@@ -24,8 +23,8 @@ struct ParameterInfoBuilderXMLPrivate;
 /// independent.
 class ParameterInfoBuilderXML {
  public:
-  /// `registry` and `wrapper`, which names the model, must outlive the builder.
-  ParameterInfoBuilderXML(Fg_ParameterInfo& registry, FgKtWrapper& wrapper, int process);
+  /// `registry` and `modelName`, which may be null for none, must outlive the builder.
+  ParameterInfoBuilderXML(Fg_ParameterInfo& registry, const char* modelName, int process);
   virtual ~ParameterInfoBuilderXML();
   ParameterInfoBuilderXML(const ParameterInfoBuilderXML&) = delete;
   ParameterInfoBuilderXML& operator=(const ParameterInfoBuilderXML&) = delete;

@@ -8,7 +8,7 @@
 #include <atomic>
 #include <cstdlib>
 
-#include "platform/dynamic_library.h"
+#include "external/dynamic_library.h"
 #include "support/locks.h"
 
 namespace korv::tools::logging {

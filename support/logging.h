@@ -17,7 +17,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/logging_dispatcher.h"
+#include "external/logging_dispatcher.h"
 #include "support/dispatcher_library.h"
 #include "support/guarded_singleton.h"
 #include "support/locks.h"

@@ -7,9 +7,9 @@
 
 #include "board/virtual_board.h"
 #include "design/design_image.h"
-#include "platform/dervin.h"
-#include "platform/korv_hw.h"
-#include "platform/vorn5.h"
+#include "external/dervin.h"
+#include "external/korv_hw.h"
+#include "external/vorn5.h"
 #include "velmora/velmora.h"
 
 extern "C" {

@@ -4,7 +4,7 @@
 
 #include <climits>
 
-#include "platform/dervin.h"
+#include "external/dervin.h"
 #include "tests/dispatch_support.h"
 
 /// Where the register "Far" lies, whatever the design says; 0 leaves it there.

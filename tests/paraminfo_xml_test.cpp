@@ -8,7 +8,6 @@
 
 #include "paraminfo/parameter_info.h"
 #include "paraminfo/parameter_info_builder_xml.h"
-#include "tests/fakes/wrapper_double.h"
 
 namespace velmora {
 namespace {
@@ -40,8 +39,7 @@ class GenApiDocument : public testing::Test {
   }
   /// The document behind its header, with '|' for a line feed and '~' for the end of a block.
   std::string body() {
-    WrapperDouble wrapper("A&B");
-    std::string text = ParameterInfoBuilderXML(registry_, wrapper, kProcess).build();
+    std::string text = ParameterInfoBuilderXML(registry_, "A&B", kProcess).build();
     EXPECT_NE(text.find("ModelName=\"A&amp;B\"\n"), std::string::npos);
     text.erase(0, text.find(".xsd\">\n") + 7);
     for (size_t i; (i = text.find("\n\r")) != std::string::npos;) text.replace(i, 2, 1, '~');

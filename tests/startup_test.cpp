@@ -5,7 +5,7 @@
 
 #include <algorithm>
 
-#include "platform/dervin.h"
+#include "external/dervin.h"
 #include "tests/dispatch_support.h"
 
 /// All designs of this program report their events in one record, which the next one overwrites.

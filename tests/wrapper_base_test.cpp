@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "board/virtual_board.h"
+#include "external/dervin.h"
 #include "parameters/fg_kt_wrapper_impl.h"
-#include "platform/dervin.h"
 #include "tests/temporary_directory.h"
 
 namespace velmora {

@@ -12,7 +12,7 @@ int FgKtWrapper::Fg_getParameterInfoXML(Fg_Struct*, int port, char* buffer, size
   if (!size || (buffer && *size == 0)) return fgError().setErr(VELMORA_BUFFER_TOO_SMALL);
   if (!Fg_getParameterInfo(port)) return fgError().setErr(VELMORA_NO_DESCRIPTION);
 
-  const std::string text = ParameterInfoBuilderXML(*parameterInfo(), *this, port).build();
+  const std::string text = ParameterInfoBuilderXML(*parameterInfo(), getAppletName(), port).build();
   if (buffer) {
     if (*size <= text.size()) return fgError().setErr(VELMORA_BUFFER_TOO_SMALL);
     std::fill(std::copy(text.begin(), text.end(), buffer), buffer + *size, '\0');

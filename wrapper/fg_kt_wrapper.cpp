@@ -7,7 +7,7 @@
 #include <type_traits>
 
 #include "paraminfo/parameter_info.h"
-#include "platform/dynamic_library.h"
+#include "external/dynamic_library.h"
 #include "support/logging.h"
 #include "wrapper/loaded_design.h"
 

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <memory>
 
-#include "platform/vorn5.h"
+#include "external/vorn5.h"
 #include "wrapper/fg_error.h"
 #include "wrapper/parameter_nodes.h"
 #include "wrapper/wrapper_function_table.h"

@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "platform/dervin.h"
+#include "external/dervin.h"
 
 namespace velmora {
 

@@ -3,7 +3,7 @@
 #include <array>
 #include <cstddef>
 
-#include "platform/vorn5.h"
+#include "external/vorn5.h"
 
 namespace velmora {
 

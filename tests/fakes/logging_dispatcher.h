@@ -7,7 +7,7 @@
 #include <tuple>
 #include <vector>
 
-#include "platform/logging_dispatcher.h"
+#include "external/logging_dispatcher.h"
 
 namespace fakes {
 

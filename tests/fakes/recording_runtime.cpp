@@ -2,7 +2,7 @@
 
 #include <sstream>
 
-#include "platform/vorn5.h"
+#include "external/vorn5.h"
 #include "velmora/velmora.h"
 
 RecordingRuntime recordingRuntime;

@@ -1,0 +1,100 @@
+/// Logging dispatcher `libcommon-logging-dispatcher.so` of the virtual board: writes the messages
+/// of all loggers to standard error.
+///
+/// The environment variable KORV_LOG_LEVEL gives the lowest level that is written, 0 to 7; without
+/// it, or with anything else in it, the level is 7, which silences the loggers.
+#include "external/logging_dispatcher.h"
+
+#include <spdlog/sinks/stdout_sinks.h>
+#include <spdlog/spdlog.h>
+
+#include <array>
+#include <charconv>
+#include <cstdlib>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace {
+
+constexpr int kSilent = 7;
+constexpr const char* kLevelVariable = "KORV_LOG_LEVEL";
+constexpr const char* kPattern = "%n %l: %v";
+
+/// Levels 0 to 7; a larger level is a more serious message.
+constexpr std::array kLevels{spdlog::level::trace, spdlog::level::debug,   spdlog::level::debug,
+                             spdlog::level::info,  spdlog::level::info,    spdlog::level::warn,
+                             spdlog::level::err,   spdlog::level::critical};
+
+int32_t thresholdFromEnvironment() {
+  const char* text = std::getenv(kLevelVariable);
+  const std::string_view digits = text != nullptr ? text : "";
+  int level = kSilent;
+  const auto result = std::from_chars(digits.data(), digits.data() + digits.size(), level);
+  const bool valid = result.ec == std::errc{} && result.ptr == digits.data() + digits.size() &&
+                     level >= 0 && level <= kSilent;
+  return valid ? level : kSilent;
+}
+
+class Dispatcher {
+ public:
+  /// The handle of the logger called `name`, from 1 up.
+  uint64_t handleOf(const char* name) {
+    const std::lock_guard lock(mutex_);
+    for (std::size_t i = 0; i < loggers_.size(); ++i) {
+      if (loggers_[i]->name() == name) return i + 1;
+    }
+    loggers_.push_back(std::make_shared<spdlog::logger>(name, sink_));
+    loggers_.back()->set_level(spdlog::level::trace);
+    loggers_.back()->set_pattern(kPattern);
+    return loggers_.size();
+  }
+
+  void log(uint64_t handle, int level, std::string_view text) {
+    std::shared_ptr<spdlog::logger> logger;
+    {
+      const std::lock_guard lock(mutex_);
+      if (handle == 0 || handle > loggers_.size()) return;
+      logger = loggers_[handle - 1];
+    }
+    const auto row = std::clamp<std::size_t>(static_cast<std::size_t>(std::max(level, 0)), 0,
+                                             kLevels.size() - 1);
+    logger->log(kLevels[row], spdlog::string_view_t(text.data(), text.size()));
+  }
+
+ private:
+  std::mutex mutex_;
+  std::shared_ptr<spdlog::sinks::sink> sink_ = std::make_shared<spdlog::sinks::stderr_sink_mt>();
+  std::vector<std::shared_ptr<spdlog::logger>> loggers_;
+};
+
+/// Never destroyed: clients log until the end of the process.
+Dispatcher& dispatcher() {
+  static Dispatcher& instance = *new Dispatcher;
+  return instance;
+}
+
+void getLogger(const char* name, uint64_t* handle, int32_t* level) {
+  *handle = dispatcher().handleOf(name);
+  *level = thresholdFromEnvironment();
+}
+
+void log(uint64_t handle, int level, const char* text, int, uint64_t) {
+  dispatcher().log(handle, level, text);
+}
+
+/// The threshold does not change and the dispatcher does not go away before its clients: neither of
+/// the offered functions is needed.
+void registerLogging(void*, void* (*)(), void (*)(uint64_t, int32_t), GetLogger* getLoggerOut,
+                     Log* logOut) {
+  *getLoggerOut = getLogger;
+  *logOut = log;
+}
+
+void unregisterLogging(void*) {}
+
+}  // namespace
+
+LoggingDispatcherDescriptor logging_dispatcher_descriptor{registerLogging, unregisterLogging};

@@ -1,0 +1,272 @@
+/// Acquisition runtime `libvorn5.so` of the virtual board.
+#include "external/vorn5.h"
+
+#include <fmt/format.h>
+
+#include <type_traits>
+#include <utility>
+
+#include "board/model/errors.h"
+#include "board/model/ledger.h"
+#include "board/model/model.h"
+#include "board/model/scalar.h"
+#include "board/model/watch.h"
+#include "velmora/values.h"
+#include "velmora/velmora.h"
+
+namespace {
+
+using board::Access;
+using board::AccessKind;
+
+/// Passes a function of the runtime through the watch and keeps the handle's last error.
+template <typename... Steps>
+auto run(Fg_Struct* fg, Steps... steps) {
+  const auto result = board::watched(std::move(steps)...);
+  if (result < 0 && fg != nullptr) fg->lastError = static_cast<int>(result);
+  return result;
+}
+
+/// Describes a call of `name` with its arguments as text.
+template <typename... Arguments>
+auto call(const char* name, int dma, fmt::format_string<const Arguments&...> text,
+          const Arguments&... arguments) {
+  return [=] { return Access{AccessKind::kCall, name, dma, fmt::format(text, arguments...)}; };
+}
+
+/// Runs `action` on the device of a handle.
+template <typename Action>
+auto onDevice(Fg_Struct* fg, Action action) {
+  return [fg, action] {
+    using Result = decltype(action(*fg->device));
+    return fg != nullptr ? action(*fg->device) : static_cast<Result>(board::kNoHandle);
+  };
+}
+
+/// The type that an unknown parameter's value has to have, as far as the call tells.
+RegisterInfoKind kindOfType(int type) {
+  switch (type) {
+    case FG_PARAM_TYPE_DOUBLE:
+      return REGISTER_INFO_DOUBLE;
+    case FG_PARAM_TYPE_INT64:
+      return REGISTER_INFO_INT64;
+    case FG_PARAM_TYPE_UINT64:
+      return REGISTER_INFO_UINT64;
+    default:
+      return REGISTER_INFO_INT;
+  }
+}
+
+std::string valueText(Fg_Struct* fg, int id, const void* value, int type) {
+  if (value == nullptr) return "null";
+  auto kind = fg != nullptr ? fg->device->parameterKind(id) : REGISTER_INFO_GROUP;
+  if (kind == REGISTER_INFO_GROUP) kind = kindOfType(type);
+  uint64_t bits = 0;
+  const bool known = board::loadScalar(kind, type, value, bits) == board::kOk;
+  return known ? board::scalarText(kind, bits) : "?";
+}
+
+Access parameterAccess(AccessKind kind, Fg_Struct* fg, int id, unsigned dma) {
+  auto name = fg != nullptr ? fg->device->parameterName(id) : fmt::format("#{}", id);
+  return {kind, std::move(name), static_cast<int>(dma), {}};
+}
+
+bool isText(Fg_Struct* fg, int id, int type) {
+  return type == FG_PARAM_TYPE_STRING || (type == board::kNaturalType && fg != nullptr &&
+                                          fg->device->parameterKind(id) == REGISTER_INFO_STRING);
+}
+
+int set(Fg_Struct* fg, int id, const void* value, unsigned dma, int type) {
+  return run(
+      fg,
+      [=] {
+        auto access = parameterAccess(AccessKind::kSet, fg, id, dma);
+        access.value = value != nullptr && isText(fg, id, type) ? static_cast<const char*>(value)
+                                                                : valueText(fg, id, value, type);
+        return access;
+      },
+      onDevice(fg, [=](auto& device) { return device.setParameter(id, value, dma, type); }));
+}
+
+int get(Fg_Struct* fg, int id, void* value, unsigned dma, int type) {
+  return run(
+      fg, [=] { return parameterAccess(AccessKind::kGet, fg, id, dma); },
+      onDevice(fg, [=](auto& device) { return device.getParameter(id, value, dma, type); }),
+      [=](Access& access) {
+        access.value =
+            isText(fg, id, type) ? *static_cast<char**>(value) : valueText(fg, id, value, type);
+      });
+}
+
+Fg_Struct* open(KTdevice* device, fpga_design* design) {
+  if (device == nullptr || design == nullptr) {
+    board::errorWithoutHandle = board::kNoDesign;
+    return nullptr;
+  }
+  if (const int error = device->attach(design->content)) {
+    board::errorWithoutHandle = error;
+    return nullptr;
+  }
+  auto* fg = new Fg_Struct{device, design->content};
+  board::handOut(board::HandedOut::kHandle, fg);
+  return fg;
+}
+
+int freeGrabber(Fg_Struct* fg) {
+  if (!board::giveBack(board::HandedOut::kHandle, fg)) return board::kNoHandle;
+  fg->device->detach();
+  delete fg;
+  return board::kOk;
+}
+
+int idByName(const Fg_Struct* fg, const char* name) {
+  if (fg == nullptr) return board::kNoHandle;
+  const int id = name != nullptr ? fg->design->parameterId(name) : 0;
+  return id != 0 ? id : board::kUnknownParameter;
+}
+
+int freeString(const void* value, int type) {
+  if (value == nullptr) return board::kNullValue;
+  if (type != FG_PARAM_TYPE_STRING) return board::kWrongType;
+  return board::giveBackString(static_cast<const char*>(value)) ? board::kOk
+                                                                : board::kUnknownString;
+}
+
+const char* orNull(const char* text) { return text != nullptr ? text : "null"; }
+
+}  // namespace
+
+extern "C" {
+
+Fg_Struct* Fg_InitHandleSlaveAware(const char* hapName, KTdevice* device, fpga_design* design,
+                                   int flags) {
+  return board::watched(call("Fg_InitHandleSlaveAware", -1, "{}, flags {}", orNull(hapName), flags),
+                        [=] { return open(device, design); });
+}
+
+Fg_Struct* Fg_InitHandle(const char* hapName, KTdevice* device, fpga_design* design) {
+  return board::watched(call("Fg_InitHandle", -1, "{}", orNull(hapName)),
+                        [=] { return open(device, design); });
+}
+
+int Fg_FreeGrabber(Fg_Struct* fg) {
+  return board::watched(call("Fg_FreeGrabber", -1, ""), [=] { return freeGrabber(fg); });
+}
+
+int Fg_getLastErrorNumber(Fg_Struct* fg) {
+  return board::watched(call("Fg_getLastErrorNumber", -1, ""), [=]() -> int {
+    return fg != nullptr ? fg->lastError : board::errorWithoutHandle;
+  });
+}
+
+int Fg_getParameterIdByName(Fg_Struct* fg, const char* name) {
+  return run(fg, call("Fg_getParameterIdByName", -1, "{}", orNull(name)),
+             [=] { return idByName(fg, name); });
+}
+
+int Fg_setParameterWithType(Fg_Struct* fg, int id, const void* value, unsigned dma, int type) {
+  return set(fg, id, value, dma, type);
+}
+
+int Fg_getParameterWithType(Fg_Struct* fg, int id, void* value, unsigned dma, int type) {
+  return get(fg, id, value, dma, type);
+}
+
+int Fg_setParameter(Fg_Struct* fg, int id, const void* value, unsigned dma) {
+  return set(fg, id, value, dma, board::kNaturalType);
+}
+
+int Fg_getParameter(Fg_Struct* fg, int id, void* value, unsigned dma) {
+  return get(fg, id, value, dma, board::kNaturalType);
+}
+
+int Fg_freeParameterStringWithType(Fg_Struct* fg, int id, void* value, unsigned dma, int type) {
+  return run(
+      fg, call("Fg_freeParameterStringWithType", static_cast<int>(dma), "id {}, type {}", id, type),
+      [=] { return freeString(value, type); });
+}
+
+RegisterInfo* Fg_getParameterInfo(Fg_Struct* fg, int port) {
+  return board::watched(call("Fg_getParameterInfo", -1, "port {}", port), [=]() -> RegisterInfo* {
+    return fg != nullptr && port == 0 ? fg->design->description() : nullptr;
+  });
+}
+
+int Fg_getAppletId(Fg_Struct* fg, void*) {
+  return run(fg, call("Fg_getAppletId", -1, ""),
+             [=]() -> int { return fg != nullptr ? board::kBoardType : board::kNoHandle; });
+}
+
+int Fg_AcquireEx(Fg_Struct* fg, uint32_t dma, int64_t pictures, int32_t, void*) {
+  return run(fg, call("Fg_AcquireEx", static_cast<int>(dma), "dma {}, {} pictures", dma, pictures),
+             onDevice(fg, [=](auto& device) { return device.start(dma, pictures); }));
+}
+
+int Fg_stopAcquireEx(Fg_Struct* fg, uint32_t dma, int64_t, int32_t) {
+  return run(fg, call("Fg_stopAcquireEx", static_cast<int>(dma), "dma {}", dma),
+             onDevice(fg, [=](auto& device) { return device.stop(dma); }));
+}
+
+int64_t Fg_getLastPicNumberEx(Fg_Struct* fg, uint32_t dma, int64_t) {
+  return run(fg, call("Fg_getLastPicNumberEx", static_cast<int>(dma), "dma {}", dma),
+             onDevice(fg, [=](auto& device) { return device.lastPicture(dma); }));
+}
+
+int64_t Fg_getLastPicNumberBlockingEx(Fg_Struct* fg, int64_t picture, uint32_t dma, int32_t timeout,
+                                      int64_t) {
+  return run(
+      fg,
+      call("Fg_getLastPicNumberBlockingEx", static_cast<int>(dma), "picture {}, dma {}, {} s",
+           picture, dma, timeout),
+      onDevice(fg, [=](auto& device) { return device.waitForPicture(picture, dma, timeout); }));
+}
+
+int64_t Fg_getStatusEx(Fg_Struct* fg, uint32_t param, int64_t, int32_t dma, void*) {
+  return run(fg, call("Fg_getStatusEx", dma, "status {}, dma {}", param, dma),
+             onDevice(fg, [=](auto& device) {
+               return device.channelStatus(param, static_cast<unsigned>(dma));
+             }));
+}
+
+// Functions that applets look up and do not call, since they offer their own.
+
+int Fg_saveConfig(Fg_Struct*, const char*) { return board::kNotOffered; }
+int Fg_loadConfig(Fg_Struct*, const char*) { return board::kNotOffered; }
+int Fg_Acquire(Fg_Struct*, uint32_t, int64_t) { return board::kNotOffered; }
+int Fg_stopAcquire(Fg_Struct*, uint32_t) { return board::kNotOffered; }
+ShadingMaster* Fg_AllocShading(Fg_Struct*, int, int) { return nullptr; }
+int Fg_FreeShading(Fg_Struct*, ShadingMaster*) { return board::kNotOffered; }
+int Shad_GetMaxLine(Fg_Struct*, ShadingMaster*) { return board::kNotOffered; }
+int Shad_SetSubValueLine(Fg_Struct*, ShadingMaster*, int, int, float) { return board::kNotOffered; }
+int Shad_SetMultValueLine(Fg_Struct*, ShadingMaster*, int, int, float) {
+  return board::kNotOffered;
+}
+int Shad_SetFixedPatternNoiseLine(Fg_Struct*, ShadingMaster*, int, int, int) {
+  return board::kNotOffered;
+}
+int Shad_GetAccess(Fg_Struct*, ShadingMaster*) { return board::kNotOffered; }
+int Shad_FreeAccess(Fg_Struct*, ShadingMaster*) { return board::kNotOffered; }
+int Shad_WriteActLine(Fg_Struct*, ShadingMaster*, int) { return board::kNotOffered; }
+
+}  // extern "C"
+
+// What applets call through these types after looking the names up.
+static_assert(std::is_same_v<VornInitHandleSlaveAware, decltype(Fg_InitHandleSlaveAware)>);
+static_assert(std::is_same_v<VornInitHandle, decltype(Fg_InitHandle)>);
+static_assert(std::is_same_v<VornFreeGrabber, decltype(Fg_FreeGrabber)>);
+static_assert(std::is_same_v<VornGetLastErrorNumber, decltype(Fg_getLastErrorNumber)>);
+static_assert(std::is_same_v<VornGetParameterIdByName, decltype(Fg_getParameterIdByName)>);
+static_assert(std::is_same_v<VornSetParameter, decltype(Fg_setParameter)>);
+static_assert(std::is_same_v<VornGetParameter, decltype(Fg_getParameter)>);
+static_assert(std::is_same_v<VornSetParameterWithType, decltype(Fg_setParameterWithType)>);
+static_assert(std::is_same_v<VornGetParameterWithType, decltype(Fg_getParameterWithType)>);
+static_assert(
+    std::is_same_v<VornFreeParameterStringWithType, decltype(Fg_freeParameterStringWithType)>);
+static_assert(std::is_same_v<VornGetParameterInfo, decltype(Fg_getParameterInfo)>);
+static_assert(std::is_same_v<VornGetAppletId, decltype(Fg_getAppletId)>);
+static_assert(std::is_same_v<VornAcquireEx, decltype(Fg_AcquireEx)>);
+static_assert(std::is_same_v<VornStopAcquireEx, decltype(Fg_stopAcquireEx)>);
+static_assert(std::is_same_v<VornGetLastPicNumberEx, decltype(Fg_getLastPicNumberEx)>);
+static_assert(
+    std::is_same_v<VornGetLastPicNumberBlockingEx, decltype(Fg_getLastPicNumberBlockingEx)>);
+static_assert(std::is_same_v<VornGetStatusEx, decltype(Fg_getStatusEx)>);

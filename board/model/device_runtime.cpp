@@ -1,0 +1,142 @@
+/// The device's runtime side: the runtime's own parameters and the acquisition channels.
+#include <algorithm>
+
+#include "board/model/clock.h"
+#include "board/model/device.h"
+#include "board/model/errors.h"
+#include "board/virtual_board.h"
+#include "velmora/parameters.h"
+
+namespace board {
+namespace {
+
+constexpr uint64_t kPixelBytes = 3;  ///< Of the colour pictures that the design delivers.
+constexpr uint64_t kPixelClock = 1;  ///< Bits of the extended camera status.
+constexpr uint64_t kLineAndFrameValid = 6;
+constexpr int64_t kEndless = -1;
+constexpr std::chrono::nanoseconds kLongestPause = std::chrono::milliseconds(2);
+constexpr std::chrono::nanoseconds kShortestPause = std::chrono::microseconds(20);
+
+}  // namespace
+
+const std::array<Device::RuntimeParameter, Device::kRuntimeParameterCount>
+    Device::kRuntimeParameters{{
+        {FG_TIMEOUT, "FG_TIMEOUT", REGISTER_INFO_INT, true, nullptr},
+        {FG_APC_STOP_TIMEOUT, "FG_APC_STOP_TIMEOUT", REGISTER_INFO_INT, true, nullptr},
+        {FG_DMASTATUS, "FG_DMASTATUS", REGISTER_INFO_UINT, false,
+         [](const Device& device, unsigned dma) -> uint64_t {
+           return device.acquiring(device.channels_[dma]) ? 1 : 0;
+         }},
+        {FG_CAMSTATUS_EXTENDED, "FG_CAMSTATUS_EXTENDED", REGISTER_INFO_UINT, false,
+         [](const Device& device, unsigned dma) {
+           const bool delivers = pictureRate(device.ports_, dma) > 0;
+           return kPixelClock | (delivers ? kLineAndFrameValid : 0);
+         }},
+        {FG_TRANSFER_LEN, "FG_TRANSFER_LEN", REGISTER_INFO_UINT64, false,
+         [](const Device& device, unsigned dma) {
+           return device.ports_[dma].width * device.ports_[dma].height * kPixelBytes;
+         }},
+        {FG_NR_OF_DMAS, "FG_NR_OF_DMAS", REGISTER_INFO_UINT, false,
+         [](const Device&, unsigned) -> uint64_t { return kPorts; }},
+        {FG_NR_OF_CAMS, "FG_NR_OF_CAMS", REGISTER_INFO_UINT, false,
+         [](const Device&, unsigned) -> uint64_t { return kPorts; }},
+        {FG_NR_OF_PROCESSES, "FG_NR_OF_PROCESSES", REGISTER_INFO_UINT, false,
+         [](const Device&, unsigned) -> uint64_t { return kPorts; }},
+        {FG_DMA_PORT, "FG_DMA_PORT", REGISTER_INFO_UINT, false,
+         [](const Device&, unsigned dma) -> uint64_t { return dma; }},
+        {FG_CAM_PORT, "FG_CAM_PORT", REGISTER_INFO_UINT, false,
+         [](const Device&, unsigned dma) -> uint64_t { return dma; }},
+    }};
+
+std::size_t Device::runtimeIndex(int id) {
+  const auto* row = std::find_if(kRuntimeParameters.begin(), kRuntimeParameters.end(),
+                                 [id](const RuntimeParameter& r) { return r.id == id; });
+  return static_cast<std::size_t>(row - kRuntimeParameters.begin());
+}
+
+uint64_t Device::readRuntime(std::size_t index, unsigned dma) const {
+  const auto& row = kRuntimeParameters[index];
+  const auto& kept = runtime_[index][dma];
+  if (kept) return *kept;
+  return row.read != nullptr ? row.read(*this, dma) : 0;
+}
+
+bool Device::acquiring(const Channel& channel) const {
+  return channel.running &&
+         (channel.limit == kEndless || channel.pictures.count(now()) < channel.limit);
+}
+
+int64_t Device::pictureNumber(const Channel& channel) const {
+  if (!channel.running) return channel.atStop;
+  const auto count = channel.pictures.count(now());
+  return channel.limit == kEndless ? count : std::min(count, channel.limit);
+}
+
+int Device::start(unsigned dma, int64_t pictures) {
+  if (dma >= kPorts) return kBadDma;
+  if (pictures < 1 && pictures != kEndless) return kBadArgument;
+  const std::lock_guard lock(mutex_);
+  auto& channel = channels_[dma];
+  if (channel.running) return kAlreadyStarted;
+  channel.started = channel.running = true;
+  channel.limit = pictures;
+  channel.pictures.restart(now());
+  return kOk;
+}
+
+int Device::stop(unsigned dma) {
+  if (dma >= kPorts) return kBadDma;
+  const std::lock_guard lock(mutex_);
+  auto& channel = channels_[dma];
+  if (!channel.running) return kNotStarted;
+  channel.atStop = pictureNumber(channel);
+  channel.running = false;
+  return kOk;
+}
+
+int64_t Device::lastPicture(unsigned dma) const {
+  if (dma >= kPorts) return kBadDma;
+  const std::lock_guard lock(mutex_);
+  const auto& channel = channels_[dma];
+  return channel.started ? pictureNumber(channel) : int64_t{kNotStarted};
+}
+
+int64_t Device::waitForPicture(int64_t picture, unsigned dma, int64_t seconds) const {
+  if (dma >= kPorts) return kBadDma;
+  if (seconds < 0) return kBadArgument;
+  const auto deadline = now() + std::chrono::seconds(seconds);
+  // Polls, since the rate can change while it waits.
+  while (true) {
+    std::chrono::nanoseconds pause{};
+    {
+      const std::lock_guard lock(mutex_);
+      const auto& channel = channels_[dma];
+      if (!channel.started) return kNotStarted;
+      const auto number = pictureNumber(channel);
+      if (number >= picture) return number;
+      if (!channel.running) return kNotStarted;
+      const auto time = now();
+      if (time >= deadline) return kTimeout;
+      pause = std::min(channel.pictures.until(picture, time), deadline - time);
+    }
+    sleepFor(std::clamp(pause, kShortestPause, kLongestPause));
+  }
+}
+
+int64_t Device::channelStatus(uint32_t status, unsigned dma) const {
+  if (dma >= kPorts) return kBadDma;
+  const std::lock_guard lock(mutex_);
+  const auto& channel = channels_[dma];
+  switch (status) {
+    case kGrabbedPictures:
+      return channel.started ? pictureNumber(channel) : 0;
+    case kLostPictures:
+      return 0;
+    case kAcquiring:
+      return acquiring(channel) ? 1 : 0;
+    default:
+      return kBadArgument;
+  }
+}
+
+}  // namespace board

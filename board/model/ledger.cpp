@@ -1,0 +1,61 @@
+#include "board/model/ledger.h"
+
+#include <array>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <set>
+
+namespace board {
+namespace {
+
+struct Ledger {
+  std::mutex mutex;
+  std::array<std::set<const void*>, 2> objects;
+  std::map<const char*, std::unique_ptr<char[]>> strings;
+};
+
+/// Never destroyed: other libraries may give things back while the process ends.
+Ledger& ledger() {
+  static Ledger& instance = *new Ledger;
+  return instance;
+}
+
+std::set<const void*>& objectsOf(HandedOut sort) {
+  return ledger().objects[static_cast<std::size_t>(sort)];
+}
+
+}  // namespace
+
+void handOut(HandedOut sort, const void* object) {
+  const std::lock_guard lock(ledger().mutex);
+  objectsOf(sort).insert(object);
+}
+
+bool giveBack(HandedOut sort, const void* object) {
+  const std::lock_guard lock(ledger().mutex);
+  return objectsOf(sort).erase(object) != 0;
+}
+
+char* handOutString(std::string_view text) {
+  auto copy = std::make_unique<char[]>(text.size() + 1);
+  text.copy(copy.get(), text.size());
+  char* result = copy.get();
+  const std::lock_guard lock(ledger().mutex);
+  ledger().strings.emplace(result, std::move(copy));
+  return result;
+}
+
+bool giveBackString(const char* text) {
+  const std::lock_guard lock(ledger().mutex);
+  return ledger().strings.erase(text) != 0;
+}
+
+Outstanding countOutstanding() {
+  const std::lock_guard lock(ledger().mutex);
+  return {static_cast<int>(objectsOf(HandedOut::kHandle).size()),
+          static_cast<int>(objectsOf(HandedOut::kDesign).size()),
+          static_cast<int>(ledger().strings.size())};
+}
+
+}  // namespace board

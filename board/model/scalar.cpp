@@ -1,0 +1,168 @@
+#include "board/model/scalar.h"
+
+#include <fmt/format.h>
+
+#include <bit>
+#include <charconv>
+#include <cstring>
+#include <limits>
+#include <type_traits>
+
+#include "board/model/errors.h"
+
+namespace board {
+namespace {
+
+enum ValueType { kUint32 = 1, kInt32 = 2, kInt64 = 3, kUint64 = 4, kDouble = 5 };
+
+/// Calls `function` with a number of the C type that holds values of the kind.
+template <typename Function>
+auto dispatch(RegisterInfoKind kind, Function function) {
+  switch (kind) {
+    case REGISTER_INFO_DOUBLE:
+    case REGISTER_INFO_DOUBLE_FIELD:
+      return function(double{});
+    case REGISTER_INFO_UINT64:
+      return function(uint64_t{});
+    case REGISTER_INFO_INT64:
+      return function(int64_t{});
+    case REGISTER_INFO_INT:
+    case REGISTER_INFO_ENUM:
+    case REGISTER_INFO_INT_FIELD:
+      return function(int32_t{});
+    default:
+      return function(uint32_t{});
+  }
+}
+
+template <typename Number>
+uint64_t encode(Number number) {
+  if constexpr (std::is_same_v<Number, double>) {
+    return std::bit_cast<uint64_t>(number);
+  } else if constexpr (std::is_signed_v<Number>) {
+    return static_cast<uint64_t>(static_cast<int64_t>(number));
+  } else {
+    return number;
+  }
+}
+
+template <typename Number>
+Number decode(uint64_t bits) {
+  if constexpr (std::is_same_v<Number, double>) {
+    return std::bit_cast<double>(bits);
+  } else {
+    return static_cast<Number>(bits);
+  }
+}
+
+int naturalType(RegisterInfoKind kind) {
+  return dispatch(kind, [](auto number) -> int {
+    using Number = decltype(number);
+    if constexpr (std::is_same_v<Number, double>) return kDouble;
+    if constexpr (sizeof(Number) == 4) return std::is_signed_v<Number> ? kInt32 : kUint32;
+    return std::is_signed_v<Number> ? kInt64 : kUint64;
+  });
+}
+
+/// The type to use for a request; 0 when the kind has no such type.
+int resolveType(RegisterInfoKind kind, int requested) {
+  const int natural = naturalType(kind);
+  if (requested == kNaturalType) return natural;
+  const bool integer = requested >= kUint32 && requested <= kUint64;
+  const bool matches = natural == kDouble ? requested == kDouble : integer;
+  return isScalar(kind) && matches ? requested : 0;
+}
+
+bool isWide(int type) { return type >= kInt64; }
+
+template <typename Number>
+Number readAs(const void* value) {
+  Number number;
+  std::memcpy(&number, value, sizeof(number));
+  return number;
+}
+
+/// Whether `bits`, a 64-bit integer of either sign, can be given in 32 bits.
+bool fits32(uint64_t bits) {
+  const auto number = static_cast<int64_t>(bits);
+  return number >= std::numeric_limits<int32_t>::min() &&
+         number <= std::numeric_limits<uint32_t>::max();
+}
+
+}  // namespace
+
+bool isScalar(RegisterInfoKind kind) {
+  switch (kind) {
+    case REGISTER_INFO_UINT:
+    case REGISTER_INFO_INT:
+    case REGISTER_INFO_ENUM:
+    case REGISTER_INFO_UINT64:
+    case REGISTER_INFO_INT64:
+    case REGISTER_INFO_DOUBLE:
+      return true;
+    default:
+      return false;
+  }
+}
+
+std::optional<uint64_t> parseScalar(RegisterInfoKind kind, std::string_view text) {
+  return dispatch(kind, [text](auto number) -> std::optional<uint64_t> {
+    const char* end = text.data() + text.size();
+    const auto result = std::from_chars(text.data(), end, number);
+    if (result.ec != std::errc{} || result.ptr != end) return std::nullopt;
+    return encode(number);
+  });
+}
+
+std::string scalarText(RegisterInfoKind kind, uint64_t bits) {
+  return dispatch(
+      kind, [bits](auto number) { return fmt::format("{}", decode<decltype(number)>(bits)); });
+}
+
+double scalarToDouble(RegisterInfoKind kind, uint64_t bits) {
+  return dispatch(
+      kind, [bits](auto number) { return static_cast<double>(decode<decltype(number)>(bits)); });
+}
+
+uint64_t scalarFromDouble(RegisterInfoKind kind, double value) {
+  return dispatch(kind, [value](auto number) {
+    using Number = decltype(number);
+    using Limits = std::numeric_limits<Number>;
+    if (value >= static_cast<double>(Limits::max())) return encode(Limits::max());
+    if (value <= static_cast<double>(Limits::lowest())) return encode(Limits::lowest());
+    return encode(static_cast<Number>(value == value ? value : 0.0));
+  });
+}
+
+int loadScalar(RegisterInfoKind kind, int type, const void* value, uint64_t& bits) {
+  const int resolved = resolveType(kind, type);
+  if (resolved == 0) return kWrongType;
+  const bool wideKind = isWide(naturalType(kind));
+  if (isWide(resolved)) {
+    const auto wide = readAs<uint64_t>(value);
+    if (!wideKind && !fits32(wide)) return kDoesNotFit;
+    bits = wide;
+  } else {
+    const auto narrow = readAs<uint32_t>(value);
+    bits = wideKind && resolved == kInt32 ? encode(static_cast<int32_t>(narrow)) : narrow;
+  }
+  if (!wideKind) {  // Takes the pattern of the kind's own width.
+    bits = dispatch(kind, [&](auto number) { return encode(decode<decltype(number)>(bits)); });
+  }
+  return kOk;
+}
+
+int storeScalar(RegisterInfoKind kind, int type, uint64_t bits, void* value) {
+  const int resolved = resolveType(kind, type);
+  if (resolved == 0) return kWrongType;
+  if (isWide(resolved)) {
+    std::memcpy(value, &bits, sizeof(bits));
+    return kOk;
+  }
+  if (!fits32(bits)) return kDoesNotFit;
+  const auto narrow = static_cast<uint32_t>(bits);
+  std::memcpy(value, &narrow, sizeof(narrow));
+  return kOk;
+}
+
+}  // namespace board

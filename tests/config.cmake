@@ -1,3 +1,0 @@
-add_executable(config_test config_parser_test.cpp wrapper_services_test.cpp)
-target_link_libraries(config_test PRIVATE velmora_core GTest::gtest_main)
-gtest_discover_tests(config_test)

@@ -1,3 +1,0 @@
-add_executable(paraminfo_test paraminfo_registry_test.cpp paraminfo_xml_test.cpp)
-target_link_libraries(paraminfo_test PRIVATE velmora_core GTest::gtest_main)
-gtest_discover_tests(paraminfo_test)

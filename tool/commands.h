@@ -1,0 +1,50 @@
+/// The commands of the tool. They print to standard output and throw `Failure`.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tool/parameters.h"
+#include "tool/session.h"
+
+namespace velmora::tool {
+
+/// Everything that the applet tells without being opened. The icon is written to `iconFile` unless
+/// that is empty.
+void showInfo(const AppletLibrary& library, const std::string& iconFile);
+
+/// All parameters with their values, on one port or on all.
+void listParameters(Session& session, std::optional<unsigned> port);
+/// Values of parameters; those without a port are read on port 0. Goes on after a failure.
+void getParameters(Session& session, const std::vector<std::string>& names);
+/// Sets parameters in order, on `ports` where the assignment names none, until one is refused.
+void assignParameters(Session& session, const std::vector<std::string>& assignments,
+                      const std::vector<unsigned>& ports);
+/// Sets like `assignParameters` and shows what was set as read back.
+void setParameters(Session& session, const std::vector<std::string>& assignments);
+
+/// The tree of a port's parameters with their live limits.
+void describePort(Session& session, unsigned port);
+/// Everything about one parameter, NAME or NAME@PORT.
+void describeParameter(Session& session, const std::string& name, std::optional<unsigned> port);
+/// The GenApi XML document of a port, byte for byte, to `file` or, when that is empty, to standard
+/// output.
+void writeXml(Session& session, unsigned port, const std::string& file);
+void listEvents(Session& session);
+
+struct Acquisition {
+  std::vector<unsigned> ports;
+  std::int64_t pictures = 0;  ///< On each port.
+  int timeout = 0;            ///< Seconds to wait for each next picture.
+};
+/// Acquires on several ports at the same time; reports pictures and rate of each.
+void acquirePictures(Session& session, const Acquisition& acquisition);
+
+/// Writes the settings of all ports to a configuration file.
+void saveConfiguration(Session& session, const std::string& file);
+/// Applies a configuration file. A failure tells the first key or section that is missing.
+void loadConfiguration(Session& session, const std::string& file);
+
+}  // namespace velmora::tool

@@ -1,0 +1,34 @@
+/// The applet's description of a port's parameters.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "tool/session.h"
+
+namespace velmora::tool {
+
+/// A node with its place in the tree.
+struct DescribedNode {
+  const RegisterInfo* node;
+  unsigned level;     ///< 0 for the root groups.
+  std::string group;  ///< Titles of the groups around it: "Trigger / Queue".
+};
+
+/// The nodes of a port in the order in which the applet presents them, groups before their
+/// children. `Failure` when the applet describes no such port.
+std::vector<DescribedNode> describedNodes(Session& session, unsigned port);
+
+/// The description of a parameter; null when there is none.
+const RegisterInfo* findNode(Session& session, unsigned port, int id);
+
+bool isGroup(const RegisterInfo& node);
+
+/// "read", "read/write" or "write".
+std::string accessText(const RegisterInfo& node);
+
+/// The values that a parameter takes as of now, with the unit in UTF-8: "8 to 8192 pixel, step 4";
+/// empty where nothing is told. Entries of enumerations are left to the caller.
+std::string rangeText(const RegisterInfo& node);
+
+}  // namespace velmora::tool

@@ -1,0 +1,101 @@
+#include "tool/session.h"
+
+#include <fmt/format.h>
+#include <stdlib.h>
+
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <optional>
+
+#include "board/virtual_board.h"
+#include "tool/error_text.h"
+#include "tool/text.h"
+
+namespace velmora::tool {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int kLeaveDesign = 1;  // Flag bit of `Std_entry`: no defaults are written.
+
+// The applet loads a file of this name from the working directory when the variable exists.
+constexpr const char* kExternalDesignName = "Velmora.hap";
+constexpr const char* kExternalDesignVariable = "__KORV_FORCE_EXTERNAL_HAP";
+
+class ScratchDirectory {
+ public:
+  ScratchDirectory() {
+    std::string name = fs::temp_directory_path() / "velmora-XXXXXX";
+    if (mkdtemp(name.data()) == nullptr) {
+      throw Failure(fmt::format("cannot create {}: {}", name, std::strerror(errno)));
+    }
+    path_ = name;
+  }
+  ScratchDirectory(const ScratchDirectory&) = delete;
+  ScratchDirectory& operator=(const ScratchDirectory&) = delete;
+  ~ScratchDirectory() {
+    std::error_code ignored;
+    fs::remove_all(path_, ignored);
+  }
+
+  const fs::path& path() const { return path_; }
+
+ private:
+  fs::path path_;
+};
+
+/// While it lives, the applet finds the design `file` where it looks for an external one: the
+/// working directory is another.
+class ExternalDesign {
+ public:
+  explicit ExternalDesign(const std::string& file) : workingDirectory_(fs::current_path()) {
+    fs::create_symlink(fs::absolute(file), directory_.path() / kExternalDesignName);
+    setenv(kExternalDesignVariable, "1", 1);
+    fs::current_path(directory_.path());
+  }
+  ExternalDesign(const ExternalDesign&) = delete;
+  ExternalDesign& operator=(const ExternalDesign&) = delete;
+  ~ExternalDesign() {
+    std::error_code ignored;
+    fs::current_path(workingDirectory_, ignored);
+  }
+
+ private:
+  fs::path workingDirectory_;
+  ScratchDirectory directory_;
+};
+
+}  // namespace
+
+AccessTrace::AccessTrace() {
+  board::observe([](const board::Access& access) { printError(board::describe(access)); });
+}
+
+AccessTrace::~AccessTrace() { board::observe({}); }
+
+void Session::DestroyDevice::operator()(KTdevice* device) const { board::destroyDevice(device); }
+
+Session::Session(const AppletLibrary& library, const SessionOptions& options)
+    : library_(library), trace_(options.trace), device_(board::createDevice()) {
+  if (trace_ == Trace::kAll) tracing_.emplace();
+  int error = 0;
+  {
+    std::optional<ExternalDesign> design;
+    if (!options.design.empty()) design.emplace(options.design);
+    grabber_.applet =
+        library_.stdEntry(device_.get(), &error, options.writeDefaults ? 0 : kLeaveDesign);
+  }
+  if (grabber_.applet == nullptr) {
+    const std::string where = options.design.empty() ? "" : " with the design " + options.design;
+    throw Failure(fmt::format("the applet does not start{}: {}", where, codeText(error)));
+  }
+  if (trace_ == Trace::kCommand) tracing_.emplace();
+}
+
+Session::~Session() {
+  if (trace_ == Trace::kCommand) tracing_.reset();
+  library_.freeGrabber(&grabber_);
+}
+
+}  // namespace velmora::tool

@@ -1,0 +1,54 @@
+#include "tool/text.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
+#include "tool/error_text.h"
+
+namespace velmora::tool {
+
+std::string utf8(std::string_view latin1) {
+  std::string text;
+  for (const char character : latin1) {
+    const auto byte = static_cast<unsigned char>(character);
+    if (byte < 0x80) {
+      text += character;
+    } else {
+      text += static_cast<char>(0xC0 | (byte >> 6));
+      text += static_cast<char>(0x80 | (byte & 0x3F));
+    }
+  }
+  return text;
+}
+
+void printError(const std::string& line) { std::fputs((line + '\n').c_str(), stderr); }
+
+void writeFile(const std::string& file, std::string_view content) {
+  std::FILE* const stream = std::fopen(file.c_str(), "wb");
+  bool written = stream != nullptr;
+  if (written) {
+    written = std::fwrite(content.data(), 1, content.size(), stream) == content.size();
+    written = std::fclose(stream) == 0 && written;
+  }
+  if (!written) throw Failure(fmt::format("{}: cannot write: {}", file, std::strerror(errno)));
+}
+
+void Table::print(std::size_t indent) const {
+  std::vector<std::size_t> widths;
+  for (const auto& row : rows_) {
+    widths.resize(std::max(widths.size(), row.size()));
+    for (std::size_t i = 0; i < row.size(); ++i) widths[i] = std::max(widths[i], row[i].size());
+  }
+  for (const auto& row : rows_) {
+    std::string line(indent, ' ');
+    for (std::size_t i = 0; i < row.size(); ++i) line += fmt::format("{:<{}}  ", row[i], widths[i]);
+    line.resize(line.find_last_not_of(' ') + 1);
+    fmt::print("{}\n", line);
+  }
+}
+
+}  // namespace velmora::tool

@@ -1,0 +1,134 @@
+#include "tool/values.h"
+
+#include <fmt/format.h>
+
+#include <bit>
+#include <charconv>
+#include <cstdlib>
+#include <iterator>
+#include <optional>
+
+#include "tool/error_text.h"
+#include "tool/text.h"
+#include "velmora/parameters.h"
+#include "velmora/values.h"
+
+namespace velmora::tool {
+namespace {
+
+using Form = ValueKind::Form;
+
+constexpr int kValueOfName = 0x1100;  // Property of `Info`.
+
+constexpr ValueKind kKinds[] = {
+    {REGISTER_INFO_UINT, "uint", Form::kUnsigned, 32, FG_PARAM_TYPE_INT32},
+    {REGISTER_INFO_ENUM, "enum", Form::kSigned, 32, FG_PARAM_TYPE_INT32},
+    {REGISTER_INFO_STRING, "string", Form::kText, 0, FG_PARAM_TYPE_STRING},
+    {REGISTER_INFO_DOUBLE, "double", Form::kReal, 64, FG_PARAM_TYPE_DOUBLE},
+    {REGISTER_INFO_UINT64, "uint64", Form::kUnsigned, 64, FG_PARAM_TYPE_UINT64},
+    {REGISTER_INFO_INT, "int", Form::kSigned, 32, FG_PARAM_TYPE_INT32},
+    {REGISTER_INFO_INT64, "int64", Form::kSigned, 64, FG_PARAM_TYPE_INT64},
+};
+constexpr ValueKind kOtherKind{REGISTER_INFO_GROUP, "other", Form::kNone, 0, 0};
+
+/// Without a description a value may be of any integer type; 64 bits hold all of them.
+constexpr ValueKind kForwarded{REGISTER_INFO_UINT64, "forwarded", Form::kUnsigned, 64,
+                               FG_PARAM_TYPE_UINT64};
+
+template <class Number, class... Base>
+std::optional<Number> wholeText(std::string_view text, Base... base) {
+  Number number{};
+  const char* const end = text.data() + text.size();
+  const auto result = std::from_chars(text.data(), end, number, base...);
+  return result.ec == std::errc{} && result.ptr == end ? std::optional(number) : std::nullopt;
+}
+
+std::uint64_t lowBits(std::uint64_t value, unsigned bits) {
+  return bits < 64 ? value & ((std::uint64_t{1} << bits) - 1) : value;
+}
+
+struct Integer {
+  std::uint64_t magnitude;
+  bool negative;
+};
+
+std::optional<Integer> parseInteger(std::string_view text) {
+  const bool negative = text.starts_with('-');
+  if (negative) text.remove_prefix(1);
+  const bool hexadecimal = text.starts_with("0x") || text.starts_with("0X");
+  if (hexadecimal) text.remove_prefix(2);
+  const auto magnitude = wholeText<std::uint64_t>(text, hexadecimal ? 16 : 10);
+  if (!magnitude) return std::nullopt;
+  return Integer{*magnitude, negative};
+}
+
+std::optional<int> namedValue(const AppletLibrary& library, const RegisterInfo* node,
+                              const std::string& name) {
+  const int value = library.info(kValueOfName, 0, 0, const_cast<char*>(name.c_str()), nullptr);
+  if (value >= 0) return value;
+  if (node == nullptr || node->kind != REGISTER_INFO_ENUM) return std::nullopt;
+  const auto& entries = node->value.enumeration;
+  for (std::uint32_t i = 0; i < entries.entryCount; ++i)
+    if (entryName(*node, i) == name) return entries.values[i];
+  return std::nullopt;
+}
+
+std::uint64_t realBits(double value) { return std::bit_cast<std::uint64_t>(value); }
+
+/// An integer in two's complement, if it fits.
+std::uint64_t integerBits(const Integer& integer, unsigned bits, const std::string& text) {
+  const std::uint64_t signBit = std::uint64_t{1} << (bits - 1);
+  const bool fits = integer.negative ? integer.magnitude <= signBit
+                                     : lowBits(integer.magnitude, bits) == integer.magnitude;
+  if (!fits) throw Failure(fmt::format("{} does not fit into {} bits", text, bits));
+  return lowBits(integer.negative ? -integer.magnitude : integer.magnitude, bits);
+}
+
+}  // namespace
+
+const ValueKind& valueKind(const RegisterInfo* node, int id) {
+  if (node == nullptr) return id == FG_NR_OF_PROCESSES ? kKinds[0] : kForwarded;
+  for (const ValueKind& known : kKinds)
+    if (known.kind == node->kind) return known;
+  return kOtherKind;
+}
+
+std::uint64_t parseValue(const AppletLibrary& library, const RegisterInfo* node,
+                         const ValueKind& kind, const std::string& text) {
+  const bool real = kind.form == Form::kReal;
+  if (real) {
+    if (const auto number = wholeText<double>(text)) return realBits(*number);
+  }
+  auto integer = parseInteger(text);
+  if (!integer) {
+    const auto value = namedValue(library, node, text);
+    if (!value) {
+      throw Failure(fmt::format("'{}' is neither {} nor a value name", text,
+                                real ? "a number" : "a whole number"));
+    }
+    integer = Integer{static_cast<std::uint64_t>(std::abs(std::int64_t{*value})), *value < 0};
+  }
+  if (!real) return integerBits(*integer, kind.bits, text);
+  const auto magnitude = static_cast<double>(integer->magnitude);
+  return realBits(integer->negative ? -magnitude : magnitude);
+}
+
+std::string showValue(const RegisterInfo* node, const ValueKind& kind, std::uint64_t bits) {
+  if (kind.form == Form::kReal) return fmt::format("{}", std::bit_cast<double>(bits));
+  if (kind.form == Form::kUnsigned) return fmt::format("{}", lowBits(bits, kind.bits));
+  const auto number =
+      kind.bits == 32 ? static_cast<std::int32_t>(bits) : static_cast<std::int64_t>(bits);
+  if (kind.kind == REGISTER_INFO_ENUM) {
+    const auto& entries = node->value.enumeration;
+    for (std::uint32_t i = 0; i < entries.entryCount; ++i)
+      if (entries.values[i] == number) return fmt::format("{} ({})", number, entryName(*node, i));
+  }
+  return fmt::format("{}", number);
+}
+
+std::string entryName(const RegisterInfo& enumeration, std::uint32_t entry) {
+  const char* const identifier = enumeration.value.enumeration.identifiers[entry];
+  return utf8(identifier != nullptr ? identifier : enumeration.value.enumeration.names[entry]);
+}
+
+}  // namespace velmora::tool

@@ -1,0 +1,39 @@
+/// Values of parameters: their kinds, how people write them and how they are shown.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "tool/applet_library.h"
+
+namespace velmora::tool {
+
+/// How values of a kind travel through the parameter functions.
+struct ValueKind {
+  enum class Form { kNone /* several values */, kUnsigned, kSigned, kReal, kText };
+
+  std::uint32_t kind;  ///< `RegisterInfoKind`.
+  const char* word;
+  Form form;
+  unsigned bits;  ///< Width; 0 for texts.
+  int type;       ///< `FgParamTypes`.
+};
+
+/// The kind of the parameter `id` that a node describes. Without a node it is one that the runtime
+/// answers, but for the number of processes, which is the applet's own 32-bit answer.
+const ValueKind& valueKind(const RegisterInfo* node, int id);
+
+/// The bits of a value that a person wrote: a decimal or hexadecimal (0x) number, or a value name
+/// that the applet or, for an enumeration, the description knows. `Failure` when it is none or too
+/// wide; ranges are the applet's matter.
+std::uint64_t parseValue(const AppletLibrary& library, const RegisterInfo* node,
+                         const ValueKind& kind, const std::string& text);
+
+/// The number, followed by its name where the parameter is an enumeration: "1 (FG_ON)".
+std::string showValue(const RegisterInfo* node, const ValueKind& kind, std::uint64_t bits);
+
+/// What an entry of an enumeration is called: its symbolic name, else its display text.
+std::string entryName(const RegisterInfo& enumeration, std::uint32_t entry);
+
+}  // namespace velmora::tool
