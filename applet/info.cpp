@@ -5,7 +5,7 @@
 #include "applet/icon.h"
 #include "design/design_image.h"
 #include "parameters/applet_identity.h"
-#include "parameters/enumerations.h"
+#include "parameters/table/enumerations.h"
 #include "velmora/errors.h"
 #include "velmora/velmora.h"
 #include "wrapper/fg_kt_wrapper.h"

@@ -5,7 +5,7 @@
 #include <map>
 #include <vector>
 
-#include "parameters/parameter_table.h"
+#include "parameters/table/parameter_table.h"
 
 namespace {
 

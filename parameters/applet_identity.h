@@ -2,6 +2,8 @@
 
 #include <cstdint>
 
+#include "velmora/handles.h"
+
 namespace velmora {
 
 /// What the applet is, in the words and numbers that tools and files see.
@@ -15,6 +17,6 @@ inline constexpr int kBoardType = 3652;
 inline constexpr std::uint32_t kAppletVersion = 2;
 inline constexpr std::uint32_t kAppletRevision = 1;
 inline constexpr std::uint32_t kAppletId = 0;
-inline constexpr std::uint32_t kProcesses = 4;
+inline constexpr std::uint32_t kProcesses = VELMORA_PORTS;
 
 }  // namespace velmora

@@ -1,6 +1,7 @@
 /// The applet's sections of a configuration file.
 #include "config/config_file_parser.h"
 #include "parameters/fg_kt_wrapper_impl.h"
+#include "parameters/table/parameter_table.h"
 
 namespace velmora {
 namespace {
@@ -34,7 +35,7 @@ bool loadParameter(Fg_ConfigFileParser& parser, Port& port, const ParameterRow& 
   } else {
     int value = 0;
     if (parser.parseIntKeySection(section, row.name, &value) != VELMORA_OK) return false;
-    use(port.settings.*row.field.word, static_cast<std::uint32_t>(value));
+    use(port.settings.*row.field.integer, static_cast<std::uint32_t>(value));
   }
   return true;
 }
@@ -45,7 +46,7 @@ void FgKtWrapperImpl::saveParameters(Fg_ConfigFileParser& parser) {
   for (Port& port : ports_) {
     parser.writeConfigFileByPort(static_cast<int>(port.index));
     for (const ParameterRow& row : listedParameters())
-      if (row.saved()) saveParameter(parser, port, row);
+      if (row.saved) saveParameter(parser, port, row);
   }
 }
 
@@ -53,12 +54,12 @@ bool FgKtWrapperImpl::loadParameters(Fg_ConfigFileParser& parser) {
   for (Port& port : ports_) {
     // First the settings alone, so that every check below sees the file's values of its partners.
     for (const ParameterRow& row : listedParameters()) {
-      if (!row.loadedBeforehand()) continue;
+      if (!row.storedBeforeLoad) continue;
       const auto store = [](auto& setting, auto value) { setting = value; };
       if (!loadParameter(parser, port, row, store)) return false;
     }
     for (const ParameterRow& row : listedParameters()) {
-      if (!row.loaded()) continue;
+      if (!row.loaded) continue;
       const auto apply = [&](auto&, auto value) { setQuietly(port, row, value); };
       if (!loadParameter(parser, port, row, apply)) return false;
     }

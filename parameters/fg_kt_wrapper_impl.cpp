@@ -3,11 +3,14 @@
 #include <cstring>
 #include <stdexcept>
 
-#include "parameters/applet_identity.h"
-#include "parameters/direct_access.h"
 #include "external/dervin.h"
 #include "external/korv_hw.h"
+#include "parameters/applet_identity.h"
+#include "parameters/design/direct_access.h"
+#include "parameters/failure.h"
+#include "parameters/table/parameter_table.h"
 #include "support/logging.h"
+#include "velmora/parameters.h"
 
 namespace velmora {
 
@@ -39,7 +42,7 @@ FgKtWrapperImpl::FgKtWrapperImpl()
               {*this, designIds_, strings_, 1},
               {*this, designIds_, strings_, 2},
               {*this, designIds_, strings_, 3}}} {
-  directRegisterAccess_ = switchedOn("KORV_ENABLE_DRA");
+  directRegisterAccess_ = isEnabled("KORV_ENABLE_DRA");
 }
 
 FgKtWrapperImpl::~FgKtWrapperImpl() noexcept = default;
@@ -118,18 +121,18 @@ void FgKtWrapperImpl::setParameter(int id, const void* value, unsigned dma) {
   Port* port = portOf(dma);
   if (!port) {
     logRefusal("trying to set SDK parameter '", id, "' on unknown process ", dma, "!");
-    throw int{VELMORA_INVALID_ARGUMENT};
+    fail(VELMORA_INVALID_ARGUMENT);
   }
   const ParameterRow* row = findParameter(id);
   if (!row) {
     logRefusal("trying to set unknown SDK parameter '", id, "' on process ", dma, "!");
-    throw int{VELMORA_INVALID_ARGUMENT};
+    fail(VELMORA_INVALID_ARGUMENT);
   }
   if (!row->writable()) {
     logRefusal("trying to set read-only SDK parameter '", row->name, "' on process ", dma, "!");
-    throw int{VELMORA_NOT_AVAILABLE};
+    fail(VELMORA_NOT_AVAILABLE);
   }
-  if (row->set.real)
+  if (row->setReal)
     set(*port, *row, load<double>(value));
   else
     set(*port, *row, load<std::uint32_t>(value));
@@ -141,11 +144,11 @@ void FgKtWrapperImpl::getParameter(int id, void* value, unsigned dma, int type) 
   Port* port = id == FG_NR_OF_PROCESSES ? &ports_.front() : portOf(dma);
   if (!port) {
     logRefusal("trying to get SDK parameter '", id, "' on unknown process ", dma, "!");
-    throw int{VELMORA_INVALID_ARGUMENT};
+    fail(VELMORA_INVALID_ARGUMENT);
   }
   if (!row) {
     logRefusal("trying to get unknown SDK parameter '", id, "' on process ", dma, "!");
-    throw int{VELMORA_INVALID_ARGUMENT};
+    fail(VELMORA_INVALID_ARGUMENT);
   }
   row->get(*port, *row, value, type);
 }

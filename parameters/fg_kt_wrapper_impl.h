@@ -5,11 +5,11 @@
 #include <map>
 #include <string>
 
-#include "parameters/design_events.h"
-#include "parameters/design_ids.h"
+#include "parameters/design/design_events.h"
+#include "parameters/design/design_ids.h"
 #include "parameters/handed_out_strings.h"
-#include "parameters/parameter_names.h"
-#include "parameters/parameter_table.h"
+#include "parameters/port.h"
+#include "parameters/table/parameter_names.h"
 #include "support/locks.h"
 #include "wrapper/fg_kt_wrapper.h"
 
@@ -73,6 +73,7 @@ class FgKtWrapperImpl : public FgKtWrapper {
   Port* portOf(unsigned dma) { return dma < ports_.size() ? &ports_[dma] : nullptr; }
   template <class... Pieces>
   void logRefusal(const Pieces&... pieces);
+  void logMissing(const char* what, const std::string& name);
 
   /// Asked for by any thread; the logging facility gives all of them the same one.
   std::atomic<korv::tools::logging::Logger*> logger_{nullptr};

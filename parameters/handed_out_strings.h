@@ -12,20 +12,9 @@ namespace velmora {
 class HandedOutStrings {
  public:
   /// A copy of `text` for the caller, valid until it is given back or this object goes.
-  char* handOut(std::string_view text) {
-    auto copy = std::make_unique<char[]>(text.size() + 1);
-    text.copy(copy.get(), text.size());
-    char* const handed = copy.get();
-    const std::lock_guard guard(mutex_);
-    strings_.emplace(handed, std::move(copy));
-    return handed;
-  }
-
+  char* handOut(std::string_view text);
   /// Releases a string; false when it is not handed out.
-  bool takeBack(const void* handed) {
-    const std::lock_guard guard(mutex_);
-    return strings_.erase(handed) != 0;
-  }
+  bool takeBack(const void* handed);
 
  private:
   std::mutex mutex_;

@@ -3,27 +3,29 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <vector>
 
-#include "parameters/design_access.h"
+#include "parameters/design/design_access.h"
 #include "parameters/handed_out_strings.h"
 #include "parameters/process_settings.h"
 #include "velmora/register_info.h"
 
 namespace velmora {
 
-/// Parameters that applications can list, each at its index.
-inline constexpr std::size_t kListedParameters = 85;
-
 /// The last value written to each camera-simulator register of a port. The initial values stand for
 /// a design that nobody has written to.
 class SimulatorRegisterCache {
  public:
-  std::uint64_t& operator[](DesignId id) {
-    return values_[static_cast<std::size_t>(id) - static_cast<std::size_t>(kFirstRegister)];
-  }
+  SimulatorRegisterCache();
+  std::uint64_t& operator[](DesignId id) { return values_[index(id)]; }
+  std::uint64_t operator[](DesignId id) const { return values_[index(id)]; }
 
  private:
-  std::array<std::uint64_t, kSimulatorRegisters> values_{0, 1, 2048, 2080, 1024, 3, 29, 1};
+  static constexpr std::size_t index(DesignId id) {
+    return static_cast<std::size_t>(id) - static_cast<std::size_t>(kFirstRegister);
+  }
+
+  std::array<std::uint64_t, kSimulatorRegisters> values_{};
 };
 
 /// One camera port: its settings, its way to the design and the description nodes that its setters
@@ -38,7 +40,10 @@ struct Port {
   SimulatorRegisterCache simulatorRegisters;
   const DesignAccess design;
   HandedOutStrings& strings;
-  std::array<RegisterInfo*, kListedParameters> nodes{};  ///< By parameter index; may be null.
+  std::vector<RegisterInfo*> nodes;  ///< By parameter index; may be null.
+
+  /// Writes a register of the camera simulator and keeps the value.
+  void writeRegister(DesignId id, std::uint64_t value);
 
   /// @name Moves what the description of a listed parameter shows
   /// Nothing happens for a parameter without a node.
@@ -46,7 +51,9 @@ struct Port {
   void describeMinimum(int parameterId, std::uint32_t minimum);
   void describeMinimum(int parameterId, double minimum);
   void describeMaximum(int parameterId, std::uint32_t maximum);
-  void describeAccess(int parameterId, std::uint32_t accessMode);
+  void describeAccess(int parameterId, int accessMode);
+  /// Opens all parameters that can be set again once a trigger transition is complete.
+  void describeReopened();
   /// @}
 
  private:

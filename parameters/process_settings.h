@@ -1,7 +1,5 @@
 #pragma once
 
-#include <array>
-#include <cstddef>
 #include <cstdint>
 
 #include "velmora/values.h"
@@ -72,12 +70,16 @@ struct ProcessSettings {
 
 /// Names the setting behind a parameter; empty for parameters that keep none.
 struct Field {
-  std::uint32_t ProcessSettings::*word = nullptr;
+  std::uint32_t ProcessSettings::*integer = nullptr;
   double ProcessSettings::*real = nullptr;
 
   constexpr Field() = default;
-  constexpr Field(std::uint32_t ProcessSettings::*member) : word(member) {}
+  constexpr Field(std::uint32_t ProcessSettings::*member) : integer(member) {}
   constexpr Field(double ProcessSettings::*member) : real(member) {}
+
+  /// The setting, of the type of the second argument.
+  std::uint32_t& of(ProcessSettings& settings, std::uint32_t) const { return settings.*integer; }
+  double& of(ProcessSettings& settings, double) const { return settings.*real; }
 };
 
 }  // namespace velmora

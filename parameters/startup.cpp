@@ -1,13 +1,15 @@
 /// The applet's start-up, from the name tables to the defaults in the design.
 #include <cxxabi.h>
 
-#include "parameters/camera_simulator.h"
-#include "parameters/catalogue.h"
-#include "parameters/direct_access.h"
-#include "parameters/fg_kt_wrapper_impl.h"
-#include "parameters/trigger_outputs.h"
-#include "parameters/trigger_path.h"
 #include "external/dervin.h"
+#include "parameters/design/direct_access.h"
+#include "parameters/design/direct_catalogue.h"
+#include "parameters/families/trigger_outputs.h"
+#include "parameters/families/trigger_transitions.h"
+#include "parameters/fg_kt_wrapper_impl.h"
+#include "parameters/table/catalogue.h"
+#include "parameters/table/parameter_table.h"
+#include "paraminfo/parameter_nodes.h"
 #include "support/logging.h"
 
 namespace velmora {
@@ -20,59 +22,58 @@ constexpr int kLogMissingName = 4;
 
 }  // namespace
 
+/// Hosts look for these lines under the name of the base class.
+void FgKtWrapperImpl::logMissing(const char* what, const std::string& name) {
+  logMessage(FgKtWrapper::logger(), kLogMissingName, what, name, "'");
+}
+
 void FgKtWrapperImpl::buildTables() {
   for (const ParameterRow& row : listedParameters()) names_.add(row.name, row.id);
   if (directRegisterAccess_)
     for (const DesignRegister& reg : designRegisters(designHandle()))
       names_.add(kRegisterPrefix + reg.name, reg.id + kRegisterIdOffset);
-  if (switchedOn("KORV_ENABLE_DKTA")) designParameters_ = designParameters(*this);
+  if (isEnabled("KORV_ENABLE_DKTA")) designParameters_ = designParameters(*this);
   for (const auto& [name, id] : designParameters_)
     names_.add(kDesignParameterPrefix + name, id + kDesignParameterIdOffset);
 
-  events_.read(designHandle(), [this](const std::string& name) {
-    logMessage(FgKtWrapper::logger(), kLogMissingName,
-               "cannot retrieve event id for internal event: '", name, "'");
-  });
+  for (const std::string& name : events_.read(designHandle()))
+    logMissing("cannot retrieve event id for internal event: '", name);
 }
 
 void FgKtWrapperImpl::resolveParameterIds() {
-  designIds_.resolve(
-      [this](DesignId id, const std::string& name) {
-        return isRegister(id) ? HapGetRegisterByName(designHandle(), name.c_str())
-                              : getParameterIdByName(name.c_str());
-      },
-      [this](DesignId id, const std::string& name) {
-        logMessage(FgKtWrapper::logger(), kLogMissingName,
-                   isRegister(id) ? "cannot retrieve HAP id for HAP parameter: '"
-                                  : "cannot retrieve KT id for KT parameter: '",
-                   name, "'");
-      });
+  for (const DesignName& name : designNames()) {
+    const bool reg = isRegister(name.id);
+    const int id = reg ? HapGetRegisterByName(designHandle(), name.text.c_str())
+                       : getParameterIdByName(name.text.c_str());
+    if (id < 1)
+      logMissing(reg ? "cannot retrieve HAP id for HAP parameter: '"
+                     : "cannot retrieve KT id for KT parameter: '",
+                 name.text);
+    designIds_.set(name, id);
+  }
 }
 
 void FgKtWrapperImpl::initParameterInfo() {
   for (Port& port : ports_) {
     const int process = static_cast<int>(port.index);
-    Catalogue catalogue(*this, process);
-    catalogue.describeParameters();
+    describe(catalogue(), *parameterInfo(), parameterNodes(), process);
     // The runtime's tools expect the two groups of the last port the other way round.
     const bool registersFirst = port.index == kPorts - 1;
-    if (registersFirst && directRegisterAccess_) catalogue.describeRegisters();
-    catalogue.describeDesignParameters(designParameters_);
-    if (!registersFirst && directRegisterAccess_) catalogue.describeRegisters();
+    if (registersFirst && directRegisterAccess_) describeRegisters(*this, process);
+    describeDesignParameters(*this, process, designParameters_);
+    if (!registersFirst && directRegisterAccess_) describeRegisters(*this, process);
 
-    const auto rows = listedParameters();
-    for (std::size_t i = 0; i < rows.size(); ++i)
-      port.nodes[i] = parameterNodes().find(process, rows[i].id);
+    for (const ParameterRow& row : listedParameters())
+      port.nodes.push_back(parameterNodes().find(process, row.id));
   }
 }
 
 void FgKtWrapperImpl::routePorts() {
   try {
     for (Port& port : ports_) {
-      TriggerOutputs outputs(port);
-      outputs.park();
-      TriggerPath(port).hold();
-      outputs.route();
+      trigger_outputs::park(port);
+      trigger_transitions::hold(port);
+      trigger_outputs::route(port);
     }
   } catch (abi::__forced_unwind&) {
     throw;  // The thread is being cancelled.
@@ -82,17 +83,22 @@ void FgKtWrapperImpl::routePorts() {
 }
 
 void FgKtWrapperImpl::applyDefaults() {
-  forEachDesignName([this](unsigned port, DesignId id, const std::string&) {
-    if (isRegister(id)) CameraSimulator(ports_[port]).clear(id);
-  });
+  for (const DesignName& name : designNames()) {
+    if (!isRegister(name.id)) continue;
+    try {
+      ports_[name.port].writeRegister(name.id, 0);
+    } catch (int) {
+      // The next registers do not depend on it.
+    }
+  }
   const ProcessSettings defaults;
   for (Port& port : ports_) {
     for (const ParameterRow& row : listedParameters()) {
-      if (!row.applied()) continue;
+      if (!row.appliedAtStart) continue;
       if (row.field.real)
         setQuietly(port, row, defaults.*row.field.real);
       else
-        setQuietly(port, row, defaults.*row.field.word);
+        setQuietly(port, row, defaults.*row.field.integer);
     }
   }
 }

@@ -4,8 +4,8 @@
 
 namespace velmora {
 
-/// Changes a setting for as long as the design accepts it: stores the new value at once, restores
-/// the previous one on leaving the scope unless `keep` was called.
+/// Changes a setting for as long as the design accepts it: stores the new value at once and
+/// restores the previous one on leaving the scope unless it was committed.
 template <class T>
 class Transaction {
  public:
@@ -15,16 +15,16 @@ class Transaction {
   Transaction(const Transaction&) = delete;
   Transaction& operator=(const Transaction&) = delete;
   ~Transaction() {
-    if (!kept_) setting_ = previous_;
+    if (!committed_) setting_ = previous_;
   }
 
-  void keep() { kept_ = true; }
+  void commit() { committed_ = true; }
   T previous() const { return previous_; }
 
  private:
   T& setting_;
   T previous_;
-  bool kept_ = false;
+  bool committed_ = false;
 };
 
 }  // namespace velmora

@@ -1,5 +1,6 @@
 /// The table of parameters by itself: that ids and names lead to its rows, and nothing else does.
-#include "parameters/parameter_table.h"
+#include "parameters/table/parameter_table.h"
+#include "velmora/parameters.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "parameters/time_base.h"
+#include "parameters/families/time_base.h"
 
 #include <gtest/gtest.h>
 

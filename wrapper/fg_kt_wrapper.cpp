@@ -6,8 +6,9 @@
 #include <cstring>
 #include <type_traits>
 
-#include "paraminfo/parameter_info.h"
 #include "external/dynamic_library.h"
+#include "paraminfo/parameter_info.h"
+#include "paraminfo/parameter_nodes.h"
 #include "support/logging.h"
 #include "wrapper/loaded_design.h"
 

@@ -6,7 +6,6 @@
 
 #include "external/vorn5.h"
 #include "wrapper/fg_error.h"
-#include "wrapper/parameter_nodes.h"
 #include "wrapper/wrapper_function_table.h"
 
 namespace korv::tools::logging {
@@ -17,6 +16,7 @@ namespace velmora {
 
 class Fg_ConfigFileParser;
 class Fg_ParameterInfo;
+class ParameterNodes;
 
 /// Applet-independent base of an applet instance: binds the acquisition runtime, owns the inner
 /// handle, the design, the last error and the parameter descriptions, and offers the services that

@@ -1,0 +1,114 @@
+#include "parameters/design/design_events.h"
+
+#include <algorithm>
+
+#include "external/dervin.h"
+#include "parameters/design/design_ids.h"
+#include "parameters/design/marks.h"
+
+namespace velmora {
+namespace {
+
+constexpr int kEventsLookedAt = 65;
+constexpr int kMaskBits = 64;
+constexpr std::int32_t kReported = 1;
+constexpr unsigned kTriggerInputs = 8;
+
+/// What is needed of a design event. The design runtime may reuse its record for the next one.
+struct Event {
+  std::string name;  ///< Empty for an event without a name, which is not reported.
+  bool reported;
+};
+
+/// The events that have a bit in the mask, in the design's order.
+std::vector<Event> eventsOf(fpga_design* design) {
+  std::vector<Event> events;
+  for (int i = 0; i < kEventsLookedAt; ++i) {
+    const HapEvent* event = HapGetEvent(design, i);
+    if (!event) break;
+    if (i < kMaskBits)
+      events.push_back({event->name ? event->name : "", event->name && event->kind == kReported});
+  }
+  return events;
+}
+
+/// An SDK event and the design event behind it. {c} stands for the camera, {L} for its port letter,
+/// {i} for a trigger input, {M} for the camera's half of the monitoring events.
+struct SdkEvent {
+  const char* name;
+  const char* designName;
+};
+
+constexpr SdkEvent kFrameEvents[] = {
+    {"FG_START_OF_FRAME_CAM_PORT_{L}",
+     "Device1_Process4_Trigger_Monitoring_FVAL_CamPort{c}TransferStart"},
+    {"FG_END_OF_FRAME_CAM_PORT_{L}",
+     "Device1_Process4_Trigger_Monitoring_FVAL_CamPort{c}TransferEnd"},
+};
+
+constexpr SdkEvent kInputEvents[] = {
+    {"FG_TRIGGER_INPUT{i}_RISING",
+     "Device1_Process4_Trigger_TriggerInput_InputEvents_InputEvents_Pin{i}"},
+    {"FG_TRIGGER_INPUT{i}_FALLING",
+     "Device1_Process4_Trigger_TriggerInput_InputEvents_InputEvents_NotPin{i}"},
+};
+
+constexpr SdkEvent kMonitoringEvents[] = {
+    {"FG_TRIGGER_EXCEEDED_PERIOD_LIMITS_CAM{c}",
+     "Device1_Process4_Trigger_Monitoring_{M}_Cam{c}Override"},
+    {"FG_MISSING_CAM{c}_FRAME_RESPONSE",
+     "Device1_Process4_Trigger_Monitoring_MonitoringEvents_Cam{c}MissingFrame"},
+    {"FG_TRIGGER_QUEUE_FILLLEVEL_THRESHOLD_CAM{c}_ON",
+     "Device1_Process4_Trigger_Monitoring_{M}_Cam{c}HysteresisOn"},
+    {"FG_TRIGGER_QUEUE_FILLLEVEL_THRESHOLD_CAM{c}_OFF",
+     "Device1_Process4_Trigger_Monitoring_{M}_Cam{c}HysteresisOff"},
+    {"FG_TRIGGER_OUTPUT_CAM{c}", "Device1_Process4_Trigger_Monitoring_{M}_Cam{c}OutputEvent"},
+};
+
+std::string expand(const char* pattern, unsigned camera, unsigned input) {
+  return expandMarks(pattern, {{"{c}", std::to_string(camera)},
+                               {"{L}", std::string(1, static_cast<char>('A' + camera))},
+                               {"{i}", std::to_string(input)},
+                               {"{M}", camera < 2 ? "MonitoringEvents" : "MonitoringEvents_1"}});
+}
+
+}  // namespace
+
+std::vector<std::string> DesignEvents::read(fpga_design* design) {
+  const std::vector<Event> events = eventsOf(design);
+  for (std::size_t i = 0; i < events.size(); ++i) {
+    if (!events[i].reported) continue;
+    masks_[events[i].name] = std::uint64_t{1} << i;
+    names_[std::uint64_t{1} << i] = events[i].name;
+  }
+
+  std::vector<std::string> missing;
+  const auto add = [&](const SdkEvent& event, unsigned camera, unsigned input) {
+    const std::string designName = expand(event.designName, camera, input);
+    const auto found = std::ranges::find(events, designName, &Event::name);
+    if (found == events.end()) return missing.push_back(designName);
+    const std::uint64_t mask = std::uint64_t{1} << (found - events.begin());
+    const std::string name = expand(event.name, camera, input);
+    masks_[name] = mask;
+    names_[mask] = name;
+  };
+  for (unsigned camera = 0; camera < kPorts; ++camera) {
+    for (const SdkEvent& event : kFrameEvents) add(event, camera, 0);
+    for (unsigned input = 0; input < kTriggerInputs; ++input)
+      for (const SdkEvent& event : kInputEvents) add(event, camera, input);
+    for (const SdkEvent& event : kMonitoringEvents) add(event, camera, 0);
+  }
+  return missing;
+}
+
+std::uint64_t DesignEvents::maskOf(const char* name) const {
+  const auto found = name ? masks_.find(name) : masks_.end();
+  return found == masks_.end() ? 0 : found->second;
+}
+
+const char* DesignEvents::nameOf(std::uint64_t mask) const {
+  const auto found = names_.find(mask);
+  return found == names_.end() ? nullptr : found->second.c_str();
+}
+
+}  // namespace velmora

@@ -1,0 +1,20 @@
+/// Trigger pulses that software sends.
+#pragma once
+
+#include <cstdint>
+
+namespace velmora {
+struct Port;
+class ParameterRow;
+}  // namespace velmora
+
+namespace velmora::software_trigger {
+
+/// Sends pulses, one after the other; stops at the first refused pulse.
+void send(Port& port, const ParameterRow& row, std::uint32_t pulses);
+
+std::uint32_t isBusy(const Port& port);
+/// Pulses still to come, after their multiplication.
+std::uint32_t queueFillLevel(const Port& port);
+
+}  // namespace velmora::software_trigger

@@ -1,0 +1,17 @@
+/// Text parameters: handed out as strings (type 22) or copied to the caller's place.
+#pragma once
+
+namespace velmora {
+struct Port;
+class ParameterRow;
+}  // namespace velmora
+
+namespace velmora::texts {
+
+/// The design's file name.
+void getHapFile(Port& port, const ParameterRow& row, void* value, int type);
+
+/// The description of the parameter whose name stands at `value`; "-" for any other name.
+void getParameterDescription(Port& port, const ParameterRow& row, void* value, int type);
+
+}  // namespace velmora::texts

@@ -1,0 +1,20 @@
+/// What conditions the pulses of a port's trigger input.
+#pragma once
+
+#include <cstdint>
+
+namespace velmora {
+struct Port;
+class ParameterRow;
+}  // namespace velmora
+
+namespace velmora::trigger_input {
+
+/// In µs. The debouncer is one for all ports: the last write wins.
+void setDebounce(Port& port, const ParameterRow& row, double time);
+double debounce(const Port& port);
+
+void setDownscale(Port& port, const ParameterRow& row, std::uint32_t downscale);
+void setDownscalePhase(Port& port, const ParameterRow& row, std::uint32_t phase);
+
+}  // namespace velmora::trigger_input

@@ -1,0 +1,47 @@
+/// What leaves a port's trigger path: the two trigger outputs, the camera action command, and the
+/// digital outputs that belong to single ports but are reachable from all.
+#pragma once
+
+#include <cstdint>
+
+#include "parameters/design/design_ids.h"
+#include "parameters/process_settings.h"
+
+namespace velmora {
+struct Port;
+class ParameterRow;
+}  // namespace velmora
+
+namespace velmora::trigger_outputs {
+
+/// An output: the setting that names its source, the multiplexer and the inverter after it.
+struct Output {
+  std::uint32_t ProcessSettings::*source;
+  DesignId select;
+  DesignId invert;
+};
+
+inline constexpr Output kActionCommand{&ProcessSettings::actionCommandSource,
+                                       DesignId::kActionCommandSelect,
+                                       DesignId::kActionCommandInvert};
+inline constexpr Output kOutput0{&ProcessSettings::outputSelect0, DesignId::kOutputSelect0,
+                                 DesignId::kOutputInvert0};
+inline constexpr Output kOutput1{&ProcessSettings::outputSelect1, DesignId::kOutputSelect1,
+                                 DesignId::kOutputInvert1};
+
+/// Puts both trigger outputs at a constant level; their inverters stay, and with them the level.
+void park(Port& port);
+/// Applies the stored sources. Fails with -6000 for a stored value that is no source.
+void route(Port& port);
+
+/// While the port is stopped asynchronously a source is only stored.
+void setSource(Port& port, const ParameterRow& row, std::uint32_t source, const Output& output);
+template <const Output& output>
+void setSource(Port& port, const ParameterRow& row, std::uint32_t source) {
+  setSource(port, row, source, output);
+}
+
+/// Bit 0 drives board output 3, bit 1 board output 7.
+void setDigitalOutput(Port& port, const ParameterRow& row, std::uint32_t levels);
+
+}  // namespace velmora::trigger_outputs

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <span>
+
+#include "paraminfo/catalogue_builder.h"
+
+namespace velmora {
+
+/// The applet's own parameters as tools see them: groups and the parameters in them. What is shown
+/// of a parameter stands in its row.
+std::span<const CatalogueLine> catalogue();
+
+}  // namespace velmora

@@ -1,0 +1,225 @@
+/// One row of the parameter table: everything there is to say about one SDK parameter, written as a
+/// sentence:
+///
+///     setting(SDK(FG_TRIGGERIN_SRC), oneOf(kTriggerInputSources), &S::inputSource)
+///         .drives(D::kInputSelect)
+///         .shown("Source", kSwitched, 1)
+///         .reopened()
+///         .help("Select the trigger input source for external trigger mode.")
+#pragma once
+
+#include <cstdint>
+#include <cstring>
+
+#include "parameters/design/design_ids.h"
+#include "parameters/process_settings.h"
+#include "paraminfo/catalogue_builder.h"
+#include "velmora/register_info.h"
+
+namespace velmora {
+
+struct Port;
+class ParameterRow;
+
+/// Sets a parameter of a port: checks the value, stores it, writes the design. On failure the
+/// setting is as it was.
+template <class T>
+using Setter = void (*)(Port&, const ParameterRow&, T);
+
+/// Stores a parameter of a port at `value`, in the parameter's own width. Only text and forwarded
+/// parameters look at the caller's type.
+using Getter = void (*)(Port&, const ParameterRow&, void* value, int type);
+
+/// Name and id of an SDK parameter.
+struct SdkParameter {
+  const char* name;
+  int id;
+};
+#define SDK(parameter) (::velmora::SdkParameter{#parameter, parameter})
+
+/// @name Access modes of the catalogue
+/// @{
+inline constexpr int kReadOnly = REGISTER_INFO_READABLE;
+inline constexpr int kReadWrite = REGISTER_INFO_READABLE | REGISTER_INFO_WRITABLE;
+/// Closed by the runtime's tools at times.
+inline constexpr int kSwitched = kReadWrite | REGISTER_INFO_RUNTIME_FLAG;
+/// @}
+
+class ParameterRow : public ValueDescription {
+ public:
+  Field field{};
+  Setter<std::uint32_t> setInteger = nullptr;  ///< Of a 32-bit setting, else null.
+  Setter<double> setReal = nullptr;            ///< Of a double setting, else null.
+  Getter get = nullptr;
+  bool appliedAtStart = false;  ///< The default is written at start-up.
+  bool saved = false;           ///< Kept in configuration files.
+  bool loaded = false;          ///< Read back from them.
+  bool storedBeforeLoad =
+      false;             ///< A load stores all these before any setter checks its partners.
+  bool reopens = false;  ///< Can be set again once a trigger transition is complete.
+  bool runtimeOwnsStrings = false;  ///< Strings of this id go back to the runtime.
+  const char* description = "";
+
+  constexpr bool writable() const { return setInteger || setReal; }
+
+  /// @name Parts of the sentence
+  /// @{
+
+  /// The value goes to the design as it is, to a design parameter or a simulator register.
+  constexpr ParameterRow& drives(DesignId id) {
+    design_ = id;
+    if (field.real) return setBy(writePlain<double>);
+    return setBy(isRegister(id) ? writeRegister : writePlain<std::uint32_t>);
+  }
+  /// The design acts on the value 2, whatever the command is called.
+  constexpr ParameterRow& triggers(DesignId id) {
+    design_ = id;
+    return setBy(writeOneShot);
+  }
+  /// The value does not reach the design.
+  constexpr ParameterRow& storedOnly() { return setBy(writeNothing); }
+  constexpr ParameterRow& setBy(Setter<std::uint32_t> setter) {
+    setInteger = setter;
+    return *this;
+  }
+  constexpr ParameterRow& setBy(Setter<double> setter) {
+    setReal = setter;
+    return *this;
+  }
+
+  /// What the design holds.
+  constexpr ParameterRow& reads(DesignId id) {
+    design_ = id;
+    return getBy(readDesign);
+  }
+  /// The result of a function of the port.
+  template <auto Read>
+  constexpr ParameterRow& readBy() {
+    return getBy(storeResult<Read>);
+  }
+  template <std::uint32_t Constant>
+  constexpr ParameterRow& always() {
+    return getBy(storeConstant<Constant>);
+  }
+  constexpr ParameterRow& getBy(Getter getter) {
+    get = getter;
+    return *this;
+  }
+
+  /// Changed by its setter alone, since the step from what is to what shall be counts.
+  constexpr ParameterRow& stepped() {
+    storedBeforeLoad = false;
+    return *this;
+  }
+  constexpr ParameterRow& savedOnly() {
+    appliedAtStart = loaded = storedBeforeLoad = false;
+    return *this;
+  }
+  constexpr ParameterRow& applied() {
+    appliedAtStart = true;
+    return *this;
+  }
+  constexpr ParameterRow& reopened() {
+    reopens = true;
+    return *this;
+  }
+  constexpr ParameterRow& stringsOfRuntime() {
+    runtimeOwnsStrings = true;
+    return *this;
+  }
+
+  /// How the catalogue shows it.
+  constexpr ParameterRow& shown(const char* displayText, int access, int shownQualifier,
+                                const char* unitText = nullptr) {
+    display = displayText;
+    accessMode = access;
+    qualifier = shownQualifier;
+    unit = unitText;
+    return *this;
+  }
+  /// The text of `FG_PARAM_DESCR`.
+  constexpr ParameterRow& help(const char* text) {
+    description = text;
+    return *this;
+  }
+  /// @}
+
+  /// A row that would not work does not compile: what is missing shows in the error.
+  consteval void check() const {
+    if (!name || id <= 0) throw "a row needs a name and an id";
+    if (!get) throw "a parameter that nothing reads";
+    if ((field.integer || field.real) != writable()) throw "a setting needs a way to be set";
+    if (setInteger && !field.integer) throw "an integer setter stores into an integer field";
+    if (setReal && !field.real) throw "a real setter stores into a real field";
+    if (setInteger && setReal) throw "a setting is an integer or real";
+    if (setReal && limits.kind != Limits::Kind::kReal) throw "a real setting has a real range";
+    if (setInteger && limits.kind != Limits::Kind::kInteger &&
+        limits.kind != Limits::Kind::kEnumeration)
+      throw "an integer setting has an integer range or an enumeration";
+    if (display && limits.kind == Limits::Kind::kNone) throw "what is shown has limits";
+    if (display && ((accessMode & REGISTER_INFO_WRITABLE) != 0) != writable())
+      throw "what is shown as writable has a setter, and nothing else";
+    if (reopens && (!writable() || accessMode != kSwitched)) throw "only switched settings reopen";
+    if ((appliedAtStart || saved) && !writable()) throw "only settings are applied and saved";
+  }
+
+ private:
+  template <class T>
+  static void writePlain(Port& port, const ParameterRow& row, T value);
+  static void writeNothing(Port& port, const ParameterRow& row, std::uint32_t value);
+  static void writeRegister(Port& port, const ParameterRow& row, std::uint32_t value);
+  static void writeOneShot(Port& port, const ParameterRow& row, std::uint32_t value);
+  static void readDesign(Port& port, const ParameterRow& row, void* value, int type);
+  template <auto Read>
+  static void storeResult(Port& port, const ParameterRow&, void* value, int) {
+    const auto result = Read(port);
+    std::memcpy(value, &result, sizeof result);  // The caller's pointer need not be aligned.
+  }
+  template <std::uint32_t Constant>
+  static void storeConstant(Port&, const ParameterRow&, void* value, int) {
+    constexpr std::uint32_t kConstant = Constant;
+    std::memcpy(value, &kConstant, sizeof kConstant);
+  }
+
+  /// For the functions above alone: whoever sets it says with which of them it is used.
+  DesignId design_{};
+};
+
+/// The value last accepted.
+void getSetting(Port& port, const ParameterRow& row, void* value, int type);
+/// The runtime's own answer for the same id and type.
+void getForwarded(Port& port, const ParameterRow& row, void* value, int type);
+
+/// @name Beginnings of the sentence
+/// @{
+
+constexpr ParameterRow reading(SdkParameter parameter, const Limits& limits = {}) {
+  ParameterRow row;
+  row.name = parameter.name;
+  row.id = parameter.id;
+  row.limits = limits;
+  return row;
+}
+
+/// Answered by the runtime, which owns its strings too.
+constexpr ParameterRow forwarded(SdkParameter parameter) {
+  ParameterRow row = reading(parameter);
+  return row.getBy(getForwarded).stringsOfRuntime();
+}
+
+/// A value that does something once: neither written at start-up nor saved.
+constexpr ParameterRow command(SdkParameter parameter, const Limits& limits, Field field) {
+  ParameterRow row = reading(parameter, limits);
+  row.field = field;
+  return row.getBy(getSetting);
+}
+
+/// A value that is kept: written at start-up, saved in configuration files and read back.
+constexpr ParameterRow setting(SdkParameter parameter, const Limits& limits, Field field) {
+  ParameterRow row = command(parameter, limits, field);
+  row.appliedAtStart = row.saved = row.loaded = row.storedBeforeLoad = true;
+  return row;
+}
+/// @}
+
+}  // namespace velmora

@@ -1,0 +1,37 @@
+/// What setters and getters are made of.
+#pragma once
+
+#include <cstdint>
+#include <cstring>
+
+#include "parameters/failure.h"
+#include "parameters/port.h"
+#include "parameters/table/parameter_row.h"
+#include "parameters/transaction.h"
+#include "velmora/errors.h"
+
+namespace velmora {
+
+/// Stores a value where the caller wants it; the caller's pointer need not be aligned.
+template <class T>
+void store(void* value, T result) {
+  std::memcpy(value, &result, sizeof result);
+}
+
+/// Ends the set unless the row's limits accept the value.
+template <class T>
+void requireAccepted(const Port& port, const ParameterRow& row, T value) {
+  if (!row.limits.accepts(value, port.index)) fail(VELMORA_OUT_OF_RANGE);
+}
+
+/// The way of most setters: checks the value against the row's limits, stores it, and commits it
+/// when `write` has brought it to the design.
+template <class T, class Write>
+void setThrough(Port& port, const ParameterRow& row, T value, const Write& write) {
+  requireAccepted(port, row, value);
+  Transaction<T> change(row.field.of(port.settings, value), value);
+  write();
+  change.commit();
+}
+
+}  // namespace velmora

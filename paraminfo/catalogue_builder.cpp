@@ -1,0 +1,68 @@
+#include "paraminfo/catalogue_builder.h"
+
+#include <array>
+#include <cstddef>
+#include <new>
+
+#include "paraminfo/parameter_info.h"
+#include "paraminfo/parameter_nodes.h"
+#include "velmora/errors.h"
+
+namespace velmora {
+namespace {
+
+constexpr int kVisible = 1;
+
+RegisterInfo* addValue(const ValueDescription& v, RegisterInfo* parent, Fg_ParameterInfo& registry,
+                       int process) {
+  switch (v.limits.kind) {
+    case Limits::Kind::kInteger: {
+      const auto& [min, max, inc] = v.limits.integer;
+      return registry.addInfoUInt(parent, v.display, v.name, min, max, inc, v.accessMode,
+                                  v.qualifier, kVisible, v.unit, v.id, process);
+    }
+    case Limits::Kind::kReal: {
+      const auto& [min, max, inc] = v.limits.real;
+      return registry.addInfoDouble(parent, v.display, v.name, min, max, inc, v.accessMode,
+                                    v.qualifier, kVisible, v.unit, v.id, process);
+    }
+    case Limits::Kind::kText:
+      return registry.addInfoString(parent, v.display, v.name, v.limits.text, v.accessMode,
+                                    v.qualifier, kVisible, v.unit, v.id, process);
+    case Limits::Kind::kEnumeration:
+      return registry.addInfoEnum(
+          parent, v.display, v.name,
+          static_cast<int>(v.limits.entries(static_cast<unsigned>(process)).size()), v.accessMode,
+          v.qualifier, kVisible, v.unit, v.id, process);
+    case Limits::Kind::kNone:
+      break;
+  }
+  return nullptr;
+}
+
+/// Does nothing for a value that is no enumeration.
+void addEntries(RegisterInfo* node, const ValueDescription& value, int process) {
+  int index = 0;
+  for (const EnumEntry& entry : value.limits.entries(static_cast<unsigned>(process))) {
+    const int code = Fg_ParameterInfo::addEnumNameValue(node, index++, entry.display, entry.value,
+                                                        entry.identifier);
+    if (code != VELMORA_OK) throw std::bad_alloc();  // An entry must not stay without a text.
+  }
+}
+
+}  // namespace
+
+void describe(std::span<const CatalogueLine> lines, Fg_ParameterInfo& registry,
+              ParameterNodes& nodes, int process) {
+  std::array<RegisterInfo*, kCatalogueLevels> groups{};  // The latest group of each level.
+  for (const CatalogueLine& line : lines) {
+    const auto level = static_cast<std::size_t>(line.level);
+    RegisterInfo* parent = level > 0 ? groups[level - 1] : nullptr;
+    if (line.value)
+      addEntries(nodes.add(addValue(*line.value, parent, registry, process)), *line.value, process);
+    else
+      groups[level] = registry.addGroupInfo(process, parent, line.title);
+  }
+}
+
+}  // namespace velmora
