@@ -118,7 +118,7 @@ bool Fg_ConfigFileParser::setSaveFile(const char* name) {
     if (log_ != nullptr) log_->Error("Config File is Invalid");
     return false;
   }
-  file_.reset(std::fopen(name, "w"));
+  file_.reset(openFile(name, "w"));
   writeFailed_ = false;
   if (file_ == nullptr) {
     if (log_ != nullptr) log_->Error("Config File: fopen failed");

@@ -47,7 +47,7 @@ class Fg_ConfigFileParser {
   bool checkFileExist(const char* name) const;
   /// Creates or empties a file to write to; one that was open before is closed.
   /// @return false when the name is not that of a configuration file (the file that was open stays
-  /// so) or the file cannot be opened.
+  /// so), is a pipe or device, or the file cannot be opened.
   bool setSaveFile(const char* name);
   /// Closes the file, which happens at destruction otherwise.
   /// @return whether all that was written since it was opened has reached the file; true when none

@@ -94,7 +94,7 @@ int Fg_getParameterId(Fg_Struct* fg, int index);
 int Fg_getParameterIdByName(Fg_Struct* fg, const char* name);
 
 /// Writes all settings of the four ports to `file`, whose name must contain ".mcf".
-/// @return 0; -5001 (recorded) when the file cannot be written.
+/// @return 0; -5001 (recorded) when the file cannot be written or is a pipe or device.
 int Fg_saveConfig(Fg_Struct* fg, const char* file);
 /// Reads a file written by `Fg_saveConfig` and applies it port by port. A value that a port refuses
 /// does not end the load: the design keeps what it had, while a get returns the file's value. What
