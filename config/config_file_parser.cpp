@@ -2,11 +2,13 @@
 
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <array>
 #include <cinttypes>
 #include <cstdarg>
 #include <cstdlib>
 #include <cstring>
+#include <functional>
 #include <string_view>
 #include <utility>
 
@@ -20,8 +22,9 @@ constexpr char kFileType[] = ".mcf";
 constexpr char kHeaderLine[] = "[Kamerasektion]\n";
 constexpr char kError[] = "Error";
 constexpr std::size_t kTextSize = 256;
+constexpr std::size_t kLineSize = kTextSize - 1;  ///< What is longer counts as several lines.
 
-/// A line as read, and any value: both with their terminating zero.
+/// A line or a value with its terminating zero.
 using Text = std::array<char, kTextSize>;
 
 /// Opens a file; null for what cannot be rewound, never ends or blocks: pipes and devices.
@@ -32,22 +35,31 @@ std::FILE* openFile(const char* name, const char* mode) {
   return std::fopen(name, mode);
 }
 
-bool restart(std::FILE* file) {
-  if (file != nullptr) std::rewind(file);
-  return file != nullptr;
-}
-
-bool nextLine(std::FILE* file, Text& line) {
-  return std::fgets(line.data(), static_cast<int>(line.size()), file) != nullptr;
-}
-
-/// Reads up to and with the next line that `matches`; false when no line is left or readable.
-template <class Matches>
-bool findLine(std::FILE* file, Text& line, Matches matches) {
-  while (nextLine(file, line)) {
-    if (matches(std::string_view(line.data()))) return true;
+/// The whole file; where reading fails, the lines before.
+std::string contentOf(std::FILE* file) {
+  std::rewind(file);
+  std::string content;
+  std::array<char, 1 << 14> part;
+  while (const std::size_t size = std::fread(part.data(), 1, part.size(), file))
+    content.append(part.data(), size);
+  if (std::ferror(file) != 0) {
+    const std::size_t lastLine = content.size() - (content.rfind('\n') + 1);
+    content.resize(content.size() - lastLine % kLineSize);
   }
-  return false;
+  return content;
+}
+
+/// Takes the next line off `rest`, as `std::fgets` does.
+std::string_view takeLine(std::string_view& rest) {
+  const auto lineFeed = rest.substr(0, kLineSize).find('\n');
+  const std::string_view line = rest.substr(0, std::min(lineFeed, kLineSize - 1) + 1);
+  rest.remove_prefix(line.size());
+  return line;
+}
+
+/// Hash of what stands before the first '=': the same for a key and all its lines.
+std::size_t hashOfKey(std::string_view line) {
+  return std::hash<std::string_view>()(line.substr(0, line.find('=')));
 }
 
 bool contains(std::string_view text, std::string_view part) {
@@ -63,9 +75,9 @@ std::string_view takePiece(std::string_view& rest, std::string_view separators) 
   return piece;
 }
 
-/// What stands behind the key of a line, without quotes and ';'. A line feed stays, unless there is
-/// nothing else.
-std::string_view valueBehindKey(std::string_view rest) {
+/// The value in what follows the key of a line, without quotes and ';'. A line feed stays, unless
+/// there is nothing else.
+std::string_view valueOf(std::string_view rest) {
   const std::string_view value = takePiece(rest, "=;'");
   return value.starts_with('\r') || value.starts_with('\n') ? std::string_view() : value;
 }
@@ -91,6 +103,8 @@ Fg_ConfigFileParser::Fg_ConfigFileParser(Fg_Log* log, const char* fileName, bool
   if (checkFileType(fileName) && checkFileExist(fileName)) {
     file_.reset(openFile(fileName, readOnly ? "r" : "r+"));
   }
+  if (readOnly) readLines();
+  linesFixed_ = readOnly;
 }
 
 Fg_ConfigFileParser::~Fg_ConfigFileParser() {
@@ -118,7 +132,8 @@ bool Fg_ConfigFileParser::setSaveFile(const char* name) {
     if (log_ != nullptr) log_->Error("Config File is Invalid");
     return false;
   }
-  file_.reset(std::fopen(name, "w"));
+  file_.reset(openFile(name, "w"));
+  linesFixed_ = false;
   writeFailed_ = false;
   if (file_ == nullptr) {
     if (log_ != nullptr) log_->Error("Config File: fopen failed");
@@ -129,6 +144,7 @@ bool Fg_ConfigFileParser::setSaveFile(const char* name) {
 }
 
 bool Fg_ConfigFileParser::close() {
+  linesFixed_ = false;
   const bool written = !std::exchange(writeFailed_, false);
   return (file_ == nullptr || std::fclose(file_.release()) == 0) && written;
 }
@@ -164,46 +180,42 @@ void Fg_ConfigFileParser::writeConfigFileUInt64Key(const char* key, uint64_t val
 }
 
 void Fg_ConfigFileParser::writeConfigFileInt64Key(const char* key, int64_t value) {
-  trace("Fg_ConfigFileParser::writeConfigFileUInt64Key");
+  trace("Fg_ConfigFileParser::writeConfigFileUInt64Key");  // Named as hosts know it.
   writeConfigFileValue(key, numberText("%" PRIi64, value).data());
 }
 
 void Fg_ConfigFileParser::writeConfigFileDoubleKey(const char* key, double value) {
-  trace("Fg_ConfigFileParser::wrtiteConfigFileDoubleKey");
+  trace("Fg_ConfigFileParser::wrtiteConfigFileDoubleKey");  // Spelled as hosts know it.
   writeConfigFileValue(key, numberText("%.12g", value).data());
 }
 
 std::string Fg_ConfigFileParser::getPortString(int port) {
-  return std::string("[Port ") + static_cast<char>('A' + port) + "]";
+  std::string text = "[Port A]";
+  text[6] = static_cast<char>('A' + port);
+  return text;
 }
 
 int Fg_ConfigFileParser::parseKey(const char* sectionMarker, const char* key, char* value) {
   trace("Fg_ConfigFileParser::parseKey");
   if (sectionMarker == nullptr || key == nullptr) return notFound(value);
-  const auto opensSection = [=](std::string_view line) { return contains(line, sectionMarker); };
-  const auto holdsKey = [name = std::string_view(key)](std::string_view line) {
-    return line.starts_with(name) && line.substr(name.size()).starts_with('=');
-  };
-  Text line;
-  if (!restart(file_.get()) || !findLine(file_.get(), line, opensSection) ||
-      !findLine(file_.get(), line, holdsKey)) {
-    return notFound(value);
-  }
-  copyText(valueBehindKey(line.data() + std::strlen(key)), value);
-  nextLine(file_.get(), line);  // An update of the file goes on behind this line.
+  readLines();
+  const std::size_t found = findKey(key, endOfSectionLine(sectionMarker));
+  if (found == std::string::npos) return notFound(value);
+  copyText(valueOf(lines_.data() + found + std::strlen(key)), value);
+  goOnAfter(found, 1);
   return VELMORA_OK;
 }
 
 int Fg_ConfigFileParser::parseKeyFromLine(const char* key, char* value) {
   trace("Fg_ConfigFileParser::parseKeyFromLine");
-  const auto holdsKey = [=](std::string_view line) { return contains(line, key); };
-  Text line;
-  if (key == nullptr || !restart(file_.get()) || !findLine(file_.get(), line, holdsKey)) {
-    return notFound(value);
-  }
-  std::string_view rest = line.data();
+  if (key == nullptr) return notFound(value);
+  readLines();
+  const std::size_t found = lines_.find(key, 1);
+  if (found == std::string::npos) return notFound(value);
+  std::string_view rest = lines_.data() + lines_.rfind('\0', found - 1) + 1;
   takePiece(rest, "='");
   copyText(takePiece(rest, "='"), value);
+  goOnAfter(found, 0);
   return VELMORA_OK;
 }
 
@@ -214,12 +226,12 @@ int Fg_ConfigFileParser::parseIntKey(const char* sectionMarker, const char* key,
 
 int Fg_ConfigFileParser::parseUInt64Key(const char* sectionMarker, const char* key,
                                         uint64_t* value) {
-  trace("Fg_ConfigFileParser::parseIntKey");
+  trace("Fg_ConfigFileParser::parseIntKey");  // Named as hosts know it.
   return parseNumber(sectionMarker, key, value, &Fg_ConfigFileParser::getUInt64Value);
 }
 
 int Fg_ConfigFileParser::parseInt64Key(const char* sectionMarker, const char* key, int64_t* value) {
-  trace("Fg_ConfigFileParser::parseIntKey");
+  trace("Fg_ConfigFileParser::parseIntKey");  // Named as hosts know it.
   return parseNumber(sectionMarker, key, value, &Fg_ConfigFileParser::getInt64Value);
 }
 
@@ -260,13 +272,13 @@ int Fg_ConfigFileParser::getIntValue(const char* text, int* value) const {
 }
 
 int Fg_ConfigFileParser::getUInt64Value(const char* text, uint64_t* value) const {
-  trace("Fg_ConfigFileParser::getIntValue");
+  trace("Fg_ConfigFileParser::getIntValue");  // Named as hosts know it.
   std::sscanf(text, "%" SCNu64, value);
   return VELMORA_OK;
 }
 
 int Fg_ConfigFileParser::getInt64Value(const char* text, int64_t* value) const {
-  trace("Fg_ConfigFileParser::getIntValue");
+  trace("Fg_ConfigFileParser::getIntValue");  // Named as hosts know it.
   std::sscanf(text, "%" SCNi64, value);
   return VELMORA_OK;
 }
@@ -295,6 +307,49 @@ void Fg_ConfigFileParser::write(std::initializer_list<std::string_view> pieces) 
 void Fg_ConfigFileParser::writeLine(const char* key, const char* opening, const char* value,
                                     const char* closing) {
   if (key != nullptr && value != nullptr) write({key, opening, value, closing});
+}
+
+void Fg_ConfigFileParser::readLines() {
+  if (linesFixed_) return;
+  lines_.clear();
+  keyLines_.clear();
+  sectionLineEnd_.reset();
+  if (file_ == nullptr) return;
+  const std::string content = contentOf(file_.get());
+  for (std::string_view rest = content; !rest.empty();) {
+    std::string_view line = takeLine(rest);
+    line = line.substr(0, line.find('\0'));
+    lines_ += '\0';
+    if (contains(line, "=")) keyLines_.emplace_back(hashOfKey(line), lines_.size());
+    lines_ += line;
+  }
+  std::sort(keyLines_.begin(), keyLines_.end());
+}
+
+std::size_t Fg_ConfigFileParser::endOfSectionLine(const char* marker) {
+  if (!sectionLineEnd_.has_value() || marker_ != marker) {
+    marker_ = marker;
+    sectionLineEnd_ = lines_.find('\0', lines_.find(marker_, 1));
+  }
+  return *sectionLineEnd_;
+}
+
+std::size_t Fg_ConfigFileParser::findKey(std::string_view key, std::size_t from) const {
+  const std::size_t hash = hashOfKey(key);
+  auto line = std::lower_bound(keyLines_.begin(), keyLines_.end(), std::pair(hash, from));
+  for (; line != keyLines_.end() && line->first == hash; ++line) {
+    const std::string_view text = lines_.data() + line->second;
+    if (text.starts_with(key) && text.substr(key.size()).starts_with('=')) return line->second;
+  }
+  return std::string::npos;
+}
+
+void Fg_ConfigFileParser::goOnAfter(std::size_t position, int linesMore) {
+  if (linesFixed_) return;
+  const auto begin = lines_.begin();
+  auto count = std::count(begin, begin + static_cast<std::ptrdiff_t>(position), '\0') + linesMore;
+  std::rewind(file_.get());
+  for (Text line; count > 0 && std::fgets(line.data(), kTextSize, file_.get()) != nullptr;) --count;
 }
 
 int Fg_ConfigFileParser::notFound(char* value) {

@@ -4,8 +4,11 @@
 #include <cstdio>
 #include <initializer_list>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 namespace velmora {
 
@@ -33,7 +36,8 @@ class Fg_Log;
 class Fg_ConfigFileParser {
  public:
   /// Opens an existing configuration file; there is no open file when it is none, a pipe or device,
-  /// or cannot be opened.
+  /// or cannot be opened. A file opened for reading only is read here, once: the readers do not see
+  /// later changes. One opened for update is read again by every reader.
   /// @param log receives a trace of every operation; not owned, may be null.
   /// @param fileName file to open; null opens none.
   /// @param readOnly whether the file is opened for reading only, or for update.
@@ -47,7 +51,7 @@ class Fg_ConfigFileParser {
   bool checkFileExist(const char* name) const;
   /// Creates or empties a file to write to; one that was open before is closed.
   /// @return false when the name is not that of a configuration file (the file that was open stays
-  /// so) or the file cannot be opened.
+  /// so), is a pipe or device, or the file cannot be opened.
   bool setSaveFile(const char* name);
   /// Closes the file, which happens at destruction otherwise.
   /// @return whether all that was written since it was opened has reached the file; true when none
@@ -134,6 +138,15 @@ class Fg_ConfigFileParser {
   using Reader = int (Fg_ConfigFileParser::*)(const char* sectionMarker, const char* key, Value*);
 
   void trace(const char* text) const;
+  /// Reads the lines of the file, unless they are fixed.
+  void readLines();
+  /// Where the first line with the marker ends in `lines_`; `npos` when no line follows.
+  std::size_t endOfSectionLine(const char* marker);
+  /// Where the next line begins that starts with the key and '='; `npos` when there is none.
+  std::size_t findKey(std::string_view key, std::size_t from) const;
+  /// Lets a write to a file open for update go on after the line at a position in `lines_` and some
+  /// more.
+  void goOnAfter(std::size_t position, int linesMore);
   void write(std::initializer_list<std::string_view> pieces);
   void writeLine(const char* key, const char* opening, const char* value, const char* closing);
   static int notFound(char* value);
@@ -145,6 +158,15 @@ class Fg_ConfigFileParser {
 
   File file_;
   Fg_Log* log_;
+  /// Lines of the file as last read, each after a zero; none holds a zero itself.
+  std::string lines_;
+  /// Whether the lines stay as they were read.
+  bool linesFixed_ = false;
+  /// Lines with a '=', in order: hash of what stands before it, position in `lines_`.
+  std::vector<std::pair<std::size_t, std::size_t>> keyLines_;
+  /// Section looked for last and, until lines are read again, where its line ends.
+  std::string marker_;
+  std::optional<std::size_t> sectionLineEnd_;
   bool writeFailed_ = false;
 };
 

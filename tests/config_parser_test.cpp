@@ -50,6 +50,7 @@ TEST_F(ConfigParser, WritesEveryKindOfLine) {
 }
 
 TEST_F(ConfigParser, FindsTexts) {
+  using namespace std::string_literals;
   const std::string filler(255, 'x');
   const struct {
     const char* marker;  // Null: the loose search.
@@ -62,9 +63,17 @@ TEST_F(ConfigParser, FindsTexts) {
       {"[Port A]", "K", "a [Port A] b\r\nK=1;\r\n", "1"},
       {"[Port A]", "K", "[Port A]\nKX=1;\n K=2;\nk=3;\nXK=4;\nK =5;\nX=K;\n", "Error"},
       {"[Port A]", "K", "[Port A]\nK='';\r\n", ""},
+      {"[Port B]", "K", "K=1;\n[Port B]\nL=2;\nK=3;\nK=4;\n", "3"},
+      {"[Port B]", "K", "[Port B] K=\nK=1;\n[Port B]\nK=2;\n", "1"},
+      {"", "A=B", "A=B=1;\nA=2;\nA=B=3;\n", "3"},
+      {"[Port A]", "K", "\0[Port A]\nK=1;\n[Port A]\n\0K=2;\nK=3\0;\n"s, "3"},
+      {"A]\nK", "K", "[Port A]\nK=1;\nK=2;\n", "Error"},
+      {"[Port A]", "K", filler.substr(1) + "[Port A]\nK=1;\n", "Error"},
       {"[Port A]", "K", "[Port A]\n" + filler + "K=5;\n", "5"},
       {"[Port A]", "K", "[Port A]\nK=" + filler + ";\n", filler.substr(2)},
       {nullptr, "Typ", "a\nTyp='Velmora';\n", "Velmora"},
+      {nullptr, "", "", "Error"},
+      {nullptr, "", "\0\na='1';\n"s, ""},
       {nullptr, "Version", "ConfigFileVersion=2.0;\nVersion='2.3';\n", "2.0;\n"},
   };
   for (const auto& row : rows) {
@@ -105,6 +114,26 @@ TEST_F(ConfigParser, ConvertsNumbers) {
     EXPECT_EQ(parser.parseDoubleKeySection(1, "N", &asDouble), result);
     EXPECT_EQ(numbers, row.numbers);
   }
+}
+
+TEST_F(ConfigParser, ReadsAFileOnceUnlessItIsUpdated) {
+  int value = 0;
+  Fg_ConfigFileParser reader(nullptr, file("[Port A]\nK=1;\nL=2;\nM=3;\n"), true);
+  Fg_ConfigFileParser updater(nullptr, name_.c_str(), false);
+  EXPECT_EQ(updater.parseIntKeySection(2, "M", &value), VELMORA_NOTHING_FOUND);
+  updater.writeConfigFileByPort(2);  // At the end, up to which it has read.
+  updater.writeConfigFileIntKey("M", 5);
+  EXPECT_EQ(updater.parseIntKeySection(2, "M", &value), VELMORA_OK);
+  EXPECT_EQ(value, 5);
+  EXPECT_EQ(updater.parseIntKeySection(0, "K", &value), VELMORA_OK);
+  updater.writeConfigFileIntKey("M", 4);  // After the line that follows the key.
+  EXPECT_EQ(content(), "[Port A]\nK=1;\nL=2;\nM=4;\n\n[Port C]\nM=5;\n");
+
+  EXPECT_EQ(reader.parseIntKeySection(2, "M", &value), VELMORA_NOTHING_FOUND);
+  EXPECT_EQ(reader.parseIntKeySection(0, "M", &value), VELMORA_OK);
+  EXPECT_EQ(value, 3);
+  EXPECT_TRUE(reader.close());
+  EXPECT_EQ(reader.parseIntKeySection(0, "M", &value), VELMORA_NOTHING_FOUND);
 }
 
 TEST_F(ConfigParser, ReportsWritesThatDoNotReachTheFile) {

@@ -1,8 +1,11 @@
 /// Configuration files through the exports: what a load writes and stores, what a save writes,
 /// files edited by hand, files that cannot be read or written.
 #include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
 
 #include <clocale>
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -219,7 +222,7 @@ TEST(Configuration, ALoadAppliesEveryValueInOrderAndASaveWritesItBack) {
   EXPECT_EQ(takeWrites(), Lines{});
 }
 
-/// Replaces the first occurrence behind the start of a section, which has to exist.
+/// Replaces the first occurrence after the start of a section, which has to exist.
 std::function<std::string(std::string)> edit(const std::string& section, const std::string& from,
                                              const std::string& to) {
   return [=](std::string text) {
@@ -322,7 +325,8 @@ TEST(Configuration, RefusedAndFailingValuesDoNotEndALoad) {
 TEST(Configuration, TellsFilesThatCannotBeReadOrWritten) {
   const TemporaryDirectory directory;
   std::filesystem::create_directory(directory / "directory.mcf");
-  std::filesystem::create_symlink("/dev/full", directory / "full.mcf");
+  std::filesystem::create_symlink("/dev/null", directory / "null.mcf");
+  ASSERT_EQ(mkfifo((directory / "pipe.mcf").c_str(), 0600), 0);
   writeFile(directory / "settings.txt", fileText());
   const std::string none = directory / "none.mcf";
   const std::string unreachable = directory / "nowhere/a.mcf";
@@ -335,7 +339,8 @@ TEST(Configuration, TellsFilesThatCannotBeReadOrWritten) {
       {unreachable, -2076, -5000, -5001},
       {directory / "settings.txt", -2076, -5000, -5001},
       {directory / "directory.mcf", -5000, -5000, -5001},
-      {directory / "full.mcf", -2076, -5000, -5001},
+      {directory / "null.mcf", -2076, -5000, -5001},
+      {directory / "pipe.mcf", -2076, -5000, -5001},
   };
   Applet applet;
   for (const Case& c : cases) {
@@ -349,6 +354,24 @@ TEST(Configuration, TellsFilesThatCannotBeReadOrWritten) {
   EXPECT_EQ(applet.lastError(), -5000);
   EXPECT_EQ(Fg_saveConfig(applet.fg(), nullptr), -5001);
   EXPECT_EQ(contentOf(directory / "settings.txt"), fileText());
+}
+
+TEST(Configuration, ASaveFollowsALinkAndTellsAFullDisk) {
+  const TemporaryDirectory directory;
+  writeFile(directory / "a.mcf", "");
+  std::filesystem::create_symlink("a.mcf", directory / "link.mcf");
+  Applet applet;
+  EXPECT_EQ(Fg_saveConfig(applet.fg(), (directory / "link.mcf").c_str()), 0);
+  EXPECT_EQ(Fg_loadConfig(applet.fg(), (directory / "a.mcf").c_str()), 0);
+
+  signal(SIGXFSZ, SIG_IGN);  // Lets a write beyond the limit fail.
+  rlimit limit = {};
+  getrlimit(RLIMIT_FSIZE, &limit);
+  const rlimit small = {1000, limit.rlim_max};
+  setrlimit(RLIMIT_FSIZE, &small);
+  EXPECT_EQ(Fg_saveConfig(applet.fg(), (directory / "link.mcf").c_str()), -5001);
+  EXPECT_EQ(applet.lastError(), -5001);
+  setrlimit(RLIMIT_FSIZE, &limit);
 }
 
 TEST(Configuration, NumbersFollowTheLocaleOfTheProcess) {
