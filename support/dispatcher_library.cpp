@@ -33,9 +33,7 @@ std::string_view withoutTrailingSlashes(std::string_view path) {
 }
 
 std::optional<std::string> baseDirectoryFromPath(std::string_view path) {
-  if (path.size() >= kPathLimit) {
-    return std::nullopt;
-  }
+  if (path.size() >= kPathLimit) return std::nullopt;
   std::size_t slash = path.rfind('/');
   while (slash != std::string_view::npos) {
     const std::string_view directory = withoutTrailingSlashes(path.substr(0, slash));
@@ -60,12 +58,10 @@ std::optional<std::string> baseDirectoryFromEnvironment() {
 
 /// The base directory of this library, searched on the first call.
 std::optional<std::string> baseDirectory() {
-  static std::atomic<uint32_t> flag{0};
+  static std::atomic<std::uint32_t> flag{0};
   static std::optional<std::optional<std::string>> searched;
   const templates::platform::SpinLockVariableGuard guard(flag);
-  if (!searched) {
-    searched = findBaseDirectory(ownLibraryPath());
-  }
+  if (!searched) searched = findBaseDirectory(ownLibraryPath());
   return *searched;
 }
 
@@ -73,8 +69,7 @@ std::optional<std::string> baseDirectory() {
 
 std::string ownLibraryPath() {
   Dl_info info;
-  if (dladdr(reinterpret_cast<const void*>(&ownLibraryPath), &info) == 0 ||
-      info.dli_fname == nullptr) {
+  if (dladdr(reinterpret_cast<const void*>(&ownLibraryPath), &info) == 0 || !info.dli_fname) {
     return {};
   }
   return info.dli_fname;
@@ -89,20 +84,18 @@ LibraryRecord openInstalledLibrary(std::string_view baseDirectory, std::string_v
   LibraryRecord record;
   record.path.append(baseDirectory).append("/lib64/lib").append(name).append(".so");
   record.handle = dlopen(record.path.c_str(), velmora::kOpenLibraryFlags);
-  if (record.handle == nullptr) {
+  if (!record.handle) {
     const char* error = dlerror();
-    record.error = error != nullptr ? error : "";
+    record.error = error ? error : "";
   }
   return record;
 }
 
 std::optional<LibraryRecord> openDispatcherLibrary() {
   const std::optional<std::string> directory = baseDirectory();
-  if (!directory) {
-    return std::nullopt;
-  }
+  if (!directory) return std::nullopt;
   LibraryRecord record = openInstalledLibrary(*directory, kDispatcherName);
-  return record.handle != nullptr ? std::optional(std::move(record)) : std::nullopt;
+  return record.handle ? std::optional(std::move(record)) : std::nullopt;
 }
 
 }  // namespace korv::tools::logging

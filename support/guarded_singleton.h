@@ -36,14 +36,14 @@ class GuardedSingletonBase {
 
 /// Base of the singleton class `T`. `T` needs a default constructor that does not use the singleton
 /// and a member `void start()`, which may; both may be private when this class is a friend.
-template <typename T>
+template <class T>
 class GuardedSingleton : public GuardedSingletonBase {
  public:
   /// The one instance. It is created and started on the first call, while other threads wait; calls
   /// that its start makes on the same thread get the instance as it is.
   static T& instance() {
     T* ready = ready_.load(std::memory_order_acquire);
-    return ready != nullptr ? *ready : create();
+    return ready ? *ready : create();
   }
 
   ~GuardedSingleton() override {
@@ -58,7 +58,7 @@ class GuardedSingleton : public GuardedSingletonBase {
  private:
   static T& create() {
     const platform::SpinLockVariableGuard guard(flag_, &owner_);
-    if (slot_ == nullptr) {
+    if (!slot_) {
       slot_ = new T;
       record(slot_);
       if (!isOver()) {
@@ -71,7 +71,7 @@ class GuardedSingleton : public GuardedSingletonBase {
   }
 
   // Constant-initialised, so that an instance can be asked for at any time of the process.
-  inline static std::atomic<uint32_t> flag_{0};
+  inline static std::atomic<std::uint32_t> flag_{0};
   inline static std::atomic<pthread_t> owner_{0};
   inline static T* slot_ = nullptr;
   inline static std::atomic<T*> ready_{nullptr};

@@ -11,12 +11,12 @@
 
 namespace korv::templates::patterns {
 
-template <typename LockPointer>
+template <class LockPointer>
 class Guard;
 
 /// What all guards have in common: the lock, and whether leaving the scope gives it back. The
 /// destructor may throw because guards of a `GenericLock` report misuse.
-template <typename Lock>
+template <class Lock>
 class Guard<Lock*> {
  public:
   Guard(const Guard&) = delete;
@@ -93,12 +93,12 @@ class RecursiveMutex {
   /// To be called by the holder, once per `lock`.
   void unlock();
   /// How many times the holder has locked the mutex; 0 when nobody holds it. For the holder only.
-  uint32_t holds() const { return holds_; }
+  std::uint32_t holds() const { return holds_; }
 
  private:
   pthread_mutex_t mutex_;
   pthread_mutexattr_t attributes_;
-  uint32_t holds_ = 0;
+  std::uint32_t holds_ = 0;
 };
 
 /// Holds a `RecursiveMutex` for a scope.
@@ -166,14 +166,14 @@ class SpinLockVariableGuard {
  public:
   /// Waits until the flag is free, giving the processor away between tries. With an `owner` (0 when
   /// there is none), a thread that holds the flag already passes without taking it again.
-  explicit SpinLockVariableGuard(std::atomic<uint32_t>& flag,
+  explicit SpinLockVariableGuard(std::atomic<std::uint32_t>& flag,
                                  std::atomic<pthread_t>* owner = nullptr);
   SpinLockVariableGuard(const SpinLockVariableGuard&) = delete;
   SpinLockVariableGuard& operator=(const SpinLockVariableGuard&) = delete;
   virtual ~SpinLockVariableGuard();
 
  private:
-  std::atomic<uint32_t>* flag_;
+  std::atomic<std::uint32_t>* flag_;
   std::atomic<pthread_t>* owner_;
   bool held_ = false;
 };

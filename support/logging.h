@@ -27,13 +27,13 @@ namespace korv::tools::logging {
 /// A named source of messages. Larger levels are more serious.
 class Logger {
  public:
-  Logger(uint64_t handle, int32_t threshold) : handle_(handle), threshold_(threshold) {}
+  Logger(std::uint64_t handle, std::int32_t threshold) : handle_(handle), threshold_(threshold) {}
 
   /// Whether a message of `level` from the calling thread is wanted. To be asked before the text is
   /// built; `log` does not ask.
   bool isEnabled(int level);
   /// Hands a text to the dispatcher, if there is one. The last two arguments are 0 for texts.
-  void log(int level, const char* text, int argument, uint64_t data);
+  void log(int level, const char* text, int argument, std::uint64_t data);
   /// The lowest level that is enabled from now on.
   void setLevel(int threshold) { threshold_.store(threshold, std::memory_order_relaxed); }
   /// Mutes the calling thread for this logger, or lets it be heard again. Returns whether it could
@@ -41,10 +41,10 @@ class Logger {
   bool setThreadEnabled(bool enabled);
 
  private:
-  uint64_t handle_;
+  std::uint64_t handle_;
   templates::platform::RecursiveMutex mutex_;
   std::set<pthread_t> mutedThreads_;
-  std::atomic<int32_t> threshold_;
+  std::atomic<std::int32_t> threshold_;
 };
 
 /// The connection to the dispatcher and the owner of all loggers.
@@ -66,16 +66,16 @@ class Logging final : public templates::patterns::GuardedSingleton<Logging> {
   friend class Logger;
   friend class templates::patterns::GuardedSingleton<Logging>;
 
-  static constexpr int32_t kDefaultThreshold = 7;
+  static constexpr std::int32_t kDefaultThreshold = 7;
 
   Logging() = default;
   void start();
   Logger* find(const char* name);
-  void send(uint64_t handle, int level, const char* text, int argument, uint64_t data);
+  void send(std::uint64_t handle, int level, const char* text, int argument, std::uint64_t data);
 
   // Called by the dispatcher.
   static void* detach();
-  static void setLevel(uint64_t handle, int32_t level);
+  static void setLevel(std::uint64_t handle, std::int32_t level);
 
   Logger defaultLogger_{0, kDefaultThreshold};
   // Filled in by the dispatcher while it is being attached, constant afterwards.
@@ -83,7 +83,7 @@ class Logging final : public templates::patterns::GuardedSingleton<Logging> {
   Log log_ = nullptr;
   // Null while no dispatcher is attached.
   std::atomic<const LoggingDispatcherDescriptor*> descriptor_{nullptr};
-  std::map<uint64_t, Logger> loggers_;
+  std::map<std::uint64_t, Logger> loggers_;
   std::optional<LibraryRecord> library_;
   templates::platform::ReadWriteLock loggersLock_;
 };
@@ -92,15 +92,13 @@ class Logging final : public templates::patterns::GuardedSingleton<Logging> {
 std::string messagePrefix();
 
 /// Integers that a message can contain; characters and truth values are none.
-template <typename T>
+template <class T>
 concept MessageNumber = std::integral<T> && !std::same_as<T, bool> && !std::same_as<T, char>;
 
 /// @name Pieces that a message can be made of; a null text counts as empty
 /// @{
 inline void appendPiece(std::string& message, std::string_view text) { message += text; }
-inline void appendPiece(std::string& message, const char* text) {
-  message += text != nullptr ? text : "";
-}
+inline void appendPiece(std::string& message, const char* text) { message += text ? text : ""; }
 void appendPiece(std::string& message, MessageNumber auto number) {
   message += std::to_string(number);
 }
@@ -108,11 +106,9 @@ void appendPiece(std::string& message, MessageNumber auto number) {
 
 /// Logs the pieces, one after the other behind the prefix, when the level is enabled for the
 /// calling thread. Otherwise no text is built.
-template <typename... Pieces>
+template <class... Pieces>
 void logMessage(Logger& logger, int level, const Pieces&... pieces) {
-  if (!logger.isEnabled(level)) {
-    return;
-  }
+  if (!logger.isEnabled(level)) return;
   std::string message = messagePrefix();
   (appendPiece(message, pieces), ...);
   logger.log(level, message.c_str(), 0, 0);
