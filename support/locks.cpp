@@ -10,14 +10,7 @@ GenericLock::~GenericLock() noexcept(false) {  // NOLINT(bugprone-exception-esca
   if (markedLocked_) throw std::logic_error("GenericLock object destroyed with lock still held");
 }
 
-GenericLockGuard::GenericLockGuard(GenericLock& lock) : GenericLockGuard(&lock, false) { enter(); }
-
-GenericLockGuard::GenericLockGuard(std::unique_ptr<GenericLock> lock)
-    : GenericLockGuard(lock.release(), true) {
-  enter();
-}
-
-void GenericLockGuard::enter() {
+GenericLockGuard::GenericLockGuard(GenericLock& lock) : Guard(&lock, false) {
   const bool taken = lock_->enter();
   if (lock_->isMarkedLocked()) {
     // The outer holder on this thread still needs the lock; only what this call took goes back.
@@ -26,6 +19,11 @@ void GenericLockGuard::enter() {
   }
   lock_->setMarkedLocked(true);
   held_ = true;
+}
+
+GenericLockGuard::GenericLockGuard(std::unique_ptr<GenericLock> lock)
+    : GenericLockGuard(*lock.release()) {
+  owned_ = true;
 }
 
 GenericLockGuard::~GenericLockGuard() noexcept(false) {  // NOLINT(bugprone-exception-escape)

@@ -2,9 +2,11 @@
 #include <dlfcn.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <cstdlib>
+#include <fstream>
 #include <functional>
 #include <thread>
 #include <vector>
@@ -24,50 +26,88 @@ void expectLogicError(const char* text, const std::function<void()>& misuse) {
   EXPECT_THAT(misuse, ::testing::ThrowsMessage<std::logic_error>(text));
 }
 
-TEST(SupportLocks, GuardsExcludeOtherThreadsAndLetTheirOwnInAgain) {
-  RecursiveMutex recursive;
+/// Whether a thread that makes the guard `second` sleeps while this one holds the guard `first`.
+bool excludes(const auto& first, const auto& second) {
+  std::atomic<pid_t> id{0};
+  std::atomic<bool> inside{false};
+  const auto sleeps = [&] {
+    std::ifstream state("/proc/self/task/" + std::to_string(id) + "/stat");
+    const std::string text(std::istreambuf_iterator<char>(state), {});
+    const std::size_t name = text.rfind(')');
+    return name != std::string::npos && text[name + 2] == 'S';
+  };
+  std::thread other;
+  bool excluded = false;
+  {
+    const auto guard = first();
+    other = std::thread([&] {
+      id = gettid();
+      const auto held = second();
+      inside = true;
+    });
+    while (!inside && !sleeps()) std::this_thread::yield();
+    excluded = !inside;
+  }
+  other.join();
+  return excluded;
+}
+
+TEST(SupportLocks, GuardsExcludeOtherThreads) {
+  RecursiveMutex mutex;
   CriticalSection section;
   ReadWriteLock readWrite;
+  const auto mutexGuard = [&] { return RecursiveMutexGuard(mutex); };
+  const auto sectionGuard = [&] { return CriticalSectionGuard(section); };
+  const auto reader = [&] { return ReadWriteLockGuard(readWrite, Access::kRead); };
+  const auto writer = [&] { return ReadWriteLockGuard(readWrite, Access::kWrite); };
+  EXPECT_TRUE(excludes(mutexGuard, mutexGuard));
+  EXPECT_EQ((mutexGuard(), mutexGuard(), mutex.holds()), 2U);
+  EXPECT_EQ(mutex.holds(), 0U);
+  EXPECT_TRUE(excludes(sectionGuard, sectionGuard));
+  EXPECT_TRUE(excludes(writer, reader) && excludes(reader, writer));
+  const auto held = reader();
+  std::thread([&] { const auto second = reader(); }).join();
+}
+
+TEST(SupportLocks, SpinFlagsExcludeOtherThreadsAndLetTheirOwnerInAgain) {
   std::atomic<uint32_t> flag{0};
   std::atomic<pthread_t> owner{0};
   int counter = 0;
-  const std::function<void()> increments[] = {
-      [&] { ++(RecursiveMutexGuard(recursive), RecursiveMutexGuard(recursive), counter); },
-      [&] { ++(CriticalSectionGuard(section), counter); },
-      [&] { ++(ReadWriteLockGuard(readWrite, Access::kWrite), counter); },
-      [&] {
-        ++(SpinLockVariableGuard(flag, &owner), SpinLockVariableGuard(flag, &owner), counter);
-      },
-      [&] { ++(SpinLockVariableGuard(flag), counter); }};
-  for (const auto& increment : increments) {
-    counter = 0;
-    const auto incrementOften = [&] {
-      for (int i = 0; i < 500; ++i) increment();
-    };
+  const auto incrementOften = [&](std::atomic<pthread_t>* known) {
+    for (int i = 0; i < 1000; ++i) {
+      const SpinLockVariableGuard guard(flag, known);
+      if (known) const SpinLockVariableGuard again(flag, known);
+      ++counter;
+    }
+  };
+  for (auto* known : {&owner, static_cast<std::atomic<pthread_t>*>(nullptr)}) {
     std::vector<std::thread> threads;
-    for (int i = 0; i < 4; ++i) threads.emplace_back(incrementOften);
+    for (int i = 0; i < 4; ++i) threads.emplace_back(incrementOften, known);
     for (std::thread& thread : threads) thread.join();
-    EXPECT_EQ(counter, 2000) << "lock " << &increment - increments;
   }
-  EXPECT_TRUE(recursive.holds() == 0 && flag == 0 && owner == pthread_t{0});
-  const ReadWriteLockGuard reader(readWrite, Access::kRead);
-  std::thread([&] { const ReadWriteLockGuard second(readWrite, Access::kRead); }).join();
+  EXPECT_EQ(counter, 8000);
+  EXPECT_TRUE(flag == 0 && owner == pthread_t{0});
 }
 
 TEST(SupportLocks, GuardsReportMisuseAndKeepTheLock) {
   pthread_mutex_t foreign = PTHREAD_ERRORCHECK_MUTEX_INITIALIZER_NP;
-  CriticalSection lock(foreign), own;
+  CriticalSection lock(foreign);
+  auto* owned = new CriticalSection;
+  constexpr const char* kMarked = "GenericLock object got lock but is already marked as locked";
   {
-    const CriticalSectionGuard guard(lock), ownGuard(own);
-    EXPECT_FALSE(lock.enter() || own.enter());
-    expectLogicError("GenericLock object got lock but is already marked as locked",
-                     [&] { const CriticalSectionGuard again(lock); });
-    EXPECT_EQ(pthread_mutex_trylock(&foreign), EBUSY) << "given away by the refused guard";
+    const CriticalSectionGuard guard(lock);
+    const GenericLockGuard owner{std::unique_ptr<GenericLock>(owned)};
+    EXPECT_FALSE(lock.enter() || owned->enter());
+    expectLogicError(kMarked, [&] { const CriticalSectionGuard again(lock); });
+    expectLogicError(kMarked, [&] { GenericLockGuard{std::unique_ptr<GenericLock>(owned)}; });
+    EXPECT_FALSE(lock.tryEnter()) << "given away by the refused guard";
   }
-  EXPECT_EQ(pthread_mutex_trylock(&foreign), 0);
-  pthread_mutex_unlock(&foreign);
-  expectLogicError("GenericLock::leave() called with lock not held",
-                   [&] { const GenericLockGuard guard(lock, std::adopt_lock); });
+  EXPECT_TRUE(lock.tryEnter());
+  EXPECT_EQ(pthread_mutex_trylock(&foreign), EBUSY);
+  expectLogicError("GenericLock::leave() called with lock not held", [&] {
+    const CriticalSectionGuard guard(lock);  // takes over what the thread has entered
+    lock.setMarkedLocked(false);
+  });
   expectLogicError("GenericLock object destroyed with lock still held",
                    [] { CriticalSection().setMarkedLocked(true); });
 }
