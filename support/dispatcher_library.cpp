@@ -1,12 +1,13 @@
 #include "support/dispatcher_library.h"
 
 #include <dlfcn.h>
-#include <strings.h>
 
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <cerrno>
 #include <cstdlib>
+#include <new>
 
 #include "platform/dynamic_library.h"
 #include "support/locks.h"
@@ -20,12 +21,16 @@ constexpr std::array<std::string_view, 5> kLibraryDirectories = {"bin", "dll", "
                                                                  "lib", "lib64"};
 constexpr std::size_t kPathLimit = 1024;
 
+// The conversions of the C library follow the host's locale: the Turkish one turns I into a dotless
+// i.
+constexpr char lowered(char c) {
+  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
 bool isLibraryDirectory(std::string_view name) {
-  return std::any_of(kLibraryDirectories.begin(), kLibraryDirectories.end(),
-                     [name](std::string_view known) {
-                       return known.size() == name.size() &&
-                              strncasecmp(known.data(), name.data(), name.size()) == 0;
-                     });
+  return std::ranges::any_of(kLibraryDirectories, [name](std::string_view known) {
+    return std::ranges::equal(known, name, {}, lowered, lowered);
+  });
 }
 
 std::string_view withoutTrailingSlashes(std::string_view path) {
@@ -83,7 +88,10 @@ std::optional<std::string> findBaseDirectory(std::string_view libraryPath) {
 LibraryRecord openInstalledLibrary(std::string_view baseDirectory, std::string_view name) {
   LibraryRecord record;
   record.path.append(baseDirectory).append("/lib64/lib").append(name).append(".so");
+  errno = 0;
   record.handle = dlopen(record.path.c_str(), velmora::kOpenLibraryFlags);
+  // The loader reports want of memory like a missing library.
+  if (!record.handle && errno == ENOMEM) throw std::bad_alloc();
   if (!record.handle) {
     const char* error = dlerror();
     record.error = error ? error : "";

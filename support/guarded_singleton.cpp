@@ -17,7 +17,7 @@ class GuardedSingletonBase::ExitHook {
  public:
   ~ExitHook() {
     over = true;
-    while (GuardedSingletonBase* singleton = takeNewest()) delete singleton;
+    while (GuardedSingletonBase* singleton = takeNewest()) singleton->destroy();
   }
 
  private:

@@ -168,6 +168,9 @@ class SpinLockVariableGuard {
   SpinLockVariableGuard& operator=(const SpinLockVariableGuard&) = delete;
   virtual ~SpinLockVariableGuard();
 
+  /// False when the thread held the flag already.
+  bool held() const { return held_; }
+
  private:
   std::atomic<std::uint32_t>* flag_;
   std::atomic<pthread_t>* owner_;

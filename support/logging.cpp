@@ -25,12 +25,19 @@ bool Logger::setThreadEnabled(bool enabled) {
 
 Logger* Logging::getLogger(const char* name) { return instance().find(name); }
 
-void Logging::start() {
+bool Logging::start() {
+  const bool attached = attempt([this] { attach(); });
+  if (!attached) descriptor_ = nullptr;  // Half attached is not attached.
+  return attached;
+}
+
+void Logging::attach() {
   library_ = openDispatcherLibrary();
   if (!library_) return;
   const auto* descriptor = static_cast<const LoggingDispatcherDescriptor*>(
       dlsym(library_->handle, "logging_dispatcher_descriptor"));
-  if (!descriptor) {
+  // Without the register function there is nothing that could be called.
+  if (!descriptor || !descriptor->registerLogging) {
     library_.reset();
     return;
   }
@@ -44,23 +51,27 @@ Logging::~Logging() {
     const ReadWriteLockGuard guard(loggersLock_, ReadWriteLockGuard::Access::kWrite);
     loggers_.clear();
   }
-  if (const LoggingDispatcherDescriptor* descriptor = descriptor_.exchange(nullptr)) {
-    descriptor->unregisterLogging(this);
-  }
+  const LoggingDispatcherDescriptor* descriptor = descriptor_.exchange(nullptr);
+  if (descriptor && descriptor->unregisterLogging)
+    attempt([&] { descriptor->unregisterLogging(this); });
 }
 
 Logger* Logging::find(const char* name) {
   if (!descriptor_.load() || !getLogger_) return &defaultLogger_;
-  std::uint64_t handle = 0;
-  std::int32_t level = kDefaultThreshold;
-  getLogger_(name, &handle, &level);
-  const ReadWriteLockGuard guard(loggersLock_, ReadWriteLockGuard::Access::kWrite);
-  return &loggers_.try_emplace(handle, handle, level).first->second;
+  Logger* found = &defaultLogger_;
+  attempt([&] {
+    std::uint64_t handle = 0;
+    std::int32_t level = kDefaultThreshold;
+    getLogger_(name, &handle, &level);
+    const ReadWriteLockGuard guard(loggersLock_, ReadWriteLockGuard::Access::kWrite);
+    found = &loggers_.try_emplace(handle, handle, level).first->second;
+  });
+  return found;
 }
 
 void Logging::send(std::uint64_t handle, int level, const char* text, int argument,
                    std::uint64_t data) {
-  if (descriptor_.load() && log_) log_(handle, level, text, argument, data);
+  if (descriptor_.load() && log_) attempt([&] { log_(handle, level, text, argument, data); });
 }
 
 void* Logging::detach() {

@@ -1,6 +1,7 @@
 /// Diagnostic messages. They go to the logging dispatcher, a library of the board's software that
-/// is loaded when the first logger is asked for; without it nothing is logged and no call fails.
-/// Everything here may be used from any thread.
+/// is loaded when the first logger is asked for; without it nothing is logged. No failure of
+/// logging reaches the caller: what cannot be logged is dropped. Everything here may be used from
+/// any thread.
 ///
 ///     Logger* logger = Logging::getLogger("korv.wrapper.Velmora");
 ///     logMessage(*logger, 4, "cannot retrieve KT id for KT parameter: '", name, "'");
@@ -11,6 +12,7 @@
 #include <atomic>
 #include <concepts>
 #include <cstdint>
+#include <exception>
 #include <map>
 #include <optional>
 #include <set>
@@ -23,6 +25,18 @@
 #include "support/locks.h"
 
 namespace korv::tools::logging {
+
+/// Runs a step of logging and tells whether it succeeded. The exceptions of the dispatcher's code
+/// and of memory running out end here; the cancellation of a thread passes.
+template <class Step>
+bool attempt(const Step& step) {
+  try {
+    step();
+    return true;
+  } catch (const std::exception&) {
+    return false;
+  }
+}
 
 /// A named source of messages. Larger levels are more serious.
 class Logger {
@@ -51,15 +65,16 @@ class Logger {
 class Logging final : public templates::patterns::GuardedSingleton<Logging> {
  public:
   /// The logger called `name`, never null; one and the same for all names that the dispatcher gives
-  /// the same handle. Without a dispatcher the default logger, which enables no level below 7.
-  /// Valid until the static objects of the process are destroyed or the library is unloaded.
+  /// the same handle. Without a dispatcher, and when memory runs out, the default logger, which
+  /// enables no level below 7. Valid until the static objects of the process are destroyed or the
+  /// library is unloaded.
   static Logger* getLogger(const char* name);
 
   /// True once the process is ending: loggers that were asked for before are gone or going, those
   /// asked for from now on are silent.
   static bool ended() { return isOver(); }
 
-  /// Releases the loggers and takes leave of the dispatcher.
+  /// Releases the loggers and unregisters from the dispatcher.
   ~Logging() override;
 
  private:
@@ -69,7 +84,8 @@ class Logging final : public templates::patterns::GuardedSingleton<Logging> {
   static constexpr std::int32_t kDefaultThreshold = 7;
 
   Logging() = default;
-  void start();
+  bool start();
+  void attach();
   Logger* find(const char* name);
   void send(std::uint64_t handle, int level, const char* text, int argument, std::uint64_t data);
 
@@ -91,7 +107,7 @@ class Logging final : public templates::patterns::GuardedSingleton<Logging> {
 /// "thread-id=<calling thread's id, unsigned decimal>|", the start of every message.
 std::string messagePrefix();
 
-/// Integers that a message can contain; characters and truth values are none.
+/// Integers that a message can contain; char and bool excluded.
 template <class T>
 concept MessageNumber = std::integral<T> && !std::same_as<T, bool> && !std::same_as<T, char>;
 
@@ -104,14 +120,16 @@ void appendPiece(std::string& message, MessageNumber auto number) {
 }
 /// @}
 
-/// Logs the pieces, one after the other behind the prefix, when the level is enabled for the
-/// calling thread. Otherwise no text is built.
+/// Logs the prefix and the pieces, one after the other, when the level is enabled for the calling
+/// thread. Otherwise no text is built.
 template <class... Pieces>
 void logMessage(Logger& logger, int level, const Pieces&... pieces) {
   if (!logger.isEnabled(level)) return;
-  std::string message = messagePrefix();
-  (appendPiece(message, pieces), ...);
-  logger.log(level, message.c_str(), 0, 0);
+  attempt([&] {
+    std::string message = messagePrefix();
+    (appendPiece(message, pieces), ...);
+    logger.log(level, message.c_str(), 0, 0);
+  });
 }
 
 }  // namespace korv::tools::logging

@@ -18,12 +18,23 @@ function(velmora_add_support_test target directory source)
   gtest_discover_tests(${target})
 endfunction()
 
+# A locale in which i is not the small form of I.
+set(locales ${CMAKE_CURRENT_BINARY_DIR}/locales)
+find_program(LOCALEDEF localedef REQUIRED)
+add_custom_command(
+  OUTPUT ${locales}/tr_TR.UTF-8/LC_CTYPE
+  COMMAND ${CMAKE_COMMAND} -E make_directory ${locales}
+  COMMAND ${LOCALEDEF} --no-archive -i tr_TR -f UTF-8 ${locales}/tr_TR.UTF-8)
+add_custom_target(turkish_locale DEPENDS ${locales}/tr_TR.UTF-8/LC_CTYPE)
+
 velmora_add_dispatcher_library(unusable_logging_dispatcher support fakes/unusable_library.cpp)
 velmora_add_support_test(support_test support support_test.cpp)
-add_dependencies(support_test unusable_logging_dispatcher)
+add_dependencies(support_test unusable_logging_dispatcher turkish_locale)
+target_compile_definitions(support_test PRIVATE VELMORA_LOCALES="${locales}")
 
 velmora_add_dispatcher_library(fake_logging_dispatcher dispatcher fakes/logging_dispatcher.cpp)
 velmora_add_support_test(support_dispatcher_test dispatcher support_dispatcher_test.cpp)
+target_sources(support_dispatcher_test PRIVATE fakes/allocation_hook.cpp)
 target_link_libraries(support_dispatcher_test PRIVATE fake_logging_dispatcher)
 # This dispatcher and no other, whatever LD_LIBRARY_PATH says.
 target_link_options(support_dispatcher_test PRIVATE -Wl,--disable-new-dtags)
