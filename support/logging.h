@@ -43,6 +43,9 @@ class Logger {
  public:
   Logger(std::uint64_t handle, std::int32_t threshold) : handle_(handle), threshold_(threshold) {}
 
+  /// Whether this may be the default logger, which is not worth keeping: a later
+  /// `Logging::getLogger` may give a better one.
+  bool isDefault() const { return handle_ == 0; }
   /// Whether a message of `level` from the calling thread is wanted. To be asked before the text is
   /// built; `log` does not ask.
   bool isEnabled(int level);

@@ -1,4 +1,3 @@
-# On its own, because it replaces the global operator new.
-add_executable(allocation_test allocation_test.cpp)
+add_executable(allocation_test allocation_test.cpp fakes/allocation_hook.cpp)
 target_link_libraries(allocation_test PRIVATE Velmora virtualboard GTest::gtest_main)
 gtest_discover_tests(allocation_test)
