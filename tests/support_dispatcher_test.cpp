@@ -7,7 +7,6 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <latch>
 #include <new>
 #include <optional>
 #include <thread>
@@ -37,12 +36,16 @@ class SupportDispatcher : public ::testing::Test {
 
 TEST_F(SupportDispatcher, FirstUseByManyThreadsRegistersOnce) {
   constexpr const char* kNames[] = {"10:4", "11:4"};
+  {
+    std::optional<OtherThread> second;
+    const AllocationHook whenStarting(
+        [&] { second.emplace([&] { Logging::getLogger(kNames[1]); }).isHeldUp(); });
+    Logging::getLogger(kNames[0]);
+  }
   std::vector<Logger*> loggers(8);
-  std::latch start(8);
   std::vector<std::thread> threads;
   for (Logger*& logger : loggers) {
-    threads.emplace_back([&logger, &start, name = kNames[threads.size() % 2]] {
-      start.arrive_and_wait();
+    threads.emplace_back([&logger, name = kNames[threads.size() % 2]] {
       for (int i = 0; i < 100; ++i) {
         logger = Logging::getLogger(name);
         logger->setThreadEnabled(i % 2 == 0);
