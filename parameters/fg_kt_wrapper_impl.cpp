@@ -50,7 +50,8 @@ FgKtWrapperImpl::~FgKtWrapperImpl() noexcept = default;
 Logger& FgKtWrapperImpl::logger() {
   Logger* logger = logger_;
   // An instance may outlive the loggers, in a static object of the host.
-  if (!logger || Logging::ended()) logger_ = logger = Logging::getLogger("korv.wrapper.Velmora");
+  if (!logger || Logging::ended() || logger->isDefault())
+    logger_ = logger = Logging::getLogger("korv.wrapper.Velmora");
   return *logger;
 }
 

@@ -11,7 +11,7 @@ Category& Category::addChild(std::string name) {
   return *children_.emplace_back(std::make_unique<Category>(std::move(name)));
 }
 
-Category* Category::getChild(size_t position) const {
+Category* Category::getChild(std::size_t position) const {
   return position < children_.size() ? children_[position].get() : nullptr;
 }
 
@@ -23,7 +23,7 @@ Category* Category::getChild(std::string_view name) const {
 
 void Category::addFeature(std::string feature) { features_.push_back(std::move(feature)); }
 
-std::string Category::getFeature(size_t position) const {
+std::string Category::getFeature(std::size_t position) const {
   return position < features_.size() ? features_[position] : std::string();
 }
 

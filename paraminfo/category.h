@@ -22,18 +22,18 @@ class Category {
 
   /// Appends a child category. Names may repeat.
   Category& addChild(std::string name);
-  size_t getChildCount() const { return children_.size(); }
+  std::size_t getChildCount() const { return children_.size(); }
   /// The child at `position`, from 0; null when out of range.
-  Category* getChild(size_t position) const;
+  Category* getChild(std::size_t position) const;
   /// The first child with exactly this name; null when there is none.
   Category* getChild(std::string_view name) const;
-  bool hasChild(std::string_view name) const { return getChild(name) != nullptr; }
+  bool hasChild(std::string_view name) const { return getChild(name); }
 
   /// Appends a feature. Features may repeat.
   void addFeature(std::string feature);
-  size_t getFeatureCount() const { return features_.size(); }
+  std::size_t getFeatureCount() const { return features_.size(); }
   /// The feature at `position`, from 0; empty when out of range.
-  std::string getFeature(size_t position) const;
+  std::string getFeature(std::size_t position) const;
   /// Whether a feature with exactly this text exists.
   bool hasFeature(std::string_view feature) const;
 

@@ -14,8 +14,8 @@ using ValueArea = decltype(RegisterInfo::value);
 using Text = std::unique_ptr<char[]>;
 
 Text copyText(const char* text) {
-  if (text == nullptr) return nullptr;
-  const size_t size = std::strlen(text) + 1;
+  if (!text) return nullptr;
+  const std::size_t size = std::strlen(text) + 1;
   Text copy = std::make_unique_for_overwrite<char[]>(size);
   std::memcpy(copy.get(), text, size);
   return copy;
@@ -26,18 +26,18 @@ void replaceText(char*& text, Text replacement) noexcept {
   text = replacement.release();
 }
 
-void createEntries(ValueArea& area, size_t count) {
+void createEntries(ValueArea& area, std::size_t count) {
   auto names = std::make_unique<char*[]>(count);
-  auto values = std::make_unique<int32_t[]>(count);
+  auto values = std::make_unique<std::int32_t[]>(count);
   auto identifiers = std::make_unique<char*[]>(count);
-  area.enumeration.entryCount = static_cast<uint32_t>(count);
+  area.enumeration.entryCount = static_cast<std::uint32_t>(count);
   area.enumeration.names = names.release();
   area.enumeration.values = values.release();
   area.enumeration.identifiers = identifiers.release();
 }
 
 void releaseEntries(ValueArea& area) noexcept {
-  for (uint32_t i = 0; i < area.enumeration.entryCount; ++i) {
+  for (std::uint32_t i = 0; i < area.enumeration.entryCount; ++i) {
     delete[] area.enumeration.names[i];
     delete[] area.enumeration.identifiers[i];
   }
@@ -70,7 +70,7 @@ void Fg_ParameterInfo::NodeDeleter::operator()(RegisterInfo* node) const noexcep
 }
 
 Fg_ParameterInfo::Fg_ParameterInfo(int processCount)
-    : processes_(static_cast<size_t>(std::max(processCount, 0))) {}
+    : processes_(static_cast<std::size_t>(std::max(processCount, 0))) {}
 
 void Fg_ParameterInfo::init(int process) {
   destroy(process);
@@ -90,18 +90,19 @@ void Fg_ParameterInfo::finalize(int process) {
 
 RegisterInfo* Fg_ParameterInfo::addGroupInfo(int process, RegisterInfo* parent, const char* name) {
   Process* owner = openProcess(process, parent);
-  if (owner == nullptr) return nullptr;
+  if (!owner) return nullptr;
   NodePtr group = createNode(REGISTER_INFO_GROUP, {.name = name, .process = process});
-  if (parent == nullptr) return prependRoot(*owner, std::move(group));
+  if (!parent) return prependRoot(*owner, std::move(group));
   group->level = parent->level + 1;
   replaceText(group->parentName, copyText(parent->name));
   return appendChild(*owner, *parent, std::move(group));
 }
 
 RegisterInfo* Fg_ParameterInfo::addInfoUInt(RegisterInfo* parent, const char* name,
-                                            const char* paramName, uint32_t min, uint32_t max,
-                                            uint32_t inc, int accessMode, int qualifier,
-                                            int visible, const char* unit, int id, int process) {
+                                            const char* paramName, std::uint32_t min,
+                                            std::uint32_t max, std::uint32_t inc, int accessMode,
+                                            int qualifier, int visible, const char* unit, int id,
+                                            int process) {
   return addValueNode(REGISTER_INFO_UINT,
                       {parent, name, paramName, accessMode, qualifier, visible, unit, id, process},
                       [&](ValueArea& area) {
@@ -110,9 +111,10 @@ RegisterInfo* Fg_ParameterInfo::addInfoUInt(RegisterInfo* parent, const char* na
 }
 
 RegisterInfo* Fg_ParameterInfo::addInfoInt(RegisterInfo* parent, const char* name,
-                                           const char* paramName, int32_t min, int32_t max,
-                                           int32_t inc, int accessMode, int qualifier, int visible,
-                                           const char* unit, int id, int process) {
+                                           const char* paramName, std::int32_t min,
+                                           std::int32_t max, std::int32_t inc, int accessMode,
+                                           int qualifier, int visible, const char* unit, int id,
+                                           int process) {
   return addValueNode(REGISTER_INFO_INT,
                       {parent, name, paramName, accessMode, qualifier, visible, unit, id, process},
                       [&](ValueArea& area) {
@@ -121,9 +123,10 @@ RegisterInfo* Fg_ParameterInfo::addInfoInt(RegisterInfo* parent, const char* nam
 }
 
 RegisterInfo* Fg_ParameterInfo::addInfoUInt64(RegisterInfo* parent, const char* name,
-                                              const char* paramName, uint64_t min, uint64_t max,
-                                              uint64_t inc, int accessMode, int qualifier,
-                                              int visible, const char* unit, int id, int process) {
+                                              const char* paramName, std::uint64_t min,
+                                              std::uint64_t max, std::uint64_t inc, int accessMode,
+                                              int qualifier, int visible, const char* unit, int id,
+                                              int process) {
   return addValueNode(REGISTER_INFO_UINT64,
                       {parent, name, paramName, accessMode, qualifier, visible, unit, id, process},
                       [&](ValueArea& area) {
@@ -132,9 +135,10 @@ RegisterInfo* Fg_ParameterInfo::addInfoUInt64(RegisterInfo* parent, const char* 
 }
 
 RegisterInfo* Fg_ParameterInfo::addInfoInt64(RegisterInfo* parent, const char* name,
-                                             const char* paramName, int64_t min, int64_t max,
-                                             int64_t inc, int accessMode, int qualifier,
-                                             int visible, const char* unit, int id, int process) {
+                                             const char* paramName, std::int64_t min,
+                                             std::int64_t max, std::int64_t inc, int accessMode,
+                                             int qualifier, int visible, const char* unit, int id,
+                                             int process) {
   return addValueNode(REGISTER_INFO_INT64,
                       {parent, name, paramName, accessMode, qualifier, visible, unit, id, process},
                       [&](ValueArea& area) {
@@ -166,19 +170,20 @@ RegisterInfo* Fg_ParameterInfo::addInfoEnum(RegisterInfo* parent, const char* na
                                             const char* paramName, int entryCount, int accessMode,
                                             int qualifier, int visible, const char* unit, int id,
                                             int process) {
-  return addValueNode(
-      REGISTER_INFO_ENUM,
-      {parent, name, paramName, accessMode, qualifier, visible, unit, id, process},
-      [&](ValueArea& area) { createEntries(area, static_cast<size_t>(std::max(entryCount, 0))); });
+  return addValueNode(REGISTER_INFO_ENUM,
+                      {parent, name, paramName, accessMode, qualifier, visible, unit, id, process},
+                      [&](ValueArea& area) {
+                        createEntries(area, static_cast<std::size_t>(std::max(entryCount, 0)));
+                      });
 }
 
 int Fg_ParameterInfo::addEnumNameValue(RegisterInfo* enumeration, int entryIndex,
                                        const char* displayText, int value,
                                        const char* symbolicName) {
-  if (enumeration == nullptr || enumeration->kind != REGISTER_INFO_ENUM || displayText == nullptr)
+  if (!enumeration || enumeration->kind != REGISTER_INFO_ENUM || !displayText)
     return VELMORA_BUFFER_TOO_SMALL;
   auto& entries = enumeration->value.enumeration;
-  if (entryIndex < 0 || static_cast<uint32_t>(entryIndex) >= entries.entryCount)
+  if (entryIndex < 0 || static_cast<std::uint32_t>(entryIndex) >= entries.entryCount)
     return VELMORA_BUFFER_TOO_SMALL;
   try {
     Text name = copyText(displayText);
@@ -193,8 +198,9 @@ int Fg_ParameterInfo::addEnumNameValue(RegisterInfo* enumeration, int entryIndex
 }
 
 RegisterInfo* Fg_ParameterInfo::addInfoIntField(RegisterInfo* parent, const char* name,
-                                                const char* paramName, int32_t count, int32_t value,
-                                                int32_t max, int32_t /*ignored*/, int accessMode,
+                                                const char* paramName, std::int32_t count,
+                                                std::int32_t value, std::int32_t max,
+                                                std::int32_t /*ignored*/, int accessMode,
                                                 int qualifier, int visible, const char* unit,
                                                 int id, int process) {
   return addValueNode(REGISTER_INFO_INT_FIELD,
@@ -205,10 +211,11 @@ RegisterInfo* Fg_ParameterInfo::addInfoIntField(RegisterInfo* parent, const char
 }
 
 RegisterInfo* Fg_ParameterInfo::addInfoUIntField(RegisterInfo* parent, const char* name,
-                                                 const char* paramName, uint32_t count,
-                                                 uint32_t value, uint32_t max, uint32_t /*ignored*/,
-                                                 int accessMode, int qualifier, int visible,
-                                                 const char* unit, int id, int process) {
+                                                 const char* paramName, std::uint32_t count,
+                                                 std::uint32_t value, std::uint32_t max,
+                                                 std::uint32_t /*ignored*/, int accessMode,
+                                                 int qualifier, int visible, const char* unit,
+                                                 int id, int process) {
   return addValueNode(REGISTER_INFO_UINT_FIELD,
                       {parent, name, paramName, accessMode, qualifier, visible, unit, id, process},
                       [&](ValueArea& area) {
@@ -217,7 +224,7 @@ RegisterInfo* Fg_ParameterInfo::addInfoUIntField(RegisterInfo* parent, const cha
 }
 
 RegisterInfo* Fg_ParameterInfo::addInfoDoubleField(RegisterInfo* parent, const char* name,
-                                                   const char* paramName, int32_t count,
+                                                   const char* paramName, std::int32_t count,
                                                    double value, double max, double /*ignored*/,
                                                    int accessMode, int qualifier, int visible,
                                                    const char* unit, int id, int process) {
@@ -229,23 +236,23 @@ RegisterInfo* Fg_ParameterInfo::addInfoDoubleField(RegisterInfo* parent, const c
 }
 
 void Fg_ParameterInfo::setParamName(RegisterInfo* node, const char* paramName) {
-  if (node != nullptr) replaceText(node->paramName, copyText(paramName));
+  if (node) replaceText(node->paramName, copyText(paramName));
 }
 
 RegisterInfo* Fg_ParameterInfo::getRegisterInfo(int process) const {
   const Process* found = find(process);
-  return found == nullptr ? nullptr : found->newestRoot;
+  return found ? found->newestRoot : nullptr;
 }
 
 RegisterInfo* Fg_ParameterInfo::getNextRegisterInfo(const RegisterInfo* node, int process) const {
   const Process* found = find(process);
-  if (found == nullptr) return nullptr;
-  return node == nullptr ? found->newestRoot : node->next;
+  if (!found) return nullptr;
+  return node ? node->next : found->newestRoot;
 }
 
 const Fg_ParameterInfo::Process* Fg_ParameterInfo::find(int process) const {
-  const bool exists = process >= 0 && static_cast<size_t>(process) < processes_.size();
-  return exists ? &processes_[static_cast<size_t>(process)] : nullptr;
+  const bool exists = process >= 0 && static_cast<std::size_t>(process) < processes_.size();
+  return exists ? &processes_[static_cast<std::size_t>(process)] : nullptr;
 }
 
 Fg_ParameterInfo::Process* Fg_ParameterInfo::find(int process) {
@@ -253,18 +260,18 @@ Fg_ParameterInfo::Process* Fg_ParameterInfo::find(int process) {
 }
 
 Fg_ParameterInfo::Process* Fg_ParameterInfo::openProcess(int process, const RegisterInfo* parent) {
-  if (parent != nullptr && parent->kind != REGISTER_INFO_GROUP) return nullptr;
+  if (parent && parent->kind != REGISTER_INFO_GROUP) return nullptr;
   Process* found = find(process);
-  return found == nullptr || found->finalized ? nullptr : found;
+  return !found || found->finalized ? nullptr : found;
 }
 
 Fg_ParameterInfo::NodePtr Fg_ParameterInfo::createNode(RegisterInfoKind kind,
                                                        const Attributes& attributes) {
   NodePtr node(new RegisterInfo());
-  node->kind = static_cast<uint32_t>(kind);
-  node->accessMode = static_cast<uint32_t>(attributes.accessMode);
-  node->qualifier = static_cast<uint32_t>(attributes.qualifier);
-  node->visible = static_cast<uint32_t>(attributes.visible);
+  node->kind = static_cast<std::uint32_t>(kind);
+  node->accessMode = static_cast<std::uint32_t>(attributes.accessMode);
+  node->qualifier = static_cast<std::uint32_t>(attributes.qualifier);
+  node->visible = static_cast<std::uint32_t>(attributes.visible);
   node->id = attributes.id;
   node->process = attributes.process;
   node->name = copyText(attributes.name).release();
@@ -275,7 +282,7 @@ Fg_ParameterInfo::NodePtr Fg_ParameterInfo::createNode(RegisterInfoKind kind,
 
 RegisterInfo* Fg_ParameterInfo::appendChild(Process& process, RegisterInfo& parent, NodePtr node) {
   auto& group = parent.value.group;
-  auto grown = std::make_unique_for_overwrite<RegisterInfo*[]>(size_t{group.childCount} + 1);
+  auto grown = std::make_unique_for_overwrite<RegisterInfo*[]>(std::size_t{group.childCount} + 1);
   std::copy_n(group.children, group.childCount, grown.get());
   // The last step that can fail; from here on parent and child are linked.
   RegisterInfo* child = process.nodes.emplace_back(std::move(node)).get();
@@ -290,17 +297,17 @@ RegisterInfo* Fg_ParameterInfo::appendChild(Process& process, RegisterInfo& pare
 RegisterInfo* Fg_ParameterInfo::prependRoot(Process& process, NodePtr node) {
   RegisterInfo* root = process.nodes.emplace_back(std::move(node)).get();
   root->next = process.newestRoot;
-  if (root->next != nullptr) root->next->prev = root;
+  if (root->next) root->next->prev = root;
   process.newestRoot = root;
   return root;
 }
 
-template <typename Fill>
+template <class Fill>
 RegisterInfo* Fg_ParameterInfo::addValueNode(RegisterInfoKind kind, const Attributes& attributes,
                                              Fill fill) {
-  if (attributes.parent == nullptr) return nullptr;
+  if (!attributes.parent) return nullptr;
   Process* owner = openProcess(attributes.process, attributes.parent);
-  if (owner == nullptr) return nullptr;
+  if (!owner) return nullptr;
   NodePtr node = createNode(kind, attributes);
   fill(node->value);
   return appendChild(*owner, *attributes.parent, std::move(node));

@@ -56,17 +56,18 @@ class Fg_ParameterInfo {
   /// @param id SDK parameter id.
   /// @{
   RegisterInfo* addInfoUInt(RegisterInfo* parent, const char* name, const char* paramName,
-                            uint32_t min, uint32_t max, uint32_t inc, int accessMode, int qualifier,
-                            int visible, const char* unit, int id, int process);
+                            std::uint32_t min, std::uint32_t max, std::uint32_t inc, int accessMode,
+                            int qualifier, int visible, const char* unit, int id, int process);
   RegisterInfo* addInfoInt(RegisterInfo* parent, const char* name, const char* paramName,
-                           int32_t min, int32_t max, int32_t inc, int accessMode, int qualifier,
-                           int visible, const char* unit, int id, int process);
+                           std::int32_t min, std::int32_t max, std::int32_t inc, int accessMode,
+                           int qualifier, int visible, const char* unit, int id, int process);
   RegisterInfo* addInfoUInt64(RegisterInfo* parent, const char* name, const char* paramName,
-                              uint64_t min, uint64_t max, uint64_t inc, int accessMode,
-                              int qualifier, int visible, const char* unit, int id, int process);
+                              std::uint64_t min, std::uint64_t max, std::uint64_t inc,
+                              int accessMode, int qualifier, int visible, const char* unit, int id,
+                              int process);
   RegisterInfo* addInfoInt64(RegisterInfo* parent, const char* name, const char* paramName,
-                             int64_t min, int64_t max, int64_t inc, int accessMode, int qualifier,
-                             int visible, const char* unit, int id, int process);
+                             std::int64_t min, std::int64_t max, std::int64_t inc, int accessMode,
+                             int qualifier, int visible, const char* unit, int id, int process);
   RegisterInfo* addInfoDouble(RegisterInfo* parent, const char* name, const char* paramName,
                               double min, double max, double inc, int accessMode, int qualifier,
                               int visible, const char* unit, int id, int process);
@@ -94,15 +95,15 @@ class Fg_ParameterInfo {
   /// `value` is stored twice, as the value and as the initial value.
   /// @{
   RegisterInfo* addInfoIntField(RegisterInfo* parent, const char* name, const char* paramName,
-                                int32_t count, int32_t value, int32_t max, int32_t ignored,
-                                int accessMode, int qualifier, int visible, const char* unit,
-                                int id, int process);
+                                std::int32_t count, std::int32_t value, std::int32_t max,
+                                std::int32_t ignored, int accessMode, int qualifier, int visible,
+                                const char* unit, int id, int process);
   RegisterInfo* addInfoUIntField(RegisterInfo* parent, const char* name, const char* paramName,
-                                 uint32_t count, uint32_t value, uint32_t max, uint32_t ignored,
-                                 int accessMode, int qualifier, int visible, const char* unit,
-                                 int id, int process);
+                                 std::uint32_t count, std::uint32_t value, std::uint32_t max,
+                                 std::uint32_t ignored, int accessMode, int qualifier, int visible,
+                                 const char* unit, int id, int process);
   RegisterInfo* addInfoDoubleField(RegisterInfo* parent, const char* name, const char* paramName,
-                                   int32_t count, double value, double max, double ignored,
+                                   std::int32_t count, double value, double max, double ignored,
                                    int accessMode, int qualifier, int visible, const char* unit,
                                    int id, int process);
   /// @}
@@ -152,7 +153,7 @@ class Fg_ParameterInfo {
   static RegisterInfo* appendChild(Process& process, RegisterInfo& parent, NodePtr node);
   static RegisterInfo* prependRoot(Process& process, NodePtr node);
 
-  template <typename Fill>
+  template <class Fill>
   RegisterInfo* addValueNode(RegisterInfoKind kind, const Attributes& attributes, Fill fill);
 
   std::vector<Process> processes_;

@@ -23,7 +23,7 @@ namespace {
 constexpr const char* kRootCategory = "Root";
 constexpr std::string_view kUndescribedGroup = "Direct Register Access";
 
-std::string_view textOf(const char* text) { return text == nullptr ? std::string_view() : text; }
+std::string_view textOf(const char* text) { return text ? text : std::string_view(); }
 
 void writeHeader(std::ostream& out, const char* modelName) {
   out << R"(<?xml version="1.0" encoding="utf-8"?>
@@ -51,7 +51,7 @@ xsi:schemaLocation="http://www.genicam.org/GenApi/Version_1_0 GenApiSchema_Versi
 std::map<int, std::string> namedEntries(const RegisterInfo& node) {
   const auto& enumeration = node.value.enumeration;
   std::map<int, std::string> entries;
-  for (uint32_t i = 0; i < enumeration.entryCount; ++i) {
+  for (std::uint32_t i = 0; i < enumeration.entryCount; ++i) {
     if (const char* identifier = enumeration.identifiers[i])
       entries[enumeration.values[i]] = identifier;
   }
@@ -62,8 +62,8 @@ std::map<int, std::string> namedEntries(const RegisterInfo& node) {
 template <class Range>
 void writeInteger(ParameterInfoGeneratorXML& generator, const RegisterInfo& node,
                   const Range& range) {
-  const auto wide = [](auto number) { return static_cast<uint64_t>(number); };
-  generator.infoGenerate(node, uint64_t{0}, wide(range.min), wide(range.max), wide(range.inc));
+  const auto wide = [](auto number) { return static_cast<std::uint64_t>(number); };
+  generator.infoGenerate(node, std::uint64_t{0}, wide(range.min), wide(range.max), wide(range.inc));
 }
 
 /// Whether the node's kind has an element, which then is written.
@@ -119,19 +119,19 @@ std::string ParameterInfoBuilderXML::build() {
 
 void ParameterInfoBuilderXML::processRegisterInfo(std::ostream& out, const RegisterInfo* node,
                                                   const RegisterInfo* parent) {
-  for (; node != nullptr; node = node->next) {
+  for (; node; node = node->next) {
     if (node->kind != REGISTER_INFO_GROUP) {
       buildParamDescr(out, *node, parent);
       continue;
     }
-    for (uint32_t i = 0; i < node->value.group.childCount; ++i)
+    for (std::uint32_t i = 0; i < node->value.group.childCount; ++i)
       processRegisterInfo(out, node->value.group.children[i], node);
   }
 }
 
 void ParameterInfoBuilderXML::buildParamDescr(std::ostream& out, const RegisterInfo& node,
                                               const RegisterInfo* parent) {
-  const std::string_view group = textOf(parent == nullptr ? nullptr : parent->name);
+  const std::string_view group = textOf(parent ? parent->name : nullptr);
   if (node.visible == 0 || group == kUndescribedGroup) return;
   if (!writeParameter(out, node)) return;
   categoryOf(group).addFeature(xmlNameFilter(textOf(node.paramName)));
@@ -141,11 +141,13 @@ void ParameterInfoBuilderXML::buildParamDescr(std::ostream& out, const RegisterI
 void ParameterInfoBuilderXML::writeCategory(std::ostream& out, const Category& category) {
   out << "<Category Name='" << category.getName() << "' "
       << (category.getName() == kRootCategory ? "NameSpace='Standard'" : "") << " >\n";
-  for (size_t i = 0; i < category.getChildCount(); ++i)
+  for (std::size_t i = 0; i < category.getChildCount(); ++i)
     writeFeature(out, category.getChild(i)->getName());
-  for (size_t i = 0; i < category.getFeatureCount(); ++i) writeFeature(out, category.getFeature(i));
+  for (std::size_t i = 0; i < category.getFeatureCount(); ++i)
+    writeFeature(out, category.getFeature(i));
   out << "</Category>\n";
-  for (size_t i = 0; i < category.getChildCount(); ++i) writeCategory(out, *category.getChild(i));
+  for (std::size_t i = 0; i < category.getChildCount(); ++i)
+    writeCategory(out, *category.getChild(i));
 }
 
 /// Categories are one level deep; groups whose titles filter to the same name share one.
@@ -154,7 +156,7 @@ Category& ParameterInfoBuilderXML::categoryOf(std::string_view group) {
   if (group.empty()) return root;
   const std::string name = xmlNameFilter(group);
   Category* category = root.getChild(name);
-  return category == nullptr ? root.addChild(name) : *category;
+  return category ? *category : root.addChild(name);
 }
 
 }  // namespace velmora

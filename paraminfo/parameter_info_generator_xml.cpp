@@ -35,9 +35,7 @@ const char* entity(char character) {
 constexpr bool isLetter(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); }
 constexpr bool isDigitOrUnderscore(char c) { return (c >= '0' && c <= '9') || c == '_'; }
 
-std::string escaped(const char* text) {
-  return text == nullptr ? std::string() : xmlStringFilter(text);
-}
+std::string escaped(const char* text) { return text ? xmlStringFilter(text) : std::string(); }
 
 }  // namespace
 
@@ -55,7 +53,7 @@ std::string xmlStringFilter(std::string_view text) {
 
 std::string xmlNameFilter(std::string_view text) {
   std::string result;
-  for (size_t i = 0; i < text.size(); ++i) {
+  for (std::size_t i = 0; i < text.size(); ++i) {
     if (isLetter(text[i]) || (i > 0 && isDigitOrUnderscore(text[i]))) result += text[i];
   }
   return result;
@@ -69,17 +67,18 @@ void ParameterInfoGeneratorXML::infoGenerate(const RegisterInfo& node, int lengt
   element("pPort", "DevicePort");
 }
 
-void ParameterInfoGeneratorXML::infoGenerate(const RegisterInfo& node, uint64_t /*value*/,
-                                             uint64_t min, uint64_t max, uint64_t inc) {
-  const auto number = [&](const char* tag, uint64_t value) {
+void ParameterInfoGeneratorXML::infoGenerate(const RegisterInfo& node, std::uint64_t /*value*/,
+                                             std::uint64_t min, std::uint64_t max,
+                                             std::uint64_t inc) {
+  const auto number = [&](const char* tag, std::uint64_t value) {
     if (node.kind == REGISTER_INFO_INT)
-      element(tag, static_cast<int64_t>(value));
+      element(tag, static_cast<std::int64_t>(value));
     else
       element(tag, value);
   };
 
   startRegister("IntReg", node, kRegisterSuffix);
-  const bool wide = node.paramName != nullptr && node.paramName == kWideInteger;
+  const bool wide = node.paramName && node.paramName == kWideInteger;
   infoGenerate(node, wide ? kWideLength : kIntegerLength);
   element("Sign", "Signed");
   element("Endianess", "LittleEndian");
@@ -139,12 +138,11 @@ void ParameterInfoGeneratorXML::infoGenerate(const RegisterInfo& node, int /*val
 void ParameterInfoGeneratorXML::startRegister(const char* type, const RegisterInfo& node,
                                               const char* suffix) {
   out_ << '<' << type;
-  if (node.paramName != nullptr)
-    out_ << " Name=\"" << xmlStringFilter(node.paramName) << suffix << "\">\n";
+  if (node.paramName) out_ << " Name=\"" << xmlStringFilter(node.paramName) << suffix << "\">\n";
 }
 
 void ParameterInfoGeneratorXML::description(const RegisterInfo& node) {
-  if (node.name != nullptr && *node.name != '\0') element("Description", escaped(node.name));
+  if (node.name && *node.name != '\0') element("Description", escaped(node.name));
 }
 
 void ParameterInfoGeneratorXML::registerReference(const RegisterInfo& node) {

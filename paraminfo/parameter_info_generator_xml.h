@@ -31,8 +31,8 @@ class ParameterInfoGeneratorXML {
   void infoGenerate(const RegisterInfo& node, int length);
   /// Integer register and feature. The numbers are written as signed ones for a signed node; an
   /// increment of 0 is left out. A description has no use for the current value.
-  void infoGenerate(const RegisterInfo& node, uint64_t value, uint64_t min, uint64_t max,
-                    uint64_t inc);
+  void infoGenerate(const RegisterInfo& node, std::uint64_t value, std::uint64_t min,
+                    std::uint64_t max, std::uint64_t inc);
   /// Float register and feature. GenApi floats have no increment; the current value is of no use.
   void infoGenerate(const RegisterInfo& node, double value, double min, double max, double inc);
   /// String register, which is its own feature.

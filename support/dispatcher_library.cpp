@@ -1,12 +1,13 @@
 #include "support/dispatcher_library.h"
 
 #include <dlfcn.h>
-#include <strings.h>
 
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <cerrno>
 #include <cstdlib>
+#include <new>
 
 #include "external/dynamic_library.h"
 #include "support/locks.h"
@@ -20,12 +21,16 @@ constexpr std::array<std::string_view, 5> kLibraryDirectories = {"bin", "dll", "
                                                                  "lib", "lib64"};
 constexpr std::size_t kPathLimit = 1024;
 
+// The conversions of the C library follow the host's locale: the Turkish one turns I into a dotless
+// i.
+constexpr char lowered(char c) {
+  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
 bool isLibraryDirectory(std::string_view name) {
-  return std::any_of(kLibraryDirectories.begin(), kLibraryDirectories.end(),
-                     [name](std::string_view known) {
-                       return known.size() == name.size() &&
-                              strncasecmp(known.data(), name.data(), name.size()) == 0;
-                     });
+  return std::ranges::any_of(kLibraryDirectories, [name](std::string_view known) {
+    return std::ranges::equal(known, name, {}, lowered, lowered);
+  });
 }
 
 std::string_view withoutTrailingSlashes(std::string_view path) {
@@ -33,9 +38,7 @@ std::string_view withoutTrailingSlashes(std::string_view path) {
 }
 
 std::optional<std::string> baseDirectoryFromPath(std::string_view path) {
-  if (path.size() >= kPathLimit) {
-    return std::nullopt;
-  }
+  if (path.size() >= kPathLimit) return std::nullopt;
   std::size_t slash = path.rfind('/');
   while (slash != std::string_view::npos) {
     const std::string_view directory = withoutTrailingSlashes(path.substr(0, slash));
@@ -60,12 +63,10 @@ std::optional<std::string> baseDirectoryFromEnvironment() {
 
 /// The base directory of this library, searched on the first call.
 std::optional<std::string> baseDirectory() {
-  static std::atomic<uint32_t> flag{0};
+  static std::atomic<std::uint32_t> flag{0};
   static std::optional<std::optional<std::string>> searched;
   const templates::platform::SpinLockVariableGuard guard(flag);
-  if (!searched) {
-    searched = findBaseDirectory(ownLibraryPath());
-  }
+  if (!searched) searched = findBaseDirectory(ownLibraryPath());
   return *searched;
 }
 
@@ -73,8 +74,7 @@ std::optional<std::string> baseDirectory() {
 
 std::string ownLibraryPath() {
   Dl_info info;
-  if (dladdr(reinterpret_cast<const void*>(&ownLibraryPath), &info) == 0 ||
-      info.dli_fname == nullptr) {
+  if (dladdr(reinterpret_cast<const void*>(&ownLibraryPath), &info) == 0 || !info.dli_fname) {
     return {};
   }
   return info.dli_fname;
@@ -88,21 +88,22 @@ std::optional<std::string> findBaseDirectory(std::string_view libraryPath) {
 LibraryRecord openInstalledLibrary(std::string_view baseDirectory, std::string_view name) {
   LibraryRecord record;
   record.path.append(baseDirectory).append("/lib64/lib").append(name).append(".so");
+  errno = 0;
   record.handle = dlopen(record.path.c_str(), velmora::kOpenLibraryFlags);
-  if (record.handle == nullptr) {
+  // The loader reports want of memory like a missing library.
+  if (!record.handle && errno == ENOMEM) throw std::bad_alloc();
+  if (!record.handle) {
     const char* error = dlerror();
-    record.error = error != nullptr ? error : "";
+    record.error = error ? error : "";
   }
   return record;
 }
 
 std::optional<LibraryRecord> openDispatcherLibrary() {
   const std::optional<std::string> directory = baseDirectory();
-  if (!directory) {
-    return std::nullopt;
-  }
+  if (!directory) return std::nullopt;
   LibraryRecord record = openInstalledLibrary(*directory, kDispatcherName);
-  return record.handle != nullptr ? std::optional(std::move(record)) : std::nullopt;
+  return record.handle ? std::optional(std::move(record)) : std::nullopt;
 }
 
 }  // namespace korv::tools::logging

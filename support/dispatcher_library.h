@@ -27,7 +27,7 @@ std::string ownLibraryPath();
 std::optional<std::string> findBaseDirectory(std::string_view libraryPath);
 
 /// Opens the library `name` of the installation at `baseDirectory`, that is
-/// `<baseDirectory>/lib64/lib<name>.so`.
+/// `<baseDirectory>/lib64/lib<name>.so`. Throws `std::bad_alloc` when the loader lacks memory.
 LibraryRecord openInstalledLibrary(std::string_view baseDirectory, std::string_view name);
 
 /// Opens the dispatcher library of the installation that this library belongs to; nothing when

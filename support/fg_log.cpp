@@ -13,16 +13,14 @@ Fg_Log::~Fg_Log() { CloseLogFile(); }
 void Fg_Log::OpenLogFile(const char* /*file*/) {}
 
 void Fg_Log::CloseLogFile() {
-  if (stream_ != nullptr) {
+  if (stream_) {
     std::fclose(stream_);
     stream_ = nullptr;
   }
 }
 
 void Fg_Log::WriteWelcome() {
-  if (stream_ == nullptr) {
-    return;
-  }
+  if (!stream_) return;
   const std::string dashes = std::string(73, '-') + '\n';
   const std::string text = dashes + "Copyright Brightfold. All rights reserved.\n" +
                            "Contents: Log details for Strandline Dll\n" + GetTimestamp() + dashes;
@@ -47,9 +45,7 @@ void Fg_Log::Info(const char* text, int value) {
 }
 
 void Fg_Log::UsrDbg(const char* format, ...) {
-  if (stream_ == nullptr) {
-    return;
-  }
+  if (!stream_) return;
   va_list arguments;
   va_start(arguments, format);
   std::vfprintf(stream_, format, arguments);  // NOLINT(clang-analyzer-valist.Uninitialized)
@@ -69,9 +65,7 @@ void Fg_Log::ErrorDouble(const char* text, const char* detail, double value) {
 }
 
 void Fg_Log::writeLine(std::initializer_list<const char*> parts) {
-  if (stream_ == nullptr) {
-    return;
-  }
+  if (!stream_) return;
   const char* separator = "";
   for (const char* part : parts) {
     std::fprintf(stream_, "%s%s", separator, part);

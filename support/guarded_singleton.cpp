@@ -6,7 +6,7 @@ namespace korv::templates::patterns {
 
 namespace {
 
-std::atomic<uint32_t> listFlag{0};
+std::atomic<std::uint32_t> listFlag{0};
 std::atomic<pthread_t> listOwner{0};
 GuardedSingletonBase* newest = nullptr;
 std::atomic<bool> over{false};
@@ -17,15 +17,13 @@ class GuardedSingletonBase::ExitHook {
  public:
   ~ExitHook() {
     over = true;
-    while (GuardedSingletonBase* singleton = takeNewest()) {
-      delete singleton;
-    }
+    while (GuardedSingletonBase* singleton = takeNewest()) singleton->destroy();
   }
 
  private:
   static GuardedSingletonBase* takeNewest() {
     const platform::SpinLockVariableGuard guard(listFlag, &listOwner);
-    return newest != nullptr ? std::exchange(newest, newest->next_) : nullptr;
+    return newest ? std::exchange(newest, newest->next_) : nullptr;
   }
 };
 

@@ -3,7 +3,9 @@
 #pragma once
 
 #include <atomic>
+#include <cstddef>
 #include <cstdint>
+#include <new>
 
 #include "support/locks.h"
 
@@ -19,7 +21,7 @@ class GuardedSingletonBase {
  protected:
   GuardedSingletonBase() = default;
 
-  /// Puts `singleton` into the list, which owns it from then on.
+  /// Puts `singleton` into the list, which destroys it at the end.
   static void record(GuardedSingletonBase* singleton);
   /// Arranges the destruction of the list, once. Destructors of the process run in the reverse of
   /// this order, so whatever a singleton uses is to be loaded before the call.
@@ -31,25 +33,23 @@ class GuardedSingletonBase {
  private:
   class ExitHook;
 
+  virtual void destroy() = 0;
+
   GuardedSingletonBase* next_ = nullptr;
 };
 
 /// Base of the singleton class `T`. `T` needs a default constructor that does not use the singleton
-/// and a member `void start()`, which may; both may be private when this class is a friend.
-template <typename T>
+/// and a member `bool start()`, which may and which tells whether it succeeded; both may be private
+/// when this class is a friend.
+template <class T>
 class GuardedSingleton : public GuardedSingletonBase {
  public:
-  /// The one instance. It is created and started on the first call, while other threads wait; calls
-  /// that its start makes on the same thread get the instance as it is.
+  /// The one instance, in memory of its own that cannot run out. It is created and started on the
+  /// first call, while other threads wait; calls that its start makes on the same thread get the
+  /// instance as it is. So do callers when the start fails; the next call tries it again.
   static T& instance() {
     T* ready = ready_.load(std::memory_order_acquire);
-    return ready != nullptr ? *ready : create();
-  }
-
-  ~GuardedSingleton() override {
-    const platform::SpinLockVariableGuard guard(flag_, &owner_);
-    ready_.store(nullptr, std::memory_order_release);
-    slot_ = nullptr;
+    return ready ? *ready : create();
   }
 
  protected:
@@ -57,21 +57,26 @@ class GuardedSingleton : public GuardedSingletonBase {
 
  private:
   static T& create() {
+    alignas(T) static std::byte memory[sizeof(T)];
     const platform::SpinLockVariableGuard guard(flag_, &owner_);
-    if (slot_ == nullptr) {
-      slot_ = new T;
-      record(slot_);
-      if (!isOver()) {
-        slot_->start();
-        destroyAtExit();
-      }
+    if (!slot_) record(slot_ = new (memory) T);
+    // A guard without the flag: this is a call from within the start.
+    if (guard.held() && !ready_.load(std::memory_order_relaxed) && (isOver() || slot_->start())) {
+      destroyAtExit();
       ready_.store(slot_, std::memory_order_release);
     }
     return *slot_;
   }
 
+  void destroy() override {
+    const platform::SpinLockVariableGuard guard(flag_, &owner_);
+    slot_->~T();
+    ready_.store(nullptr, std::memory_order_release);
+    slot_ = nullptr;
+  }
+
   // Constant-initialised, so that an instance can be asked for at any time of the process.
-  inline static std::atomic<uint32_t> flag_{0};
+  inline static std::atomic<std::uint32_t> flag_{0};
   inline static std::atomic<pthread_t> owner_{0};
   inline static T* slot_ = nullptr;
   inline static std::atomic<T*> ready_{nullptr};

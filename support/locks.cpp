@@ -7,29 +7,23 @@
 namespace korv::templates::patterns {
 
 GenericLock::~GenericLock() noexcept(false) {  // NOLINT(bugprone-exception-escape)
-  if (markedLocked_) {
-    throw std::logic_error("GenericLock object destroyed with lock still held");
-  }
+  if (markedLocked_) throw std::logic_error("GenericLock object destroyed with lock still held");
 }
 
-GenericLockGuard::GenericLockGuard(GenericLock& lock) : GenericLockGuard(&lock, false) { enter(); }
-
-GenericLockGuard::GenericLockGuard(std::unique_ptr<GenericLock> lock)
-    : GenericLockGuard(lock.release(), true) {
-  enter();
-}
-
-void GenericLockGuard::enter() {
+GenericLockGuard::GenericLockGuard(GenericLock& lock) : Guard(&lock, false) {
   const bool taken = lock_->enter();
   if (lock_->isMarkedLocked()) {
     // The outer holder on this thread still needs the lock; only what this call took goes back.
-    if (taken) {
-      lock_->leave();
-    }
+    if (taken) lock_->leave();
     throw std::logic_error("GenericLock object got lock but is already marked as locked");
   }
   lock_->setMarkedLocked(true);
   held_ = true;
+}
+
+GenericLockGuard::GenericLockGuard(std::unique_ptr<GenericLock> lock)
+    : GenericLockGuard(*lock.release()) {
+  owned_ = true;
 }
 
 GenericLockGuard::~GenericLockGuard() noexcept(false) {  // NOLINT(bugprone-exception-escape)
@@ -38,12 +32,8 @@ GenericLockGuard::~GenericLockGuard() noexcept(false) {  // NOLINT(bugprone-exce
     lock_->setMarkedLocked(false);
     lock_->leave();
   }
-  if (owned_) {
-    delete lock_;
-  }
-  if (unmarked) {
-    throw std::logic_error("GenericLock::leave() called with lock not held");
-  }
+  if (owned_) delete lock_;
+  if (unmarked) throw std::logic_error("GenericLock::leave() called with lock not held");
 }
 
 }  // namespace korv::templates::patterns
@@ -80,9 +70,7 @@ CriticalSection::CriticalSection() {
 }
 
 CriticalSection::~CriticalSection() noexcept(false) {
-  if (!foreign_) {
-    pthread_mutex_destroy(&own_);
-  }
+  if (!foreign_) pthread_mutex_destroy(&own_);
 }
 
 bool CriticalSection::enter() { return pthread_mutex_lock(mutex_) == 0; }
@@ -115,29 +103,19 @@ ReadWriteLockGuard::ReadWriteLockGuard(ReadWriteLock& lock, Access access) : Gua
   }
 }
 
-SpinLockVariableGuard::SpinLockVariableGuard(std::atomic<uint32_t>& flag,
+SpinLockVariableGuard::SpinLockVariableGuard(std::atomic<std::uint32_t>& flag,
                                              std::atomic<pthread_t>* owner)
     : flag_(&flag), owner_(owner) {
   const pthread_t self = pthread_self();
-  if (owner_ != nullptr && owner_->load(std::memory_order_relaxed) == self) {
-    return;
-  }
-  while (flag_->exchange(1, std::memory_order_acquire) != 0) {
-    sched_yield();
-  }
-  if (owner_ != nullptr) {
-    owner_->store(self, std::memory_order_relaxed);
-  }
+  if (owner_ && owner_->load(std::memory_order_relaxed) == self) return;
+  while (flag_->exchange(1, std::memory_order_acquire) != 0) sched_yield();
+  if (owner_) owner_->store(self, std::memory_order_relaxed);
   held_ = true;
 }
 
 SpinLockVariableGuard::~SpinLockVariableGuard() {
-  if (!held_) {
-    return;
-  }
-  if (owner_ != nullptr) {
-    owner_->store(0, std::memory_order_relaxed);
-  }
+  if (!held_) return;
+  if (owner_) owner_->store(0, std::memory_order_relaxed);
   flag_->store(0, std::memory_order_release);
 }
 

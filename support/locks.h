@@ -7,16 +7,15 @@
 #include <atomic>
 #include <cstdint>
 #include <memory>
-#include <mutex>
 
 namespace korv::templates::patterns {
 
-template <typename LockPointer>
+template <class LockPointer>
 class Guard;
 
 /// What all guards have in common: the lock, and whether leaving the scope gives it back. The
 /// destructor may throw because guards of a `GenericLock` report misuse.
-template <typename Lock>
+template <class Lock>
 class Guard<Lock*> {
  public:
   Guard(const Guard&) = delete;
@@ -61,19 +60,16 @@ class GenericLock {
 class GenericLockGuard : public Guard<GenericLock*> {
  public:
   /// Enters the lock and marks it; throws `std::logic_error` when it is already marked, that is
-  /// when the calling thread holds it already. The lock is then as it was before.
+  /// when another guard of the calling thread holds it. The lock is then as it was before. A hold
+  /// that the thread took with `enter` itself passes to the guard, which gives it back at its end.
   explicit GenericLockGuard(GenericLock& lock);
-  /// The same with a lock that the guard deletes at its end.
+  /// The same with a lock that the guard deletes at its end. A lock that is already marked is not
+  /// deleted: the guard that holds it still refers to it.
   explicit GenericLockGuard(std::unique_ptr<GenericLock> lock);
-  /// Takes over a lock that the caller has entered and marked.
-  GenericLockGuard(GenericLock& lock, std::adopt_lock_t) : Guard(&lock, true) {}
-  /// Leaves the lock; throws `std::logic_error` when somebody has taken the mark away.
+  /// Leaves the lock; throws `std::logic_error` when the mark was cleared.
   ~GenericLockGuard() noexcept(false) override;  // NOLINT(bugprone-exception-escape)
 
  private:
-  GenericLockGuard(GenericLock* lock, bool owned) : Guard(lock, false), owned_(owned) {}
-  void enter();
-
   bool owned_ = false;
 };
 
@@ -93,12 +89,12 @@ class RecursiveMutex {
   /// To be called by the holder, once per `lock`.
   void unlock();
   /// How many times the holder has locked the mutex; 0 when nobody holds it. For the holder only.
-  uint32_t holds() const { return holds_; }
+  std::uint32_t holds() const { return holds_; }
 
  private:
   pthread_mutex_t mutex_;
   pthread_mutexattr_t attributes_;
-  uint32_t holds_ = 0;
+  std::uint32_t holds_ = 0;
 };
 
 /// Holds a `RecursiveMutex` for a scope.
@@ -113,7 +109,7 @@ class RecursiveMutexGuard : public patterns::Guard<RecursiveMutex*> {
 class CriticalSection : public patterns::GenericLock {
  public:
   CriticalSection();
-  /// Uses a mutex of somebody else, which must be initialised and outlive this object. It notices
+  /// Uses a caller-owned mutex, which must be initialised and outlive this object. It notices
   /// re-entry only if it is of the error-checking type.
   explicit CriticalSection(pthread_mutex_t& mutex) : foreign_(true), mutex_(&mutex) {}
   ~CriticalSection() noexcept(false) override;
@@ -164,16 +160,19 @@ class ReadWriteLockGuard : public patterns::Guard<ReadWriteLock*> {
 /// before any constructor of the process has run.
 class SpinLockVariableGuard {
  public:
-  /// Waits until the flag is free, giving the processor away between tries. With an `owner` (0 when
+  /// Waits until the flag is free, yielding the processor between tries. With an `owner` (0 when
   /// there is none), a thread that holds the flag already passes without taking it again.
-  explicit SpinLockVariableGuard(std::atomic<uint32_t>& flag,
+  explicit SpinLockVariableGuard(std::atomic<std::uint32_t>& flag,
                                  std::atomic<pthread_t>* owner = nullptr);
   SpinLockVariableGuard(const SpinLockVariableGuard&) = delete;
   SpinLockVariableGuard& operator=(const SpinLockVariableGuard&) = delete;
   virtual ~SpinLockVariableGuard();
 
+  /// False when the thread held the flag already.
+  bool held() const { return held_; }
+
  private:
-  std::atomic<uint32_t>* flag_;
+  std::atomic<std::uint32_t>* flag_;
   std::atomic<pthread_t>* owner_;
   bool held_ = false;
 };

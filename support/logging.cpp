@@ -8,14 +8,12 @@ using templates::platform::ReadWriteLockGuard;
 using templates::platform::RecursiveMutexGuard;
 
 bool Logger::isEnabled(int level) {
-  if (level < threshold_.load(std::memory_order_relaxed)) {
-    return false;
-  }
+  if (level < threshold_.load(std::memory_order_relaxed)) return false;
   const RecursiveMutexGuard guard(mutex_);
   return !mutedThreads_.contains(pthread_self());
 }
 
-void Logger::log(int level, const char* text, int argument, uint64_t data) {
+void Logger::log(int level, const char* text, int argument, std::uint64_t data) {
   Logging::instance().send(handle_, level, text, argument, data);
 }
 
@@ -27,14 +25,19 @@ bool Logger::setThreadEnabled(bool enabled) {
 
 Logger* Logging::getLogger(const char* name) { return instance().find(name); }
 
-void Logging::start() {
+bool Logging::start() {
+  const bool attached = attempt([this] { attach(); });
+  if (!attached) descriptor_ = nullptr;  // Half attached is not attached.
+  return attached;
+}
+
+void Logging::attach() {
   library_ = openDispatcherLibrary();
-  if (!library_) {
-    return;
-  }
+  if (!library_) return;
   const auto* descriptor = static_cast<const LoggingDispatcherDescriptor*>(
       dlsym(library_->handle, "logging_dispatcher_descriptor"));
-  if (descriptor == nullptr) {
+  // Without the register function there is nothing that could be called.
+  if (!descriptor || !descriptor->registerLogging) {
     library_.reset();
     return;
   }
@@ -48,26 +51,27 @@ Logging::~Logging() {
     const ReadWriteLockGuard guard(loggersLock_, ReadWriteLockGuard::Access::kWrite);
     loggers_.clear();
   }
-  if (const LoggingDispatcherDescriptor* descriptor = descriptor_.exchange(nullptr)) {
-    descriptor->unregisterLogging(this);
-  }
+  const LoggingDispatcherDescriptor* descriptor = descriptor_.exchange(nullptr);
+  if (descriptor && descriptor->unregisterLogging)
+    attempt([&] { descriptor->unregisterLogging(this); });
 }
 
 Logger* Logging::find(const char* name) {
-  if (descriptor_.load() == nullptr || getLogger_ == nullptr) {
-    return &defaultLogger_;
-  }
-  uint64_t handle = 0;
-  int32_t level = kDefaultThreshold;
-  getLogger_(name, &handle, &level);
-  const ReadWriteLockGuard guard(loggersLock_, ReadWriteLockGuard::Access::kWrite);
-  return &loggers_.try_emplace(handle, handle, level).first->second;
+  if (!descriptor_.load() || !getLogger_) return &defaultLogger_;
+  Logger* found = &defaultLogger_;
+  attempt([&] {
+    std::uint64_t handle = 0;
+    std::int32_t level = kDefaultThreshold;
+    getLogger_(name, &handle, &level);
+    const ReadWriteLockGuard guard(loggersLock_, ReadWriteLockGuard::Access::kWrite);
+    found = &loggers_.try_emplace(handle, handle, level).first->second;
+  });
+  return found;
 }
 
-void Logging::send(uint64_t handle, int level, const char* text, int argument, uint64_t data) {
-  if (descriptor_.load() != nullptr && log_ != nullptr) {
-    log_(handle, level, text, argument, data);
-  }
+void Logging::send(std::uint64_t handle, int level, const char* text, int argument,
+                   std::uint64_t data) {
+  if (descriptor_.load() && log_) attempt([&] { log_(handle, level, text, argument, data); });
 }
 
 void* Logging::detach() {
@@ -76,7 +80,7 @@ void* Logging::detach() {
   return &logging;
 }
 
-void Logging::setLevel(uint64_t handle, int32_t level) {
+void Logging::setLevel(std::uint64_t handle, std::int32_t level) {
   Logging& logging = instance();
   const ReadWriteLockGuard guard(logging.loggersLock_, ReadWriteLockGuard::Access::kRead);
   if (const auto found = logging.loggers_.find(handle); found != logging.loggers_.end()) {

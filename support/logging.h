@@ -1,6 +1,7 @@
 /// Diagnostic messages. They go to the logging dispatcher, a library of the board's software that
-/// is loaded when the first logger is asked for; without it nothing is logged and no call fails.
-/// Everything here may be used from any thread.
+/// is loaded when the first logger is asked for; without it nothing is logged. No failure of
+/// logging reaches the caller: what cannot be logged is dropped. Everything here may be used from
+/// any thread.
 ///
 ///     Logger* logger = Logging::getLogger("korv.wrapper.Velmora");
 ///     logMessage(*logger, 4, "cannot retrieve KT id for KT parameter: '", name, "'");
@@ -11,6 +12,7 @@
 #include <atomic>
 #include <concepts>
 #include <cstdint>
+#include <exception>
 #include <map>
 #include <optional>
 #include <set>
@@ -24,16 +26,31 @@
 
 namespace korv::tools::logging {
 
+/// Runs a step of logging and tells whether it succeeded. The exceptions of the dispatcher's code
+/// and of memory running out end here; the cancellation of a thread passes.
+template <class Step>
+bool attempt(const Step& step) {
+  try {
+    step();
+    return true;
+  } catch (const std::exception&) {
+    return false;
+  }
+}
+
 /// A named source of messages. Larger levels are more serious.
 class Logger {
  public:
-  Logger(uint64_t handle, int32_t threshold) : handle_(handle), threshold_(threshold) {}
+  Logger(std::uint64_t handle, std::int32_t threshold) : handle_(handle), threshold_(threshold) {}
 
+  /// Whether this may be the default logger, which is not worth keeping: a later
+  /// `Logging::getLogger` may give a better one.
+  bool isDefault() const { return handle_ == 0; }
   /// Whether a message of `level` from the calling thread is wanted. To be asked before the text is
   /// built; `log` does not ask.
   bool isEnabled(int level);
   /// Hands a text to the dispatcher, if there is one. The last two arguments are 0 for texts.
-  void log(int level, const char* text, int argument, uint64_t data);
+  void log(int level, const char* text, int argument, std::uint64_t data);
   /// The lowest level that is enabled from now on.
   void setLevel(int threshold) { threshold_.store(threshold, std::memory_order_relaxed); }
   /// Mutes the calling thread for this logger, or lets it be heard again. Returns whether it could
@@ -41,41 +58,43 @@ class Logger {
   bool setThreadEnabled(bool enabled);
 
  private:
-  uint64_t handle_;
+  std::uint64_t handle_;
   templates::platform::RecursiveMutex mutex_;
   std::set<pthread_t> mutedThreads_;
-  std::atomic<int32_t> threshold_;
+  std::atomic<std::int32_t> threshold_;
 };
 
 /// The connection to the dispatcher and the owner of all loggers.
 class Logging final : public templates::patterns::GuardedSingleton<Logging> {
  public:
   /// The logger called `name`, never null; one and the same for all names that the dispatcher gives
-  /// the same handle. Without a dispatcher the default logger, which enables no level below 7.
-  /// Valid until the static objects of the process are destroyed or the library is unloaded.
+  /// the same handle. Without a dispatcher, and when memory runs out, the default logger, which
+  /// enables no level below 7. Valid until the static objects of the process are destroyed or the
+  /// library is unloaded.
   static Logger* getLogger(const char* name);
 
   /// True once the process is ending: loggers that were asked for before are gone or going, those
   /// asked for from now on are silent.
   static bool ended() { return isOver(); }
 
-  /// Releases the loggers and takes leave of the dispatcher.
+  /// Releases the loggers and unregisters from the dispatcher.
   ~Logging() override;
 
  private:
   friend class Logger;
   friend class templates::patterns::GuardedSingleton<Logging>;
 
-  static constexpr int32_t kDefaultThreshold = 7;
+  static constexpr std::int32_t kDefaultThreshold = 7;
 
   Logging() = default;
-  void start();
+  bool start();
+  void attach();
   Logger* find(const char* name);
-  void send(uint64_t handle, int level, const char* text, int argument, uint64_t data);
+  void send(std::uint64_t handle, int level, const char* text, int argument, std::uint64_t data);
 
   // Called by the dispatcher.
   static void* detach();
-  static void setLevel(uint64_t handle, int32_t level);
+  static void setLevel(std::uint64_t handle, std::int32_t level);
 
   Logger defaultLogger_{0, kDefaultThreshold};
   // Filled in by the dispatcher while it is being attached, constant afterwards.
@@ -83,7 +102,7 @@ class Logging final : public templates::patterns::GuardedSingleton<Logging> {
   Log log_ = nullptr;
   // Null while no dispatcher is attached.
   std::atomic<const LoggingDispatcherDescriptor*> descriptor_{nullptr};
-  std::map<uint64_t, Logger> loggers_;
+  std::map<std::uint64_t, Logger> loggers_;
   std::optional<LibraryRecord> library_;
   templates::platform::ReadWriteLock loggersLock_;
 };
@@ -91,31 +110,29 @@ class Logging final : public templates::patterns::GuardedSingleton<Logging> {
 /// "thread-id=<calling thread's id, unsigned decimal>|", the start of every message.
 std::string messagePrefix();
 
-/// Integers that a message can contain; characters and truth values are none.
-template <typename T>
+/// Integers that a message can contain; char and bool excluded.
+template <class T>
 concept MessageNumber = std::integral<T> && !std::same_as<T, bool> && !std::same_as<T, char>;
 
 /// @name Pieces that a message can be made of; a null text counts as empty
 /// @{
 inline void appendPiece(std::string& message, std::string_view text) { message += text; }
-inline void appendPiece(std::string& message, const char* text) {
-  message += text != nullptr ? text : "";
-}
+inline void appendPiece(std::string& message, const char* text) { message += text ? text : ""; }
 void appendPiece(std::string& message, MessageNumber auto number) {
   message += std::to_string(number);
 }
 /// @}
 
-/// Logs the pieces, one after the other behind the prefix, when the level is enabled for the
-/// calling thread. Otherwise no text is built.
-template <typename... Pieces>
+/// Logs the prefix and the pieces, one after the other, when the level is enabled for the calling
+/// thread. Otherwise no text is built.
+template <class... Pieces>
 void logMessage(Logger& logger, int level, const Pieces&... pieces) {
-  if (!logger.isEnabled(level)) {
-    return;
-  }
-  std::string message = messagePrefix();
-  (appendPiece(message, pieces), ...);
-  logger.log(level, message.c_str(), 0, 0);
+  if (!logger.isEnabled(level)) return;
+  attempt([&] {
+    std::string message = messagePrefix();
+    (appendPiece(message, pieces), ...);
+    logger.log(level, message.c_str(), 0, 0);
+  });
 }
 
 }  // namespace korv::tools::logging

@@ -1,29 +1,22 @@
-/// Accepted sets and gets take no memory, whatever the parameter.
+/// Accepted sets and gets take no memory, whatever the parameter, and refused ones need none.
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <cstdlib>
 #include <new>
 
 #include "tests/applet_fixture.h"
+#include "tests/fakes/allocation_hook.h"
 
 namespace {
 
-std::atomic<int> allocations{0};
-
-}  // namespace
-
-void* operator new(std::size_t size) {
-  ++allocations;
-  if (void* memory = std::malloc(size)) return memory;
-  throw std::bad_alloc();
-}
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
-
-namespace {
+using fakes::AllocationHook;
 
 TEST(Allocation, AcceptedSetsAndGetsAllocateNothing) {
+  int allocations = 0;
+  AllocationHook count([&] {
+    ++allocations;
+    count.again();
+  });
   fixture::Applet applet;
   board::stopJournal();
   ASSERT_GT(allocations, 0) << "the count does not see the libraries";
@@ -43,6 +36,27 @@ TEST(Allocation, AcceptedSetsAndGetsAllocateNothing) {
     EXPECT_EQ(got, 0);
     EXPECT_EQ(set, 0);
   }
+}
+
+TEST(Allocation, RefusalsNeedNone) {
+  setenv("KORV_LOG_LEVEL", "4", 1);  // They are logged.
+  fixture::Applet applet;
+  const auto set = [&](int id, unsigned port) {
+    int value = 0;
+    return Fg_setParameterWithType(applet.fg(), id, &value, port, FG_PARAM_TYPE_INT32);
+  };
+  {
+    AllocationHook noMemory([&] {
+      noMemory.again();
+      throw std::bad_alloc();
+    });
+    EXPECT_EQ(set(FG_WIDTH, 4), VELMORA_INVALID_ARGUMENT);
+    EXPECT_EQ(set(1, 0), VELMORA_INVALID_ARGUMENT);
+    EXPECT_EQ(set(FG_DMASTATUS, 0), VELMORA_NOT_AVAILABLE);
+  }
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(set(FG_DMASTATUS, 0), VELMORA_NOT_AVAILABLE);
+  EXPECT_NE(testing::internal::GetCapturedStderr().find("read-only"), std::string::npos);
 }
 
 }  // namespace

@@ -2,18 +2,24 @@
 // process of its own, which the leak checker also looks at.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <cstdio>
 #include <cstdlib>
-#include <latch>
+#include <new>
+#include <optional>
 #include <thread>
 #include <vector>
 
 #include "support/logging.h"
+#include "tests/fakes/allocation_hook.h"
 #include "tests/fakes/logging_dispatcher.h"
+#include "tests/other_thread.h"
 
 namespace {
 
+using fakes::AllocationHook;
 using fakes::loggingDispatcher;
 using namespace korv::tools::logging;
 
@@ -29,14 +35,19 @@ class SupportDispatcher : public ::testing::Test {
 };
 
 TEST_F(SupportDispatcher, FirstUseByManyThreadsRegistersOnce) {
+  constexpr const char* kNames[] = {"10:4", "11:4"};
+  {
+    std::optional<OtherThread> second;
+    const AllocationHook whenStarting(
+        [&] { second.emplace([&] { Logging::getLogger(kNames[1]); }).isHeldUp(); });
+    Logging::getLogger(kNames[0]);
+  }
   std::vector<Logger*> loggers(8);
-  std::latch start(8);
   std::vector<std::thread> threads;
   for (Logger*& logger : loggers) {
-    threads.emplace_back([&logger, &start] {
-      start.arrive_and_wait();
+    threads.emplace_back([&logger, name = kNames[threads.size() % 2]] {
       for (int i = 0; i < 100; ++i) {
-        logger = Logging::getLogger("10:4");
+        logger = Logging::getLogger(name);
         logger->setThreadEnabled(i % 2 == 0);
         logMessage(*logger, 4, "message ", i);
         loggingDispatcher().setLevel(10, 3 + i % 2);
@@ -44,7 +55,8 @@ TEST_F(SupportDispatcher, FirstUseByManyThreadsRegistersOnce) {
     });
   }
   for (std::thread& thread : threads) thread.join();
-  EXPECT_THAT(loggers, ::testing::Each(Logging::getLogger("10:4")));
+  for (std::size_t i = 0; i < loggers.size(); ++i)
+    EXPECT_EQ(loggers[i], Logging::getLogger(kNames[i % 2]));
   EXPECT_EQ(loggingDispatcher().registrations, 1);
   EXPECT_EQ(loggingDispatcher().messages.size(), 8U * 50);
 }
@@ -63,6 +75,16 @@ TEST_F(SupportDispatcher, LoggersAreKeptByHandleWithTheirThresholds) {
   std::thread([&] { EXPECT_TRUE(logger->isEnabled(6)); }).join();
   EXPECT_FALSE(logger->setThreadEnabled(true));
   EXPECT_TRUE(logger->isEnabled(6));
+}
+
+TEST_F(SupportDispatcher, LoggersAreAddedWhileNobodyReads) {
+  Logging::getLogger("50:4");
+  std::optional<OtherThread> reader;
+  bool heldUp = false;
+  const AllocationHook whenAdding(
+      [&] { heldUp = reader.emplace([] { loggingDispatcher().setLevel(50, 4); }).isHeldUp(); });
+  Logging::getLogger("51:4");
+  EXPECT_TRUE(heldUp);
 }
 
 TEST_F(SupportDispatcher, MessagesArriveAsGiven) {
@@ -88,6 +110,66 @@ TEST_F(SupportDispatcher, DetachedDispatcherIsLeftAlone) {
     std::exit(0);
   };
   EXPECT_EXIT(detachAndGoOn(), testing::ExitedWithCode(0), "^same 1, new 1, messages 0\n$");
+}
+
+TEST_F(SupportDispatcher, FunctionsMayBeMissing) {
+  LoggingDispatcherDescriptor& descriptor = loggingDispatcher().descriptor;
+  const auto useWithoutRegister = [&] {
+    descriptor.registerLogging = nullptr;
+    std::exit(Logging::getLogger("80:0")->isEnabled(6));
+  };
+  const auto useWithoutUnregister = [&] {
+    descriptor.unregisterLogging = nullptr;
+    std::exit(!Logging::getLogger("80:0")->isEnabled(6));
+  };
+  EXPECT_EXIT(useWithoutRegister(), testing::ExitedWithCode(0), "^$");
+  EXPECT_EXIT(useWithoutUnregister(), testing::ExitedWithCode(0), "^$");
+}
+
+TEST_F(SupportDispatcher, FunctionsMayThrow) {
+  const auto use = [] {
+    bool& failing = loggingDispatcher().failing;
+    failing = true;
+    Logger* silent = Logging::getLogger("80:0");
+    failing = false;
+    Logger* logger = Logging::getLogger("80:0");
+    failing = true;
+    logger->log(7, "lost", 0, 0);
+    const bool same = silent == Logging::getLogger("81:0");
+    std::fprintf(stderr, "%d %d %d", silent->isEnabled(6), logger->isEnabled(0), same);
+    std::exit(0);
+  };
+  EXPECT_EXIT(use(), testing::ExitedWithCode(0), "^0 1 1$");
+}
+
+// Every allocation of the first use fails once, each in a process of its own.
+TEST_F(SupportDispatcher, MemoryMayRunOut) {
+  enum { kRecovered, kLost, kNothingFailed };
+  const auto useWithFailure = [](int left) {
+    {
+      AllocationHook failure([&] {
+        if (left-- == 0) throw std::bad_alloc();
+        failure.again();
+      });
+      logMessage(*Logging::getLogger("90:4"), 4, "may be lost");
+    }
+    loggingDispatcher().messages.clear();
+    logMessage(*Logging::getLogger("90:4"), 4, "arrives");
+    const bool logs = loggingDispatcher().messages.size() == 1;
+    _exit(!logs || loggingDispatcher().registrations != 1 ? kLost
+          : left < 0                                      ? kRecovered
+                                                          : kNothingFailed);
+  };
+  const auto useWithEveryFailure = [&] {
+    int count = 0, status = 0;
+    for (; status == 0; ++count) {
+      const pid_t child = fork();
+      if (child == 0) useWithFailure(count);
+      waitpid(child, &status, 0);
+    }
+    _exit(count > 4 ? WEXITSTATUS(status) : kLost);
+  };
+  EXPECT_EXIT(useWithEveryFailure(), testing::ExitedWithCode(kNothingFailed), "");
 }
 
 // Destructors of a host may still call the applet when logging is gone.

@@ -70,7 +70,8 @@ FgKtWrapper::FgKtWrapper(int nrOfProcesses) : private_(std::make_unique<Private>
 FgKtWrapper::~FgKtWrapper() = default;
 
 korv::tools::logging::Logger& FgKtWrapper::logger() {
-  if (!logger_) logger_ = korv::tools::logging::Logging::getLogger("korv.wrapper.FgKtWrapper");
+  if (!logger_ || logger_->isDefault())
+    logger_ = korv::tools::logging::Logging::getLogger("korv.wrapper.FgKtWrapper");
   return *logger_;
 }
 

@@ -1,6 +1,7 @@
 #include "tests/fakes/logging_dispatcher.h"
 
 #include <cstdio>
+#include <stdexcept>
 
 namespace fakes {
 
@@ -11,20 +12,28 @@ LoggingDispatcher& loggingDispatcher() {
 
 namespace {
 
-void getLogger(const char* name, uint64_t* handle, int32_t* level) {
+/// The state, for the work of a function.
+LoggingDispatcher& working() {
+  if (loggingDispatcher().failing) throw std::runtime_error("failing dispatcher");
+  return loggingDispatcher();
+}
+
+void getLogger(const char* name, std::uint64_t* handle, std::int32_t* level) {
+  working();
   unsigned long number = 0;
   std::sscanf(name, "%lu:%d", &number, level);
   *handle = number;
 }
 
-void log(uint64_t handle, int level, const char* text, int argument, uint64_t data) {
-  const std::scoped_lock lock(loggingDispatcher().messagesMutex);
-  loggingDispatcher().messages.emplace_back(handle, level, text, argument, data);
+void log(std::uint64_t handle, int level, const char* text, int argument, std::uint64_t data) {
+  LoggingDispatcher& state = working();
+  const std::scoped_lock guard(state.messagesMutex);
+  state.messages.emplace_back(handle, level, text, argument, data);
 }
 
-void registerLogging(void* client, void* (*detach)(), void (*setLevel)(uint64_t, int32_t),
+void registerLogging(void* client, void* (*detach)(), void (*setLevel)(std::uint64_t, std::int32_t),
                      GetLogger* getLoggerField, Log* logField) {
-  LoggingDispatcher& state = loggingDispatcher();
+  LoggingDispatcher& state = working();
   ++state.registrations;
   state.client = client;
   state.detach = detach;
@@ -36,7 +45,7 @@ void registerLogging(void* client, void* (*detach)(), void (*setLevel)(uint64_t,
 }
 
 void unregisterLogging(void* client) {
-  LoggingDispatcher& state = loggingDispatcher();
+  LoggingDispatcher& state = working();
   // The same at its end, when its loggers are gone.
   state.setLevel(1, 0);
   const bool same = client == state.client && state.detach() == client;

@@ -12,13 +12,15 @@
 namespace fakes {
 
 /// Handle, level, text, argument, data.
-using Message = std::tuple<uint64_t, int, std::string, int, uint64_t>;
+using Message = std::tuple<std::uint64_t, int, std::string, int, std::uint64_t>;
 
 struct LoggingDispatcher {
+  LoggingDispatcherDescriptor& descriptor = logging_dispatcher_descriptor;
+  bool failing = false;  ///< All functions throw.
   int registrations = 0;
   void* client = nullptr;
   void* (*detach)() = nullptr;
-  void (*setLevel)(uint64_t handle, int32_t level) = nullptr;
+  void (*setLevel)(std::uint64_t handle, std::int32_t level) = nullptr;
 
   std::mutex messagesMutex;
   std::vector<Message> messages;
