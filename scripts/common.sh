@@ -3,27 +3,32 @@ set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 # Debian packages, each with a file that shows that it is installed.
-packages=(
+demo_packages=(
   "g++:/usr/bin/g++"
   "cmake:/usr/bin/cmake"
   "ninja-build:/usr/bin/ninja"
-  "pkg-config:/usr/bin/pkg-config"
   "libcli11-dev:/usr/include/CLI/CLI.hpp"
   "libfmt-dev:/usr/include/fmt/core.h"
   "libspdlog-dev:/usr/include/spdlog/spdlog.h"
-  "libgtest-dev:/usr/include/gtest/gtest.h"
-  "libbenchmark-dev:/usr/include/benchmark/benchmark.h"
   "zlib1g-dev:/usr/include/zlib.h"
+)
+# Tests and benchmarks need these as well.
+test_packages=(
+  "${demo_packages[@]}"
+  "libgtest-dev:/usr/include/gtest/gtest.h"
+  "libgmock-dev:/usr/include/gmock/gmock.h"
+  "libbenchmark-dev:/usr/include/benchmark/benchmark.h"
   "libpng-dev:/usr/include/png.h"
   "libaravis-dev:/usr/include/aravis-0.8/arv.h"
+  "pkg-config:/usr/bin/pkg-config"
   "libxml2-utils:/usr/bin/xmllint"
   "locales:/usr/share/i18n/locales/de_DE"
-  "binutils:/usr/bin/nm"
 )
 
+# install_missing PACKAGE:FILE...
 install_missing() {
   local missing=() entry
-  for entry in "${packages[@]}"; do
+  for entry; do
     [ -e "${entry#*:}" ] || missing+=("${entry%%:*}")
   done
   [ "${#missing[@]}" -eq 0 ] && return
@@ -31,14 +36,12 @@ install_missing() {
   local as_root=()
   [ "$(id -u)" -eq 0 ] || as_root=(sudo)
   "${as_root[@]}" apt-get update -qq
-  DEBIAN_FRONTEND=noninteractive "${as_root[@]}" apt-get install -y -qq --no-install-recommends \
-    "${missing[@]}" >/dev/null
+  "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
+    apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
 }
 
-# build PRESET [TARGET...]
+# build PRESET
 build() {
-  local preset=$1
-  shift
-  cmake --preset "$preset" >/dev/null
-  cmake --build --preset "$preset" ${1:+--target "$@"}
+  cmake --preset "$1" >/dev/null
+  cmake --build --preset "$1"
 }
