@@ -57,7 +57,7 @@ std::shared_ptr<const Clock>& replacement() {
 /// The clock in place of the steady one, or null.
 std::shared_ptr<const Clock> replacedClock() {
   if (!clockReplaced.load(std::memory_order_relaxed)) return nullptr;
-  const std::lock_guard lock(clockMutex);
+  const std::lock_guard guard(clockMutex);
   return replacement();
 }
 
@@ -65,7 +65,7 @@ std::shared_ptr<const Clock> replacedClock() {
 
 void setClock(std::function<std::chrono::nanoseconds()> now,
               std::function<void(std::chrono::nanoseconds)> sleep) {
-  const std::lock_guard lock(clockMutex);
+  const std::lock_guard guard(clockMutex);
   clockReplaced = now || sleep;
   replacement() = std::make_shared<const Clock>(Clock{std::move(now), std::move(sleep)});
 }

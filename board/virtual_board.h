@@ -43,7 +43,7 @@ struct Outstanding {
 Outstanding outstanding();
 
 /// What `Fg_getStatusEx` is asked for with `param`.
-enum ChannelStatus : uint32_t {
+enum ChannelStatus : std::uint32_t {
   kGrabbedPictures = 1,  ///< Number of the last picture, 0 before the first start.
   kLostPictures = 2,     ///< Always 0: nothing gets lost here.
   kAcquiring = 3         ///< 1 while pictures are still to come on a started channel.
@@ -69,10 +69,11 @@ enum class AccessKind {
 /// One access to the board, in the order they happened.
 struct Access {
   AccessKind kind;
-  std::string name;    ///< parameter, register or function name; "#<id>" for an unknown id
-  int dma = -1;        ///< DMA index as passed; -1 where the call has none
-  std::string value;   ///< value written or read (decimal, doubles in shortest form), or arguments
-  int64_t result = 0;  ///< what the access returned (0 for a non-null pointer, -1 for a null one)
+  std::string name;   ///< parameter, register or function name; "#<id>" for an unknown id
+  int dma = -1;       ///< DMA index as passed; -1 where the call has none
+  std::string value;  ///< value written or read (decimal, doubles in shortest form), or arguments
+  std::int64_t result =
+      0;  ///< what the access returned (0 for a non-null pointer, -1 for a null one)
 };
 
 /// One line, such as "set Device1_Process1_Buffer_XLength[1] = 1000", "get NAME[0] -> 5",

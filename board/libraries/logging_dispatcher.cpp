@@ -28,9 +28,9 @@ constexpr std::array kLevels{spdlog::level::trace, spdlog::level::debug,   spdlo
                              spdlog::level::info,  spdlog::level::info,    spdlog::level::warn,
                              spdlog::level::err,   spdlog::level::critical};
 
-int32_t thresholdFromEnvironment() {
+std::int32_t thresholdFromEnvironment() {
   const char* text = std::getenv(kLevelVariable);
-  const std::string_view digits = text != nullptr ? text : "";
+  const std::string_view digits = text ? text : "";
   int level = kSilent;
   const auto result = std::from_chars(digits.data(), digits.data() + digits.size(), level);
   const bool valid = result.ec == std::errc{} && result.ptr == digits.data() + digits.size() &&
@@ -41,8 +41,8 @@ int32_t thresholdFromEnvironment() {
 class Dispatcher {
  public:
   /// The handle of the logger called `name`, from 1 up.
-  uint64_t handleOf(const char* name) {
-    const std::lock_guard lock(mutex_);
+  std::uint64_t handleOf(const char* name) {
+    const std::lock_guard guard(mutex_);
     for (std::size_t i = 0; i < loggers_.size(); ++i) {
       if (loggers_[i]->name() == name) return i + 1;
     }
@@ -52,10 +52,10 @@ class Dispatcher {
     return loggers_.size();
   }
 
-  void log(uint64_t handle, int level, std::string_view text) {
+  void log(std::uint64_t handle, int level, std::string_view text) {
     std::shared_ptr<spdlog::logger> logger;
     {
-      const std::lock_guard lock(mutex_);
+      const std::lock_guard guard(mutex_);
       if (handle == 0 || handle > loggers_.size()) return;
       logger = loggers_[handle - 1];
     }
@@ -76,19 +76,19 @@ Dispatcher& dispatcher() {
   return instance;
 }
 
-void getLogger(const char* name, uint64_t* handle, int32_t* level) {
+void getLogger(const char* name, std::uint64_t* handle, std::int32_t* level) {
   *handle = dispatcher().handleOf(name);
   *level = thresholdFromEnvironment();
 }
 
-void log(uint64_t handle, int level, const char* text, int, uint64_t) {
+void log(std::uint64_t handle, int level, const char* text, int, std::uint64_t) {
   dispatcher().log(handle, level, text);
 }
 
 /// The threshold does not change and the dispatcher does not go away before its clients: neither of
 /// the offered functions is needed.
-void registerLogging(void*, void* (*)(), void (*)(uint64_t, int32_t), GetLogger* getLoggerOut,
-                     Log* logOut) {
+void registerLogging(void*, void* (*)(), void (*)(std::uint64_t, std::int32_t),
+                     GetLogger* getLoggerOut, Log* logOut) {
   *getLoggerOut = getLogger;
   *logOut = log;
 }

@@ -20,26 +20,26 @@ using board::Access;
 using board::AccessKind;
 
 /// Passes a function of the runtime through the watch and keeps the handle's last error.
-template <typename... Steps>
+template <class... Steps>
 auto run(Fg_Struct* fg, Steps... steps) {
   const auto result = board::watched(std::move(steps)...);
-  if (result < 0 && fg != nullptr) fg->lastError = static_cast<int>(result);
+  if (result < 0 && fg) fg->lastError = static_cast<int>(result);
   return result;
 }
 
 /// Describes a call of `name` with its arguments as text.
-template <typename... Arguments>
+template <class... Arguments>
 auto call(const char* name, int dma, fmt::format_string<const Arguments&...> text,
           const Arguments&... arguments) {
   return [=] { return Access{AccessKind::kCall, name, dma, fmt::format(text, arguments...)}; };
 }
 
 /// Runs `action` on the device of a handle.
-template <typename Action>
+template <class Action>
 auto onDevice(Fg_Struct* fg, Action action) {
   return [fg, action] {
     using Result = decltype(action(*fg->device));
-    return fg != nullptr ? action(*fg->device) : static_cast<Result>(board::kNoHandle);
+    return fg ? action(*fg->device) : static_cast<Result>(board::kNoHandle);
   };
 }
 
@@ -58,21 +58,21 @@ RegisterInfoKind kindOfType(int type) {
 }
 
 std::string valueText(Fg_Struct* fg, int id, const void* value, int type) {
-  if (value == nullptr) return "null";
-  auto kind = fg != nullptr ? fg->device->parameterKind(id) : REGISTER_INFO_GROUP;
+  if (!value) return "null";
+  auto kind = fg ? fg->device->parameterKind(id) : REGISTER_INFO_GROUP;
   if (kind == REGISTER_INFO_GROUP) kind = kindOfType(type);
-  uint64_t bits = 0;
+  std::uint64_t bits = 0;
   const bool known = board::loadScalar(kind, type, value, bits) == board::kOk;
   return known ? board::scalarText(kind, bits) : "?";
 }
 
 Access parameterAccess(AccessKind kind, Fg_Struct* fg, int id, unsigned dma) {
-  auto name = fg != nullptr ? fg->device->parameterName(id) : fmt::format("#{}", id);
+  auto name = fg ? fg->device->parameterName(id) : fmt::format("#{}", id);
   return {kind, std::move(name), static_cast<int>(dma), {}};
 }
 
 bool isText(Fg_Struct* fg, int id, int type) {
-  return type == FG_PARAM_TYPE_STRING || (type == board::kNaturalType && fg != nullptr &&
+  return type == FG_PARAM_TYPE_STRING || (type == board::kNaturalType && fg &&
                                           fg->device->parameterKind(id) == REGISTER_INFO_STRING);
 }
 
@@ -81,8 +81,8 @@ int set(Fg_Struct* fg, int id, const void* value, unsigned dma, int type) {
       fg,
       [=] {
         auto access = parameterAccess(AccessKind::kSet, fg, id, dma);
-        access.value = value != nullptr && isText(fg, id, type) ? static_cast<const char*>(value)
-                                                                : valueText(fg, id, value, type);
+        access.value = value && isText(fg, id, type) ? static_cast<const char*>(value)
+                                                     : valueText(fg, id, value, type);
         return access;
       },
       onDevice(fg, [=](auto& device) { return device.setParameter(id, value, dma, type); }));
@@ -99,7 +99,7 @@ int get(Fg_Struct* fg, int id, void* value, unsigned dma, int type) {
 }
 
 Fg_Struct* open(KTdevice* device, fpga_design* design) {
-  if (device == nullptr || design == nullptr) {
+  if (!device || !design) {
     board::errorWithoutHandle = board::kNoDesign;
     return nullptr;
   }
@@ -120,19 +120,19 @@ int freeGrabber(Fg_Struct* fg) {
 }
 
 int idByName(const Fg_Struct* fg, const char* name) {
-  if (fg == nullptr) return board::kNoHandle;
-  const int id = name != nullptr ? fg->design->parameterId(name) : 0;
+  if (!fg) return board::kNoHandle;
+  const int id = name ? fg->design->parameterId(name) : 0;
   return id != 0 ? id : board::kUnknownParameter;
 }
 
 int freeString(const void* value, int type) {
-  if (value == nullptr) return board::kNullValue;
+  if (!value) return board::kNullValue;
   if (type != FG_PARAM_TYPE_STRING) return board::kWrongType;
   return board::giveBackString(static_cast<const char*>(value)) ? board::kOk
                                                                 : board::kUnknownString;
 }
 
-const char* orNull(const char* text) { return text != nullptr ? text : "null"; }
+const char* orNull(const char* text) { return text ? text : "null"; }
 
 }  // namespace
 
@@ -154,9 +154,8 @@ int Fg_FreeGrabber(Fg_Struct* fg) {
 }
 
 int Fg_getLastErrorNumber(Fg_Struct* fg) {
-  return board::watched(call("Fg_getLastErrorNumber", -1, ""), [=]() -> int {
-    return fg != nullptr ? fg->lastError : board::errorWithoutHandle;
-  });
+  return board::watched(call("Fg_getLastErrorNumber", -1, ""),
+                        [=]() -> int { return fg ? fg->lastError : board::errorWithoutHandle; });
 }
 
 int Fg_getParameterIdByName(Fg_Struct* fg, const char* name) {
@@ -188,32 +187,32 @@ int Fg_freeParameterStringWithType(Fg_Struct* fg, int id, void* value, unsigned 
 
 RegisterInfo* Fg_getParameterInfo(Fg_Struct* fg, int port) {
   return board::watched(call("Fg_getParameterInfo", -1, "port {}", port), [=]() -> RegisterInfo* {
-    return fg != nullptr && port == 0 ? fg->design->description() : nullptr;
+    return fg && port == 0 ? fg->design->description() : nullptr;
   });
 }
 
 int Fg_getAppletId(Fg_Struct* fg, void*) {
   return run(fg, call("Fg_getAppletId", -1, ""),
-             [=]() -> int { return fg != nullptr ? board::kBoardType : board::kNoHandle; });
+             [=]() -> int { return fg ? board::kBoardType : board::kNoHandle; });
 }
 
-int Fg_AcquireEx(Fg_Struct* fg, uint32_t dma, int64_t pictures, int32_t, void*) {
+int Fg_AcquireEx(Fg_Struct* fg, std::uint32_t dma, std::int64_t pictures, std::int32_t, void*) {
   return run(fg, call("Fg_AcquireEx", static_cast<int>(dma), "dma {}, {} pictures", dma, pictures),
              onDevice(fg, [=](auto& device) { return device.start(dma, pictures); }));
 }
 
-int Fg_stopAcquireEx(Fg_Struct* fg, uint32_t dma, int64_t, int32_t) {
+int Fg_stopAcquireEx(Fg_Struct* fg, std::uint32_t dma, std::int64_t, std::int32_t) {
   return run(fg, call("Fg_stopAcquireEx", static_cast<int>(dma), "dma {}", dma),
              onDevice(fg, [=](auto& device) { return device.stop(dma); }));
 }
 
-int64_t Fg_getLastPicNumberEx(Fg_Struct* fg, uint32_t dma, int64_t) {
+std::int64_t Fg_getLastPicNumberEx(Fg_Struct* fg, std::uint32_t dma, std::int64_t) {
   return run(fg, call("Fg_getLastPicNumberEx", static_cast<int>(dma), "dma {}", dma),
              onDevice(fg, [=](auto& device) { return device.lastPicture(dma); }));
 }
 
-int64_t Fg_getLastPicNumberBlockingEx(Fg_Struct* fg, int64_t picture, uint32_t dma, int32_t timeout,
-                                      int64_t) {
+std::int64_t Fg_getLastPicNumberBlockingEx(Fg_Struct* fg, std::int64_t picture, std::uint32_t dma,
+                                           std::int32_t timeout, std::int64_t) {
   return run(
       fg,
       call("Fg_getLastPicNumberBlockingEx", static_cast<int>(dma), "picture {}, dma {}, {} s",
@@ -221,7 +220,8 @@ int64_t Fg_getLastPicNumberBlockingEx(Fg_Struct* fg, int64_t picture, uint32_t d
       onDevice(fg, [=](auto& device) { return device.waitForPicture(picture, dma, timeout); }));
 }
 
-int64_t Fg_getStatusEx(Fg_Struct* fg, uint32_t param, int64_t, int32_t dma, void*) {
+std::int64_t Fg_getStatusEx(Fg_Struct* fg, std::uint32_t param, std::int64_t, std::int32_t dma,
+                            void*) {
   return run(fg, call("Fg_getStatusEx", dma, "status {}, dma {}", param, dma),
              onDevice(fg, [=](auto& device) {
                return device.channelStatus(param, static_cast<unsigned>(dma));
@@ -232,8 +232,8 @@ int64_t Fg_getStatusEx(Fg_Struct* fg, uint32_t param, int64_t, int32_t dma, void
 
 int Fg_saveConfig(Fg_Struct*, const char*) { return board::kNotOffered; }
 int Fg_loadConfig(Fg_Struct*, const char*) { return board::kNotOffered; }
-int Fg_Acquire(Fg_Struct*, uint32_t, int64_t) { return board::kNotOffered; }
-int Fg_stopAcquire(Fg_Struct*, uint32_t) { return board::kNotOffered; }
+int Fg_Acquire(Fg_Struct*, std::uint32_t, std::int64_t) { return board::kNotOffered; }
+int Fg_stopAcquire(Fg_Struct*, std::uint32_t) { return board::kNotOffered; }
 ShadingMaster* Fg_AllocShading(Fg_Struct*, int, int) { return nullptr; }
 int Fg_FreeShading(Fg_Struct*, ShadingMaster*) { return board::kNotOffered; }
 int Shad_GetMaxLine(Fg_Struct*, ShadingMaster*) { return board::kNotOffered; }

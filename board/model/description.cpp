@@ -22,7 +22,7 @@ class Groups {
 
   RegisterInfo* at(const std::string& path) {
     auto& group = groups_[path];
-    if (group != nullptr) return group;
+    if (group) return group;
     // The device and the process together make the root: "Device1_Process0".
     const auto cut = path.rfind('_');
     const bool root = cut == std::string::npos || path.find('_') == cut;
@@ -50,11 +50,11 @@ void addNode(velmora::Fg_ParameterInfo& registry, RegisterInfo* group, const cha
   const auto addRange = [&](auto operation, auto convert) {
     return add(operation, convert(record.min), convert(record.max), convert(record.step));
   };
-  const auto asUint = [](uint64_t bits) { return static_cast<uint32_t>(bits); };
-  const auto asInt = [](uint64_t bits) { return static_cast<int32_t>(bits); };
-  const auto asUint64 = [](uint64_t bits) { return bits; };
-  const auto asInt64 = [](uint64_t bits) { return static_cast<int64_t>(bits); };
-  const auto asDouble = [](uint64_t bits) { return std::bit_cast<double>(bits); };
+  const auto asUint = [](std::uint64_t bits) { return static_cast<std::uint32_t>(bits); };
+  const auto asInt = [](std::uint64_t bits) { return static_cast<std::int32_t>(bits); };
+  const auto asUint64 = [](std::uint64_t bits) { return bits; };
+  const auto asInt64 = [](std::uint64_t bits) { return static_cast<std::int64_t>(bits); };
+  const auto asDouble = [](std::uint64_t bits) { return std::bit_cast<double>(bits); };
 
   using Registry = velmora::Fg_ParameterInfo;
   switch (record.kind) {

@@ -29,11 +29,11 @@ class Design {
   /// not a manifest.
   static std::shared_ptr<const Design> fromFile(const char* file);
 
-  explicit Design(Manifest manifest, uint32_t fingerprint);
+  explicit Design(Manifest manifest, std::uint32_t fingerprint);
 
   const Manifest& manifest() const { return manifest_; }
   /// Equal for designs of equal content, whose ids therefore mean the same.
-  uint32_t fingerprint() const { return fingerprint_; }
+  std::uint32_t fingerprint() const { return fingerprint_; }
 
   /// Id of a name; 0 when there is none.
   int parameterId(std::string_view name) const { return find(parameterIds_, name); }
@@ -53,7 +53,7 @@ class Design {
   static int find(const Ids& ids, std::string_view name);
 
   Manifest manifest_;
-  uint32_t fingerprint_;
+  std::uint32_t fingerprint_;
   Ids parameterIds_;
   Ids registerIds_;
   std::vector<HapEvent> events_;

@@ -38,18 +38,18 @@ class Device {
   int setParameter(int id, const void* value, unsigned dma, int type);
   int getParameter(int id, void* value, unsigned dma, int type);
 
-  int writeRegister(int id, uint64_t value);
-  int readRegister(int id, uint64_t* value) const;
+  int writeRegister(int id, std::uint64_t value);
+  int readRegister(int id, std::uint64_t* value) const;
 
   /// Starts a channel; `pictures` to count, -1 for no end.
-  int start(unsigned dma, int64_t pictures);
+  int start(unsigned dma, std::int64_t pictures);
   int stop(unsigned dma);
   /// Number of the last picture since the start, from 1; 0 before the first.
-  int64_t lastPicture(unsigned dma) const;
+  std::int64_t lastPicture(unsigned dma) const;
   /// Waits for a picture, `seconds` at most; the number of the last picture.
-  int64_t waitForPicture(int64_t picture, unsigned dma, int64_t seconds) const;
+  std::int64_t waitForPicture(std::int64_t picture, unsigned dma, std::int64_t seconds) const;
   /// `status` is a `ChannelStatus`.
-  int64_t channelStatus(uint32_t status, unsigned dma) const;
+  std::int64_t channelStatus(std::uint32_t status, unsigned dma) const;
 
   /// The name behind an id, "#<id>" for an unknown one.
   std::string parameterName(int id) const;
@@ -74,22 +74,22 @@ class Device {
   };
   /// A value per DMA channel; shared parameters and registers use the first.
   struct Cell {
-    std::array<uint64_t, kPorts> bits{};
+    std::array<std::uint64_t, kPorts> bits{};
     Effect effect = Effect::kNone;
     unsigned port = 0;  ///< That the effect is for.
     unsigned slot = 0;  ///< That the effect is on.
-    uint64_t PortSettings::*setting = nullptr;
+    std::uint64_t PortSettings::*setting = nullptr;
   };
   struct Clear {
     const Cell* command;
     Cell* target;
-    uint64_t mask;
+    std::uint64_t mask;
   };
   struct Channel {
     bool started = false;  ///< At least once since the first handle.
     bool running = false;
-    int64_t limit = 0;
-    int64_t atStop = 0;
+    std::int64_t limit = 0;
+    std::int64_t atStop = 0;
     RateCounter pictures;
   };
   /// A parameter of the runtime itself, under its SDK id.
@@ -98,7 +98,7 @@ class Device {
     const char* name;
     RegisterInfoKind kind;
     bool writable;
-    uint64_t (*read)(const Device& device, unsigned dma);  ///< Null: 0 until written.
+    std::uint64_t (*read)(const Device& device, unsigned dma);  ///< Null: 0 until written.
   };
   static constexpr std::size_t kRuntimeParameterCount = 10;
   static const std::array<RuntimeParameter, kRuntimeParameterCount> kRuntimeParameters;
@@ -120,18 +120,18 @@ class Device {
   const ParameterRecord* record(int id) const { return design_ ? design_->parameter(id) : nullptr; }
   void powerOn();
   void assignEffects();
-  template <typename Assign>
+  template <class Assign>
   void assignTo(const char* nameTemplate, Assign assign);
   Cell* cellNamed(const std::string& name);
   const char* knownName(int id) const;
   Place locate(int id, const void* value, unsigned dma);
   Place locate(const std::string& name, unsigned dma);
-  uint64_t readCell(const Cell& cell, unsigned slot) const;
-  void writeCell(Cell& cell, unsigned slot, uint64_t bits);
-  void runCommand(const Cell& cell, uint64_t bits);
-  uint64_t readRuntime(std::size_t index, unsigned dma) const;
+  std::uint64_t readCell(const Cell& cell, unsigned slot) const;
+  void writeCell(Cell& cell, unsigned slot, std::uint64_t bits);
+  void runCommand(const Cell& cell, std::uint64_t bits);
+  std::uint64_t readRuntime(std::size_t index, unsigned dma) const;
   void updateRates();
-  int64_t pictureNumber(const Channel& channel) const;
+  std::int64_t pictureNumber(const Channel& channel) const;
   bool acquiring(const Channel& channel) const;
 
   mutable std::mutex mutex_;
@@ -144,7 +144,7 @@ class Device {
   Ports ports_;
   std::array<Channel, kPorts> channels_;
   std::array<RateCounter, kPorts> outputPulses_;
-  std::array<std::array<std::optional<uint64_t>, kPorts>, kRuntimeParameterCount> runtime_;
+  std::array<std::array<std::optional<std::uint64_t>, kPorts>, kRuntimeParameterCount> runtime_;
 };
 
 }  // namespace board

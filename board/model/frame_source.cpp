@@ -14,11 +14,11 @@ constexpr double kGeneratorOverhead = 9.0;  // ticks
 constexpr double kSlack = 1e-6;
 
 /// Registers hold one less than the count, so that all ones stand for none.
-double countOf(uint64_t registerValue) { return static_cast<double>(registerValue + 1); }
+double countOf(std::uint64_t registerValue) { return static_cast<double>(registerValue + 1); }
 
 double simulatorRate(const PortSettings& port) {
   // The height is a 32-bit count: 4294967295 means no lines.
-  const auto lines = static_cast<double>(static_cast<uint32_t>(port.simulatorHeight + 1));
+  const auto lines = static_cast<double>(static_cast<std::uint32_t>(port.simulatorHeight + 1));
   const double units = static_cast<double>(port.simulatorLineWidth) * lines;
   const double active = countOf(port.simulatorActive);
   const double period = active + countOf(port.simulatorPassive);
@@ -69,7 +69,7 @@ void RateCounter::setRate(Time now, double perSecond) {
   if (perSecond == rate_) return;
   const double events = exact(now);
   const double whole = std::floor(events + kSlack);
-  base_ += static_cast<int64_t>(whole);
+  base_ += static_cast<std::int64_t>(whole);
   fraction_ = std::max(events - whole, 0.0);
   since_ = now;
   rate_ = perSecond;
@@ -79,11 +79,11 @@ double RateCounter::exact(Time now) const {
   return fraction_ + std::chrono::duration<double>(now - since_).count() * rate_;
 }
 
-int64_t RateCounter::count(Time now) const {
-  return base_ + static_cast<int64_t>(std::floor(exact(now) + kSlack));
+std::int64_t RateCounter::count(Time now) const {
+  return base_ + static_cast<std::int64_t>(std::floor(exact(now) + kSlack));
 }
 
-RateCounter::Time RateCounter::until(int64_t count, Time now) const {
+RateCounter::Time RateCounter::until(std::int64_t count, Time now) const {
   constexpr std::chrono::duration<double> kLongest{1e9};
   const double missing = static_cast<double>(count - base_) - exact(now);
   if (missing <= 0) return Time{0};

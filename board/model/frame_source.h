@@ -23,20 +23,20 @@ inline constexpr unsigned kPorts = 4;  ///< Camera ports, each with its DMA chan
 
 /// What the design was told about a port: the registers and parameters that matter here.
 struct PortSettings {
-  uint64_t simulatorEnabled = 0;
-  uint64_t simulatorStarted = 0;
-  uint64_t simulatorLineWidth = 0;
-  uint64_t simulatorHeight = 0;
-  uint64_t simulatorActive = 0;
-  uint64_t simulatorPassive = 0;
-  uint64_t triggerEnabled = 0;
-  uint64_t triggerHeld = 0;
-  uint64_t triggerExternal = 0;
-  uint64_t triggerQueued = 0;
-  uint64_t triggerSlave = 0;
-  uint64_t triggerPeriod = 0;
-  uint64_t width = 0;
-  uint64_t height = 0;
+  std::uint64_t simulatorEnabled = 0;
+  std::uint64_t simulatorStarted = 0;
+  std::uint64_t simulatorLineWidth = 0;
+  std::uint64_t simulatorHeight = 0;
+  std::uint64_t simulatorActive = 0;
+  std::uint64_t simulatorPassive = 0;
+  std::uint64_t triggerEnabled = 0;
+  std::uint64_t triggerHeld = 0;
+  std::uint64_t triggerExternal = 0;
+  std::uint64_t triggerQueued = 0;
+  std::uint64_t triggerSlave = 0;
+  std::uint64_t triggerPeriod = 0;
+  std::uint64_t width = 0;
+  std::uint64_t height = 0;
 };
 
 using Ports = std::array<PortSettings, kPorts>;
@@ -53,7 +53,7 @@ bool followsTrigger(const PortSettings& port);
 /// The parameters (names with `{}` for the port number) that a setting is taken from.
 struct SettingSource {
   const char* name;
-  uint64_t PortSettings::*member;
+  std::uint64_t PortSettings::*member;
 };
 inline constexpr SettingSource kSettingSources[] = {
     {"CamGenEnable{}", &PortSettings::simulatorEnabled},
@@ -87,15 +87,15 @@ class RateCounter {
   void restart(Time now);
   void setRate(Time now, double perSecond);
   /// Adds events that did not come from the rate.
-  void add(int64_t events) { base_ += events; }
-  int64_t count(Time now) const;
+  void add(std::int64_t events) { base_ += events; }
+  std::int64_t count(Time now) const;
   /// Time from `now` until `count` events are reached; the longest time when the rate is 0.
-  Time until(int64_t count, Time now) const;
+  Time until(std::int64_t count, Time now) const;
 
  private:
   double exact(Time now) const;
 
-  int64_t base_ = 0;
+  std::int64_t base_ = 0;
   double fraction_ = 0;
   double rate_ = 0;
   Time since_{0};

@@ -28,12 +28,12 @@ std::set<const void*>& objectsOf(HandedOut sort) {
 }  // namespace
 
 void handOut(HandedOut sort, const void* object) {
-  const std::lock_guard lock(ledger().mutex);
+  const std::lock_guard guard(ledger().mutex);
   objectsOf(sort).insert(object);
 }
 
 bool giveBack(HandedOut sort, const void* object) {
-  const std::lock_guard lock(ledger().mutex);
+  const std::lock_guard guard(ledger().mutex);
   return objectsOf(sort).erase(object) != 0;
 }
 
@@ -41,18 +41,18 @@ char* handOutString(std::string_view text) {
   auto copy = std::make_unique<char[]>(text.size() + 1);
   text.copy(copy.get(), text.size());
   char* result = copy.get();
-  const std::lock_guard lock(ledger().mutex);
+  const std::lock_guard guard(ledger().mutex);
   ledger().strings.emplace(result, std::move(copy));
   return result;
 }
 
 bool giveBackString(const char* text) {
-  const std::lock_guard lock(ledger().mutex);
+  const std::lock_guard guard(ledger().mutex);
   return ledger().strings.erase(text) != 0;
 }
 
 Outstanding countOutstanding() {
-  const std::lock_guard lock(ledger().mutex);
+  const std::lock_guard guard(ledger().mutex);
   return {static_cast<int>(objectsOf(HandedOut::kHandle).size()),
           static_cast<int>(objectsOf(HandedOut::kDesign).size()),
           static_cast<int>(ledger().strings.size())};

@@ -50,14 +50,14 @@ Tokens split(std::string_view line) {
   throw ManifestError(fmt::format("{} '{}'", what, token));
 }
 
-uint64_t number(RegisterInfoKind kind, std::string_view token) {
+std::uint64_t number(RegisterInfoKind kind, std::string_view token) {
   const auto bits = parseScalar(kind, token);
   if (!bits) fail("not a number of this kind:", token);
   return *bits;
 }
 
 int integer(std::string_view token, int min, int max) {
-  const auto value = static_cast<int64_t>(number(REGISTER_INFO_INT, token));
+  const auto value = static_cast<std::int64_t>(number(REGISTER_INFO_INT, token));
   if (value < min || value > max) fail("number out of range:", token);
   return static_cast<int>(value);
 }
@@ -96,11 +96,11 @@ std::optional<std::string_view> option(std::string_view token, std::string_view 
   return token.substr(key.size() + 1);
 }
 
-std::pair<std::string, int32_t> parseEntry(std::string_view token) {
+std::pair<std::string, std::int32_t> parseEntry(std::string_view token) {
   const auto equals = std::min(token.find('='), token.size() - 1);
   if (equals == 0) fail("entry without label:", token);
-  constexpr int kMin = std::numeric_limits<int32_t>::min();
-  constexpr int kMax = std::numeric_limits<int32_t>::max();
+  constexpr int kMin = std::numeric_limits<std::int32_t>::min();
+  constexpr int kMax = std::numeric_limits<std::int32_t>::max();
   return {std::string(token.substr(0, equals)), integer(token.substr(equals + 1), kMin, kMax)};
 }
 
@@ -121,7 +121,7 @@ void parseArguments(ParameterRecord& record, const Tokens& arguments) {
     case REGISTER_INFO_INT_FIELD:
     case REGISTER_INFO_DOUBLE_FIELD:
       expect(3);
-      record.count = static_cast<uint32_t>(integer(arguments[0], 0, 1 << 20));
+      record.count = static_cast<std::uint32_t>(integer(arguments[0], 0, 1 << 20));
       record.initial = number(record.kind, arguments[1]);
       record.max = number(record.kind, arguments[2]);
       break;
@@ -203,7 +203,7 @@ class Parser {
   static bool writable(std::string_view token) { return choose(token, "rw", "ro"); }
 
   /// Appends a copy of `record` for every name that the pattern stands for.
-  template <typename Record>
+  template <class Record>
   void add(std::vector<Record>& records, std::unordered_set<std::string>& known,
            std::string_view pattern, Record record) {
     if (pattern.size() > kMaxNameLength) fail("name too long:", pattern);

@@ -50,10 +50,10 @@ Watcher& watcher() {
   return instance;
 }
 
-template <typename Change>
+template <class Change>
 void change(Change apply) {
   auto& watch = watcher();
-  const std::lock_guard lock(watch.mutex);
+  const std::lock_guard guard(watch.mutex);
   apply(watch);
   watch.updateWatching();
 }
@@ -102,7 +102,7 @@ void report(const Access& access) {
   std::shared_ptr<const Observer> observer;
   {
     auto& watch = watcher();
-    const std::lock_guard lock(watch.mutex);
+    const std::lock_guard guard(watch.mutex);
     observer = watch.observer;
     if (watch.journaling) watch.journal.push_back(access);
   }
@@ -121,7 +121,7 @@ void stopJournal() {
 }
 
 std::vector<Access> takeJournal() {
-  const std::lock_guard lock(watcher().mutex);
+  const std::lock_guard guard(watcher().mutex);
   return std::exchange(watcher().journal, {});
 }
 

@@ -25,7 +25,7 @@ extern std::atomic<int> errorWithoutHandle;
 
 /// Runs `action` unless a fault stands in its way. `describe` makes the access, but for its result,
 /// before; `complete` adds what is known only after a success, such as the value read.
-template <typename Describe, typename Action, typename Complete>
+template <class Describe, class Action, class Complete>
 auto watched(Describe describe, Action action, Complete complete) -> decltype(action()) {
   using Result = decltype(action());
   if (!watching.load(std::memory_order_relaxed)) return action();
@@ -35,17 +35,17 @@ auto watched(Describe describe, Action action, Complete complete) -> decltype(ac
   if constexpr (std::is_pointer_v<Result>) {
     if (!fault) result = action();
     if (fault) errorWithoutHandle = *fault;
-    access.result = result != nullptr ? 0 : -1;
+    access.result = result ? 0 : -1;
   } else {
     result = fault ? static_cast<Result>(*fault) : action();
-    access.result = static_cast<int64_t>(result);
+    access.result = static_cast<std::int64_t>(result);
   }
   if (access.result >= 0) complete(access);
   report(access);
   return result;
 }
 
-template <typename Describe, typename Action>
+template <class Describe, class Action>
 auto watched(Describe describe, Action action) {
   return watched(std::move(describe), std::move(action), [](Access&) {});
 }
