@@ -6,6 +6,8 @@
 #include <mutex>
 #include <set>
 
+#include "board/virtual_board.h"
+
 namespace board {
 namespace {
 
@@ -15,26 +17,26 @@ struct Ledger {
   std::map<const char*, std::unique_ptr<char[]>> strings;
 };
 
-/// Never destroyed: other libraries may give things back while the process ends.
+/// Never destroyed: other libraries may give things back while the process exits.
 Ledger& ledger() {
   static Ledger& instance = *new Ledger;
   return instance;
 }
 
-std::set<const void*>& objectsOf(HandedOut sort) {
-  return ledger().objects[static_cast<std::size_t>(sort)];
+std::set<const void*>& objectsOf(HandedOut kind) {
+  return ledger().objects[static_cast<std::size_t>(kind)];
 }
 
 }  // namespace
 
-void handOut(HandedOut sort, const void* object) {
+void handOut(HandedOut kind, const void* object) {
   const std::lock_guard guard(ledger().mutex);
-  objectsOf(sort).insert(object);
+  objectsOf(kind).insert(object);
 }
 
-bool giveBack(HandedOut sort, const void* object) {
+bool giveBack(HandedOut kind, const void* object) {
   const std::lock_guard guard(ledger().mutex);
-  return objectsOf(sort).erase(object) != 0;
+  return objectsOf(kind).erase(object) != 0;
 }
 
 char* handOutString(std::string_view text) {
@@ -51,7 +53,7 @@ bool giveBackString(const char* text) {
   return ledger().strings.erase(text) != 0;
 }
 
-Outstanding countOutstanding() {
+Outstanding outstanding() {
   const std::lock_guard guard(ledger().mutex);
   return {static_cast<int>(objectsOf(HandedOut::kHandle).size()),
           static_cast<int>(objectsOf(HandedOut::kDesign).size()),
