@@ -1,28 +1,18 @@
 /// Design runtime `libdervin.so` of the virtual board.
 #include "external/dervin.h"
 
-#include <fmt/format.h>
-
 #include <string_view>
 
+#include "board/libraries/call.h"
 #include "board/model/ledger.h"
 #include "board/model/model.h"
 #include "board/model/watch.h"
 
 namespace {
 
-using board::Access;
-using board::AccessKind;
+using board::call;
 using board::Design;
-
-/// Describes a call of `name` with its arguments as text.
-template <class... Arguments>
-auto call(const char* name, fmt::format_string<const Arguments&...> text,
-          const Arguments&... arguments) {
-  return [=] { return Access{AccessKind::kCall, name, -1, fmt::format(text, arguments...)}; };
-}
-
-const char* orNull(const char* text) { return text ? text : "null"; }
+using board::orNull;
 
 fpga_design* handOut(std::shared_ptr<const Design> content) {
   if (!content) return nullptr;
@@ -31,7 +21,7 @@ fpga_design* handOut(std::shared_ptr<const Design> content) {
   return design;
 }
 
-/// The register of a design; null for an unknown id and a null design.
+/// The register of a design; null for an unknown id or a null design.
 const board::RegisterRecord* find(const fpga_design* design, int id) {
   return design ? design->content->registerWithId(id) : nullptr;
 }

@@ -3,12 +3,12 @@
 #include <fmt/format.h>
 
 #include <bit>
-#include <charconv>
 #include <cstring>
 #include <limits>
 #include <type_traits>
 
 #include "board/model/errors.h"
+#include "board/parse_number.h"
 
 namespace board {
 namespace {
@@ -46,15 +46,6 @@ std::uint64_t encode(Number number) {
   }
 }
 
-template <class Number>
-Number decode(std::uint64_t bits) {
-  if constexpr (std::is_same_v<Number, double>) {
-    return std::bit_cast<double>(bits);
-  } else {
-    return static_cast<Number>(bits);
-  }
-}
-
 int naturalType(RegisterInfoKind kind) {
   return dispatch(kind, [](auto number) -> int {
     using Number = decltype(number);
@@ -82,7 +73,7 @@ Number readAs(const void* value) {
   return number;
 }
 
-/// Whether `bits`, a 64-bit integer of either sign, can be given in 32 bits.
+/// Whether `bits`, a 64-bit integer, fits in 32 bits, signed or not.
 bool fits32(std::uint64_t bits) {
   const auto number = static_cast<std::int64_t>(bits);
   return number >= std::numeric_limits<std::int32_t>::min() &&
@@ -107,21 +98,20 @@ bool isScalar(RegisterInfoKind kind) {
 
 std::optional<std::uint64_t> parseScalar(RegisterInfoKind kind, std::string_view text) {
   return dispatch(kind, [text](auto number) -> std::optional<std::uint64_t> {
-    const char* end = text.data() + text.size();
-    const auto result = std::from_chars(text.data(), end, number);
-    if (result.ec != std::errc{} || result.ptr != end) return std::nullopt;
-    return encode(number);
+    const auto parsed = parseNumber<decltype(number)>(text);
+    if (!parsed) return std::nullopt;
+    return encode(*parsed);
   });
 }
 
 std::string scalarText(RegisterInfoKind kind, std::uint64_t bits) {
   return dispatch(
-      kind, [bits](auto number) { return fmt::format("{}", decode<decltype(number)>(bits)); });
+      kind, [bits](auto number) { return fmt::format("{}", fromBits<decltype(number)>(bits)); });
 }
 
 double scalarToDouble(RegisterInfoKind kind, std::uint64_t bits) {
   return dispatch(
-      kind, [bits](auto number) { return static_cast<double>(decode<decltype(number)>(bits)); });
+      kind, [bits](auto number) { return static_cast<double>(fromBits<decltype(number)>(bits)); });
 }
 
 std::uint64_t scalarFromDouble(RegisterInfoKind kind, double value) {
@@ -146,8 +136,8 @@ int loadScalar(RegisterInfoKind kind, int type, const void* value, std::uint64_t
     const auto narrow = readAs<std::uint32_t>(value);
     bits = wideKind && resolved == kInt32 ? encode(static_cast<std::int32_t>(narrow)) : narrow;
   }
-  if (!wideKind) {  // Takes the pattern of the kind's own width.
-    bits = dispatch(kind, [&](auto number) { return encode(decode<decltype(number)>(bits)); });
+  if (!wideKind) {  // Leaves the bits of the kind's own width.
+    bits = dispatch(kind, [&](auto number) { return encode(fromBits<decltype(number)>(bits)); });
   }
   return kOk;
 }
