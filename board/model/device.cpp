@@ -19,7 +19,7 @@ constexpr const char* kSoftwarePulseName =
 constexpr const char* kOutputPulsesName =
     "Device1_Process4_Trigger_TriggerCam{}_OutputStatistics_ReadPulses_Status";
 
-/// Writing `command` clears `target`: all of it, or the camera's bit at `bit` of its three.
+/// Writing `command` clears `target`: all of it, or bit `bit` of the camera's three.
 struct ClearSource {
   const char* command;
   const char* target;
@@ -83,7 +83,7 @@ void Device::powerOn() {
   updateRates();
 }
 
-/// Calls `assign` with the cell of each port that the design has under the name.
+/// Calls `assign` for the cell of each port that exists in the design.
 template <class Assign>
 void Device::assignTo(const char* nameTemplate, Assign assign) {
   for (unsigned port = 0; port < kPorts; ++port) {
@@ -98,7 +98,7 @@ void Device::assignTo(const char* nameTemplate, Assign assign) {
 }
 
 void Device::assignEffects() {
-  for (const auto& source : kSettingSources) {
+  for (const auto& source : settingSources()) {
     assignTo(source.name, [&](Cell& cell, unsigned port) {
       cell.effect = Effect::kSetting;
       cell.setting = source.member;
@@ -249,7 +249,7 @@ int Device::readRegister(int id, std::uint64_t* value) const {
 Device::Place Device::locate(const std::string& name, unsigned dma) {
   if (dma >= kPorts) throw std::out_of_range("DMA index");
   if (design_) {
-    // Any pointer does for the check of the value.
+    // No value is accessed; any pointer passes the check for null.
     if (const int id = design_->parameterId(name)) return locate(id, this, dma);
     if (auto* cell = cellNamed(name)) return {.kind = REGISTER_INFO_UINT64, .cell = cell};
   }

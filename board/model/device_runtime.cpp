@@ -4,8 +4,8 @@
 #include "board/model/clock.h"
 #include "board/model/device.h"
 #include "board/model/errors.h"
-#include "board/virtual_board.h"
 #include "velmora/parameters.h"
+#include "velmora/status.h"
 
 namespace board {
 namespace {
@@ -16,6 +16,10 @@ constexpr std::uint64_t kLineAndFrameValid = 6;
 constexpr std::int64_t kEndless = -1;
 constexpr std::chrono::nanoseconds kLongestPause = std::chrono::milliseconds(2);
 constexpr std::chrono::nanoseconds kShortestPause = std::chrono::microseconds(20);
+
+/// Every port has one DMA channel, of its own number.
+std::uint64_t portCount(const Device&, unsigned) { return kPorts; }
+std::uint64_t portOfDma(const Device&, unsigned dma) { return dma; }
 
 }  // namespace
 
@@ -36,16 +40,11 @@ const std::array<Device::RuntimeParameter, Device::kRuntimeParameterCount>
          [](const Device& device, unsigned dma) {
            return device.ports_[dma].width * device.ports_[dma].height * kPixelBytes;
          }},
-        {FG_NR_OF_DMAS, "FG_NR_OF_DMAS", REGISTER_INFO_UINT, false,
-         [](const Device&, unsigned) -> std::uint64_t { return kPorts; }},
-        {FG_NR_OF_CAMS, "FG_NR_OF_CAMS", REGISTER_INFO_UINT, false,
-         [](const Device&, unsigned) -> std::uint64_t { return kPorts; }},
-        {FG_NR_OF_PROCESSES, "FG_NR_OF_PROCESSES", REGISTER_INFO_UINT, false,
-         [](const Device&, unsigned) -> std::uint64_t { return kPorts; }},
-        {FG_DMA_PORT, "FG_DMA_PORT", REGISTER_INFO_UINT, false,
-         [](const Device&, unsigned dma) -> std::uint64_t { return dma; }},
-        {FG_CAM_PORT, "FG_CAM_PORT", REGISTER_INFO_UINT, false,
-         [](const Device&, unsigned dma) -> std::uint64_t { return dma; }},
+        {FG_NR_OF_DMAS, "FG_NR_OF_DMAS", REGISTER_INFO_UINT, false, portCount},
+        {FG_NR_OF_CAMS, "FG_NR_OF_CAMS", REGISTER_INFO_UINT, false, portCount},
+        {FG_NR_OF_PROCESSES, "FG_NR_OF_PROCESSES", REGISTER_INFO_UINT, false, portCount},
+        {FG_DMA_PORT, "FG_DMA_PORT", REGISTER_INFO_UINT, false, portOfDma},
+        {FG_CAM_PORT, "FG_CAM_PORT", REGISTER_INFO_UINT, false, portOfDma},
     }};
 
 std::size_t Device::runtimeIndex(int id) {
@@ -106,7 +105,7 @@ std::int64_t Device::waitForPicture(std::int64_t picture, unsigned dma,
   if (dma >= kPorts) return kBadDma;
   if (seconds < 0) return kBadArgument;
   const auto deadline = now() + std::chrono::seconds(seconds);
-  // Polls, since the rate can change while it waits.
+  // Polls, since the rate can change in the meantime.
   while (true) {
     std::chrono::nanoseconds pause{};
     {
@@ -129,11 +128,11 @@ std::int64_t Device::channelStatus(std::uint32_t status, unsigned dma) const {
   const std::lock_guard guard(mutex_);
   const auto& channel = channels_[dma];
   switch (status) {
-    case kGrabbedPictures:
+    case VELMORA_STATUS_GRABBED_PICTURES:
       return channel.started ? pictureNumber(channel) : 0;
-    case kLostPictures:
+    case VELMORA_STATUS_LOST_PICTURES:
       return 0;
-    case kAcquiring:
+    case VELMORA_STATUS_ACQUIRING:
       return acquiring(channel) ? 1 : 0;
     default:
       return kBadArgument;

@@ -10,10 +10,33 @@ constexpr double kSimulatorClock = 125e6;   // Hz
 constexpr double kFreeRunningRate = 30.0;   // Hz
 constexpr double kTick = 16e-9;             // s
 constexpr double kGeneratorOverhead = 9.0;  // ticks
-/// Rounding of times and rates must not hold back an event that is due.
+/// Keeps rounding errors from holding back an event that is due.
 constexpr double kSlack = 1e-6;
 
-/// Registers hold one less than the count, so that all ones stand for none.
+constexpr SettingSource kSettingSources[] = {
+    {"CamGenEnable{}", &PortSettings::simulatorEnabled},
+    {"CamGenStart{}", &PortSettings::simulatorStarted},
+    {"CamGenLineWidth{}", &PortSettings::simulatorLineWidth},
+    {"CamGenHeight{}", &PortSettings::simulatorHeight},
+    {"CamGenActive{}", &PortSettings::simulatorActive},
+    {"CamGenPassive{}", &PortSettings::simulatorPassive},
+    {"Device1_Process4_Trigger_TriggerCam{}_PulseFormGenerators_Enable_Select",
+     &PortSettings::triggerEnabled},
+    {"Device1_Process4_Trigger_TriggerCam{}_Generators_ClearQueuePulse_Mode",
+     &PortSettings::triggerHeld},
+    {"Device1_Process4_Trigger_TriggerCam{}_TriggerMode_SelectExternal_Select",
+     &PortSettings::triggerExternal},
+    {"Device1_Process4_Trigger_TriggerCam{}_Generators_EnableQueue_Select",
+     &PortSettings::triggerQueued},
+    {"Device1_Process4_Trigger_TriggerCam{}_Synchronize_SlaveMode_Select",
+     &PortSettings::triggerSlave},
+    {"Device1_Process4_Trigger_TriggerCam{}_Generators_Generator_MinimumPeriod_Number",
+     &PortSettings::triggerPeriod},
+    {"Device1_Process{}_Buffer_XLength", &PortSettings::width},
+    {"Device1_Process{}_Buffer_YLength", &PortSettings::height},
+};
+
+/// Registers hold one less than the count; all ones mean none.
 double countOf(std::uint64_t registerValue) { return static_cast<double>(registerValue + 1); }
 
 double simulatorRate(const PortSettings& port) {
@@ -31,6 +54,8 @@ bool isSlave(const PortSettings& port, unsigned index) {
 }
 
 }  // namespace
+
+std::span<const SettingSource> settingSources() { return kSettingSources; }
 
 double triggerRate(const Ports& ports, unsigned index) {
   const auto& port = ports[index];
