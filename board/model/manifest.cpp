@@ -14,7 +14,7 @@ namespace {
 
 using Tokens = std::vector<std::string_view>;
 
-constexpr std::size_t kMaxRecords = 65536;  ///< Bounds what a mistaken pattern can ask for.
+constexpr std::size_t kMaxRecords = 65536;  ///< Limits what a mistaken pattern can cost.
 constexpr int kMaxRegisterBits = 64;
 constexpr std::ptrdiff_t kFixedColumns = 4;  ///< Kind, name, access and store of a parameter.
 constexpr std::size_t kMaxNameLength = 255;
@@ -62,7 +62,7 @@ int integer(std::string_view token, int min, int max) {
   return static_cast<int>(value);
 }
 
-/// One of two words; true for the first.
+/// Whether the token is `yes`; it must be one of the two.
 bool choose(std::string_view token, std::string_view yes, std::string_view no) {
   if (token != yes && token != no) fail("unknown word", token);
   return token == yes;
@@ -90,7 +90,7 @@ void expand(const std::string& pattern, std::vector<std::string>& names) {
   }
 }
 
-/// The value of a token "key=value"; nothing when it has another form or key.
+/// The value of a token "key=value"; `nullopt` for another form or key.
 std::optional<std::string_view> option(std::string_view token, std::string_view key) {
   if (token.substr(0, key.size()) != key || token.substr(key.size(), 1) != "=") return std::nullopt;
   return token.substr(key.size() + 1);
@@ -104,7 +104,7 @@ std::pair<std::string, std::int32_t> parseEntry(std::string_view token) {
   return {std::string(token.substr(0, equals)), integer(token.substr(equals + 1), kMin, kMax)};
 }
 
-/// Fills what depends on the kind from the arguments behind the fixed columns.
+/// Parses the arguments after the fixed columns, which depend on the kind.
 void parseArguments(ParameterRecord& record, const Tokens& arguments) {
   const auto expect = [&](std::size_t count) {
     if (arguments.size() != count) fail("wrong number of arguments for", record.name);

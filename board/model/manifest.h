@@ -13,7 +13,7 @@
 
 namespace board {
 
-inline constexpr int kBoardType = 3652;  ///< The board that this one stands for.
+inline constexpr int kBoardType = 3652;  ///< The type of board that is modelled.
 
 /// A KT parameter. Numbers are bits of its kind, see `scalar.h`.
 struct ParameterRecord {
@@ -49,14 +49,14 @@ struct Manifest {
   std::vector<EventRecord> events;
 };
 
-/// What is wrong with a manifest, with the number of the line.
+/// What is wrong with a manifest, and in which line.
 class ManifestError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
 
-/// Parses a manifest; throws `ManifestError` for a line that is not understood, a name used twice
-/// for the same sort of thing, another board's manifest or a missing end.
+/// Parses a manifest; throws `ManifestError` for a malformed line, a name used twice for records of
+/// one type, another board's manifest or a missing end.
 Manifest parseManifest(std::string_view text);
 
 }  // namespace board

@@ -14,12 +14,12 @@ std::atomic<int> errorWithoutHandle{0};
 
 namespace {
 
-constexpr std::string_view kErrorQuery = "Fg_getLastErrorNumber";  ///< Answers a code, never fails.
+constexpr std::string_view kErrorQuery = "Fg_getLastErrorNumber";  ///< Returns codes, never fails.
 
 struct NamedFault {
   std::string name;
   int code;
-  int timesLeft;  ///< 0: without end.
+  int timesLeft;  ///< 0: no limit.
 };
 
 struct CountedFault {
@@ -38,13 +38,13 @@ struct Watcher {
   std::vector<NamedFault> named;
   std::vector<CountedFault> counted;
 
-  /// With the mutex held, after every change.
+  /// To be called after every change, with the mutex held.
   void updateWatching() const {
     watching = journaling || observer || !named.empty() || !counted.empty();
   }
 };
 
-/// Never destroyed: accesses may come while the process ends.
+/// Never destroyed: accesses may come while the process exits.
 Watcher& watcher() {
   static Watcher& instance = *new Watcher;
   return instance;
