@@ -1,8 +1,9 @@
-/// Control side of the virtual board: what a test or a tool uses to own a device, watch every
-/// access to it and make accesses fail. The board's libraries (`libvorn5.so`, `libdervin.so`,
-/// `libkorv_hw.so`) work on the same model.
+/// The virtual board: a model of a frame grabber, and stand-ins for the libraries that drive one
+/// (`libvorn5.so`, `libdervin.so`, `libkorv_hw.so`), so that applets run without hardware.
 ///
-/// The journal and the faults are process-wide and may be used from any thread.
+/// This header is the control side, with which a test or a tool owns a device, watches every access
+/// to it and makes accesses fail. The journal and the faults are process-wide and may be used from
+/// any thread.
 #pragma once
 
 #include <chrono>
@@ -12,29 +13,30 @@
 #include <vector>
 
 #include "velmora/handles.h"
+#include "velmora/status.h"
 
 #pragma GCC visibility push(default)
 
 namespace board {
 
-/// Creates a board device; destroy it with `destroyDevice` after every handle on it was released.
-/// The first inner handle gives it the registers and parameters of that handle's design, at 0 or at
-/// the initial values that the manifest names. They keep their values from handle to handle until a
-/// design of other content is loaded, which starts anew.
+/// Creates a board device, to be destroyed with `destroyDevice` after all handles on it are
+/// released. The first inner handle gives it the registers and parameters of the handle's design,
+/// with the manifest's initial values (0 if not given). They keep their values from handle to
+/// handle; a design with other content starts afresh.
 KTdevice* createDevice();
 void destroyDevice(KTdevice* device);
 
-/// What a device's register or parameter holds, by name, without leaving a trace in the journal:
-/// the way to play the hardware's side (status words, counters, overflow) and to look at the result
-/// of writes. `dma` (0 to 3) is ignored for registers and for shared parameters. The runtime's own
-/// parameters are known too, as "FG_TIMEOUT" or "FG_CAMSTATUS_EXTENDED"; one that was set here
-/// keeps the value instead of the one that follows from the device's state. Unknown names, and all
-/// names before the first inner handle, throw `std::out_of_range`.
+/// Sets or returns the value of a register or parameter by name, without a journal entry: to play
+/// the hardware's part (status words, counters, overflow) and to check what was written. The
+/// channel `dma` has no influence on registers and shared parameters. The runtime's own parameters
+/// have names such as "FG_TIMEOUT" or "FG_CAMSTATUS_EXTENDED"; once set here, one keeps that value
+/// instead of following the device's state. Unknown names and channels, and all names before the
+/// first inner handle, throw `std::out_of_range`.
 void setValue(KTdevice* device, const std::string& name, unsigned dma, double value);
 double value(KTdevice* device, const std::string& name, unsigned dma);
 
-/// Inner handles, designs and strings (type 22) that were handed out and not given back; 0 when
-/// nothing leaked.
+/// Inner handles, designs and strings (type 22) that were handed out and not given back; all 0
+/// when nothing leaked.
 struct Outstanding {
   int handles = 0;
   int designs = 0;
@@ -42,19 +44,16 @@ struct Outstanding {
 };
 Outstanding outstanding();
 
-/// What `Fg_getStatusEx` is asked for with `param`.
-enum ChannelStatus : uint32_t {
-  kGrabbedPictures = 1,  ///< Number of the last picture, 0 before the first start.
-  kLostPictures = 2,     ///< Always 0: nothing gets lost here.
-  kAcquiring = 3         ///< 1 while pictures are still to come on a started channel.
-};
+/// Short names of the channel states in `velmora/status.h`.
+inline constexpr auto kGrabbedPictures = VELMORA_STATUS_GRABBED_PICTURES;
+inline constexpr auto kLostPictures = VELMORA_STATUS_LOST_PICTURES;
+inline constexpr auto kAcquiring = VELMORA_STATUS_ACQUIRING;
 
 /// What an error code of the board's libraries means; empty for any other code.
 const char* errorText(int code);
 
-/// The time that pictures are counted and timeouts measured by. Empty functions stand for the
-/// steady clock and for sleeping; a test's `sleep` lets its own time go on. Neither may use the
-/// board.
+/// Replaces the clock that counts pictures and measures timeouts. Empty functions restore the
+/// steady clock and real sleep; a test's `sleep` advances its own time. Neither may use the board.
 void setClock(std::function<std::chrono::nanoseconds()> now,
               std::function<void(std::chrono::nanoseconds)> sleep);
 
@@ -69,10 +68,11 @@ enum class AccessKind {
 /// One access to the board, in the order they happened.
 struct Access {
   AccessKind kind;
-  std::string name;    ///< parameter, register or function name; "#<id>" for an unknown id
-  int dma = -1;        ///< DMA index as passed; -1 where the call has none
-  std::string value;   ///< value written or read (decimal, doubles in shortest form), or arguments
-  int64_t result = 0;  ///< what the access returned (0 for a non-null pointer, -1 for a null one)
+  std::string name;   ///< parameter, register or function name; "#<id>" for an unknown id
+  int dma = -1;       ///< DMA index as passed; -1 where the call has none
+  std::string value;  ///< value written or read (decimal, doubles in shortest form), or arguments
+  std::int64_t result =
+      0;  ///< what the access returned (0 for a non-null pointer, -1 for a null one)
 };
 
 /// One line, such as "set Device1_Process1_Buffer_XLength[1] = 1000", "get NAME[0] -> 5",
@@ -83,10 +83,10 @@ std::string describe(const Access& access);
 /// The journal records nothing until it is started. Starting clears it.
 void startJournal();
 void stopJournal();
-/// The accesses since the start or the last take, leaving the journal empty and running.
+/// Returns the accesses since the start or the last take. The journal goes on, empty.
 std::vector<Access> takeJournal();
 /// Calls `observer` for every access, on the accessing thread, before its result is returned,
-/// without any board lock held. An empty function ends it.
+/// without any board lock held. An empty function stops it.
 void observe(std::function<void(const Access&)> observer);
 
 /// Makes the accesses of this name (parameter, register or function name as in the journal) return

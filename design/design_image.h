@@ -5,5 +5,5 @@ namespace velmora {
 inline constexpr unsigned kDesignImageSize = 2662941;  ///< Bytes, fixed for the board's loader.
 }
 
-/// Start of the image. Writable, as the design runtime has always been given it.
+/// Start of the image. Writable, as the design runtime has always received it.
 extern "C" unsigned char velmora_design_image[];

@@ -1,6 +1,7 @@
 /// Build tool: packs a design manifest into the image that is linked into the applet.
-/// Usage: pack MANIFEST IMAGE. The manifest is parsed first, so that a mistake in it ends the
-/// build.
+/// Usage: pack MANIFEST IMAGE. A manifest that is malformed, or has another number of camera ports
+/// than the applet, stops the build.
+#include <algorithm>
 #include <cstdio>
 #include <exception>
 #include <fstream>
@@ -11,14 +12,24 @@
 #include "board/model/image.h"
 #include "board/model/manifest.h"
 #include "design/design_image.h"
+#include "velmora/handles.h"
 
 namespace {
+
+void checkPorts(const board::Manifest& manifest) {
+  const auto ports = std::ranges::count_if(manifest.parameters, [](const auto& parameter) {
+    return parameter.name.ends_with("_Buffer_XLength");
+  });
+  if (ports == VELMORA_PORTS) return;
+  throw std::runtime_error(std::to_string(ports) + " camera ports; the applet has " +
+                           std::to_string(VELMORA_PORTS));
+}
 
 void pack(const char* manifestFile, const char* imageFile) {
   std::ifstream in(manifestFile, std::ios::binary);
   const std::string manifest{std::istreambuf_iterator<char>(in), {}};
   if (!in.is_open() || in.bad()) throw std::runtime_error("cannot be read");
-  board::parseManifest(manifest);
+  checkPorts(board::parseManifest(manifest));
 
   const std::string image = board::packImage(manifest, velmora::kDesignImageSize);
   std::ofstream out(imageFile, std::ios::binary);

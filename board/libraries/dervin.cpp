@@ -1,28 +1,18 @@
 /// Design runtime `libdervin.so` of the virtual board.
 #include "external/dervin.h"
 
-#include <fmt/format.h>
-
 #include <string_view>
 
+#include "board/libraries/call.h"
 #include "board/model/ledger.h"
 #include "board/model/model.h"
 #include "board/model/watch.h"
 
 namespace {
 
-using board::Access;
-using board::AccessKind;
+using board::call;
 using board::Design;
-
-/// Describes a call of `name` with its arguments as text.
-template <typename... Arguments>
-auto call(const char* name, fmt::format_string<const Arguments&...> text,
-          const Arguments&... arguments) {
-  return [=] { return Access{AccessKind::kCall, name, -1, fmt::format(text, arguments...)}; };
-}
-
-const char* orNull(const char* text) { return text != nullptr ? text : "null"; }
+using board::orNull;
 
 fpga_design* handOut(std::shared_ptr<const Design> content) {
   if (!content) return nullptr;
@@ -31,16 +21,16 @@ fpga_design* handOut(std::shared_ptr<const Design> content) {
   return design;
 }
 
-/// The register of a design; null for an unknown id and a null design.
+/// The register of a design; null for an unknown id or a null design.
 const board::RegisterRecord* find(const fpga_design* design, int id) {
-  return design != nullptr ? design->content->registerWithId(id) : nullptr;
+  return design ? design->content->registerWithId(id) : nullptr;
 }
 
 }  // namespace
 
 fpga_design* HapLoadDesignFromBuffer(const void* image, unsigned size, int) {
   return board::watched(call("HapLoadDesignFromBuffer", "{} bytes", size), [=] {
-    const std::string_view bytes(static_cast<const char*>(image), image != nullptr ? size : 0);
+    const std::string_view bytes(static_cast<const char*>(image), image ? size : 0);
     return handOut(Design::fromImage(bytes));
   });
 }
@@ -48,7 +38,7 @@ fpga_design* HapLoadDesignFromBuffer(const void* image, unsigned size, int) {
 fpga_design* HapLoadHapFileWithType(const char* file, int boardType, int) {
   return board::watched(
       call("HapLoadHapFileWithType", "{}, board type {}", orNull(file), boardType), [=] {
-        const bool possible = file != nullptr && boardType == board::kBoardType;
+        const bool possible = file && boardType == board::kBoardType;
         return handOut(possible ? Design::fromFile(file) : nullptr);
       });
 }
@@ -61,40 +51,38 @@ void HapUnloadHapFile(fpga_design* design) {
 }
 
 int HapGetRegisterByName(fpga_design* design, const char* name) {
-  return board::watched(call("HapGetRegisterByName", "{}", orNull(name)), [=] {
-    return design != nullptr && name != nullptr ? design->content->registerId(name) : 0;
-  });
+  return board::watched(call("HapGetRegisterByName", "{}", orNull(name)),
+                        [=] { return design && name ? design->content->registerId(name) : 0; });
 }
 
 int HapGetNrOfRegister(fpga_design* design) {
   return board::watched(call("HapGetNrOfRegister", ""), [=] {
-    return design != nullptr ? static_cast<int>(design->content->manifest().registers.size()) : 0;
+    return design ? static_cast<int>(design->content->manifest().registers.size()) : 0;
   });
 }
 
 const char* HapGetRegisterName(fpga_design* design, int index) {
   return board::watched(call("HapGetRegisterName", "{}", index), [=] {
     const auto* reg = find(design, index);  // Indices are ids: both count from 1.
-    return reg != nullptr ? reg->name.c_str() : nullptr;
+    return reg ? reg->name.c_str() : nullptr;
   });
 }
 
 int HapGetRegisterBitRange(fpga_design* design, int registerId) {
   return board::watched(call("HapGetRegisterBitRange", "{}", registerId), [=] {
     const auto* reg = find(design, registerId);
-    return reg != nullptr ? reg->bits : 0;
+    return reg ? reg->bits : 0;
   });
 }
 
 int HapGetRegisterDirection(fpga_design* design, int registerId) {
   return board::watched(call("HapGetRegisterDirection", "{}", registerId), [=] {
     const auto* reg = find(design, registerId);
-    return reg != nullptr && reg->writable ? 1 : 0;
+    return reg && reg->writable ? 1 : 0;
   });
 }
 
 const HapEvent* HapGetEvent(fpga_design* design, int index) {
-  return board::watched(call("HapGetEvent", "{}", index), [=] {
-    return design != nullptr ? design->content->event(index) : nullptr;
-  });
+  return board::watched(call("HapGetEvent", "{}", index),
+                        [=] { return design ? design->content->event(index) : nullptr; });
 }

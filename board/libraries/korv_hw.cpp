@@ -10,12 +10,12 @@
 namespace {
 
 board::Access registerAccess(board::AccessKind kind, const KTdevice* device, int id) {
-  return {kind, device != nullptr ? device->registerName(id) : fmt::format("#{}", id), -1, {}};
+  return {kind, device ? device->registerName(id) : fmt::format("#{}", id), -1, {}};
 }
 
 }  // namespace
 
-int KorvRegisterWrite(KTdevice* device, int registerId, uint64_t value) {
+int KorvRegisterWrite(KTdevice* device, int registerId, std::uint64_t value) {
   return board::watched(
       [=] {
         auto access = registerAccess(board::AccessKind::kRegisterWrite, device, registerId);
@@ -23,15 +23,13 @@ int KorvRegisterWrite(KTdevice* device, int registerId, uint64_t value) {
         return access;
       },
       [=]() -> int {
-        return device != nullptr ? device->writeRegister(registerId, value) : board::kNoHandle;
+        return device ? device->writeRegister(registerId, value) : board::kNoHandle;
       });
 }
 
-int KorvRegisterRead(KTdevice* device, int registerId, uint64_t* value) {
+int KorvRegisterRead(KTdevice* device, int registerId, std::uint64_t* value) {
   return board::watched(
       [=] { return registerAccess(board::AccessKind::kRegisterRead, device, registerId); },
-      [=]() -> int {
-        return device != nullptr ? device->readRegister(registerId, value) : board::kNoHandle;
-      },
+      [=]() -> int { return device ? device->readRegister(registerId, value) : board::kNoHandle; },
       [=](board::Access& access) { access.value = fmt::format("{}", *value); });
 }

@@ -1,15 +1,16 @@
 /// Logging dispatcher `libcommon-logging-dispatcher.so` of the virtual board: writes the messages
 /// of all loggers to standard error.
 ///
-/// The environment variable KORV_LOG_LEVEL gives the lowest level that is written, 0 to 7; without
-/// it, or with anything else in it, the level is 7, which silences the loggers.
+/// The environment variable KORV_LOG_LEVEL sets the lowest level that is written, 0 to 7. If it is
+/// missing or invalid the level is 7, which silences the loggers.
 #include "external/logging_dispatcher.h"
 
 #include <spdlog/sinks/stdout_sinks.h>
 #include <spdlog/spdlog.h>
 
+#include <algorithm>
 #include <array>
-#include <charconv>
+#include <cstdint>
 #include <cstdlib>
 #include <memory>
 #include <mutex>
@@ -17,32 +18,30 @@
 #include <string_view>
 #include <vector>
 
+#include "board/parse_number.h"
+
 namespace {
 
 constexpr int kSilent = 7;
 constexpr const char* kLevelVariable = "KORV_LOG_LEVEL";
 constexpr const char* kPattern = "%n %l: %v";
 
-/// Levels 0 to 7; a larger level is a more serious message.
+/// Levels 0 to 7; the higher, the more serious.
 constexpr std::array kLevels{spdlog::level::trace, spdlog::level::debug,   spdlog::level::debug,
                              spdlog::level::info,  spdlog::level::info,    spdlog::level::warn,
                              spdlog::level::err,   spdlog::level::critical};
 
-int32_t thresholdFromEnvironment() {
+std::int32_t thresholdFromEnvironment() {
   const char* text = std::getenv(kLevelVariable);
-  const std::string_view digits = text != nullptr ? text : "";
-  int level = kSilent;
-  const auto result = std::from_chars(digits.data(), digits.data() + digits.size(), level);
-  const bool valid = result.ec == std::errc{} && result.ptr == digits.data() + digits.size() &&
-                     level >= 0 && level <= kSilent;
-  return valid ? level : kSilent;
+  const int level = board::parseNumber<int>(text ? text : "").value_or(kSilent);
+  return level >= 0 && level < kSilent ? level : kSilent;
 }
 
 class Dispatcher {
  public:
   /// The handle of the logger called `name`, from 1 up.
-  uint64_t handleOf(const char* name) {
-    const std::lock_guard lock(mutex_);
+  std::uint64_t handleOf(const char* name) {
+    const std::lock_guard guard(mutex_);
     for (std::size_t i = 0; i < loggers_.size(); ++i) {
       if (loggers_[i]->name() == name) return i + 1;
     }
@@ -52,15 +51,14 @@ class Dispatcher {
     return loggers_.size();
   }
 
-  void log(uint64_t handle, int level, std::string_view text) {
+  void log(std::uint64_t handle, int level, std::string_view text) {
     std::shared_ptr<spdlog::logger> logger;
     {
-      const std::lock_guard lock(mutex_);
+      const std::lock_guard guard(mutex_);
       if (handle == 0 || handle > loggers_.size()) return;
       logger = loggers_[handle - 1];
     }
-    const auto row = std::clamp<std::size_t>(static_cast<std::size_t>(std::max(level, 0)), 0,
-                                             kLevels.size() - 1);
+    const auto row = static_cast<std::size_t>(std::clamp(level, 0, kSilent));
     logger->log(kLevels[row], spdlog::string_view_t(text.data(), text.size()));
   }
 
@@ -76,19 +74,19 @@ Dispatcher& dispatcher() {
   return instance;
 }
 
-void getLogger(const char* name, uint64_t* handle, int32_t* level) {
+void getLogger(const char* name, std::uint64_t* handle, std::int32_t* level) {
   *handle = dispatcher().handleOf(name);
   *level = thresholdFromEnvironment();
 }
 
-void log(uint64_t handle, int level, const char* text, int, uint64_t) {
+void log(std::uint64_t handle, int level, const char* text, int, std::uint64_t) {
   dispatcher().log(handle, level, text);
 }
 
-/// The threshold does not change and the dispatcher does not go away before its clients: neither of
-/// the offered functions is needed.
-void registerLogging(void*, void* (*)(), void (*)(uint64_t, int32_t), GetLogger* getLoggerOut,
-                     Log* logOut) {
+/// The threshold never changes and the dispatcher outlives its clients, so it needs neither of the
+/// functions that they offer.
+void registerLogging(void*, void* (*)(), void (*)(std::uint64_t, std::int32_t),
+                     GetLogger* getLoggerOut, Log* logOut) {
   *getLoggerOut = getLogger;
   *logOut = log;
 }

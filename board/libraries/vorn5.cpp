@@ -6,6 +6,7 @@
 #include <type_traits>
 #include <utility>
 
+#include "board/libraries/call.h"
 #include "board/model/errors.h"
 #include "board/model/ledger.h"
 #include "board/model/model.h"
@@ -18,32 +19,28 @@ namespace {
 
 using board::Access;
 using board::AccessKind;
+using board::call;
+using board::callOn;
+using board::orNull;
 
-/// Passes a function of the runtime through the watch and keeps the handle's last error.
-template <typename... Steps>
+/// Runs a function of the runtime under watch; a failure becomes the handle's last error.
+template <class... Steps>
 auto run(Fg_Struct* fg, Steps... steps) {
   const auto result = board::watched(std::move(steps)...);
-  if (result < 0 && fg != nullptr) fg->lastError = static_cast<int>(result);
+  if (result < 0 && fg) fg->lastError = static_cast<int>(result);
   return result;
 }
 
-/// Describes a call of `name` with its arguments as text.
-template <typename... Arguments>
-auto call(const char* name, int dma, fmt::format_string<const Arguments&...> text,
-          const Arguments&... arguments) {
-  return [=] { return Access{AccessKind::kCall, name, dma, fmt::format(text, arguments...)}; };
-}
-
 /// Runs `action` on the device of a handle.
-template <typename Action>
+template <class Action>
 auto onDevice(Fg_Struct* fg, Action action) {
   return [fg, action] {
     using Result = decltype(action(*fg->device));
-    return fg != nullptr ? action(*fg->device) : static_cast<Result>(board::kNoHandle);
+    return fg ? action(*fg->device) : static_cast<Result>(board::kNoHandle);
   };
 }
 
-/// The type that an unknown parameter's value has to have, as far as the call tells.
+/// The kind to show the value of an unknown parameter as, going by the type in the call.
 RegisterInfoKind kindOfType(int type) {
   switch (type) {
     case FG_PARAM_TYPE_DOUBLE:
@@ -58,21 +55,21 @@ RegisterInfoKind kindOfType(int type) {
 }
 
 std::string valueText(Fg_Struct* fg, int id, const void* value, int type) {
-  if (value == nullptr) return "null";
-  auto kind = fg != nullptr ? fg->device->parameterKind(id) : REGISTER_INFO_GROUP;
+  if (!value) return "null";
+  auto kind = fg ? fg->device->parameterKind(id) : REGISTER_INFO_GROUP;
   if (kind == REGISTER_INFO_GROUP) kind = kindOfType(type);
-  uint64_t bits = 0;
+  std::uint64_t bits = 0;
   const bool known = board::loadScalar(kind, type, value, bits) == board::kOk;
   return known ? board::scalarText(kind, bits) : "?";
 }
 
 Access parameterAccess(AccessKind kind, Fg_Struct* fg, int id, unsigned dma) {
-  auto name = fg != nullptr ? fg->device->parameterName(id) : fmt::format("#{}", id);
+  auto name = fg ? fg->device->parameterName(id) : fmt::format("#{}", id);
   return {kind, std::move(name), static_cast<int>(dma), {}};
 }
 
 bool isText(Fg_Struct* fg, int id, int type) {
-  return type == FG_PARAM_TYPE_STRING || (type == board::kNaturalType && fg != nullptr &&
+  return type == FG_PARAM_TYPE_STRING || (type == board::kNaturalType && fg &&
                                           fg->device->parameterKind(id) == REGISTER_INFO_STRING);
 }
 
@@ -81,8 +78,8 @@ int set(Fg_Struct* fg, int id, const void* value, unsigned dma, int type) {
       fg,
       [=] {
         auto access = parameterAccess(AccessKind::kSet, fg, id, dma);
-        access.value = value != nullptr && isText(fg, id, type) ? static_cast<const char*>(value)
-                                                                : valueText(fg, id, value, type);
+        access.value = value && isText(fg, id, type) ? static_cast<const char*>(value)
+                                                     : valueText(fg, id, value, type);
         return access;
       },
       onDevice(fg, [=](auto& device) { return device.setParameter(id, value, dma, type); }));
@@ -99,7 +96,7 @@ int get(Fg_Struct* fg, int id, void* value, unsigned dma, int type) {
 }
 
 Fg_Struct* open(KTdevice* device, fpga_design* design) {
-  if (device == nullptr || design == nullptr) {
+  if (!device || !design) {
     board::errorWithoutHandle = board::kNoDesign;
     return nullptr;
   }
@@ -120,19 +117,17 @@ int freeGrabber(Fg_Struct* fg) {
 }
 
 int idByName(const Fg_Struct* fg, const char* name) {
-  if (fg == nullptr) return board::kNoHandle;
-  const int id = name != nullptr ? fg->design->parameterId(name) : 0;
+  if (!fg) return board::kNoHandle;
+  const int id = name ? fg->design->parameterId(name) : 0;
   return id != 0 ? id : board::kUnknownParameter;
 }
 
 int freeString(const void* value, int type) {
-  if (value == nullptr) return board::kNullValue;
+  if (!value) return board::kNullValue;
   if (type != FG_PARAM_TYPE_STRING) return board::kWrongType;
   return board::giveBackString(static_cast<const char*>(value)) ? board::kOk
                                                                 : board::kUnknownString;
 }
-
-const char* orNull(const char* text) { return text != nullptr ? text : "null"; }
 
 }  // namespace
 
@@ -140,27 +135,26 @@ extern "C" {
 
 Fg_Struct* Fg_InitHandleSlaveAware(const char* hapName, KTdevice* device, fpga_design* design,
                                    int flags) {
-  return board::watched(call("Fg_InitHandleSlaveAware", -1, "{}, flags {}", orNull(hapName), flags),
+  return board::watched(call("Fg_InitHandleSlaveAware", "{}, flags {}", orNull(hapName), flags),
                         [=] { return open(device, design); });
 }
 
 Fg_Struct* Fg_InitHandle(const char* hapName, KTdevice* device, fpga_design* design) {
-  return board::watched(call("Fg_InitHandle", -1, "{}", orNull(hapName)),
+  return board::watched(call("Fg_InitHandle", "{}", orNull(hapName)),
                         [=] { return open(device, design); });
 }
 
 int Fg_FreeGrabber(Fg_Struct* fg) {
-  return board::watched(call("Fg_FreeGrabber", -1, ""), [=] { return freeGrabber(fg); });
+  return board::watched(call("Fg_FreeGrabber", ""), [=] { return freeGrabber(fg); });
 }
 
 int Fg_getLastErrorNumber(Fg_Struct* fg) {
-  return board::watched(call("Fg_getLastErrorNumber", -1, ""), [=]() -> int {
-    return fg != nullptr ? fg->lastError : board::errorWithoutHandle;
-  });
+  return board::watched(call("Fg_getLastErrorNumber", ""),
+                        [=]() -> int { return fg ? fg->lastError : board::errorWithoutHandle; });
 }
 
 int Fg_getParameterIdByName(Fg_Struct* fg, const char* name) {
-  return run(fg, call("Fg_getParameterIdByName", -1, "{}", orNull(name)),
+  return run(fg, call("Fg_getParameterIdByName", "{}", orNull(name)),
              [=] { return idByName(fg, name); });
 }
 
@@ -181,59 +175,58 @@ int Fg_getParameter(Fg_Struct* fg, int id, void* value, unsigned dma) {
 }
 
 int Fg_freeParameterStringWithType(Fg_Struct* fg, int id, void* value, unsigned dma, int type) {
-  return run(
-      fg, call("Fg_freeParameterStringWithType", static_cast<int>(dma), "id {}, type {}", id, type),
-      [=] { return freeString(value, type); });
+  return run(fg, callOn(dma, "Fg_freeParameterStringWithType", "id {}, type {}", id, type),
+             [=] { return freeString(value, type); });
 }
 
 RegisterInfo* Fg_getParameterInfo(Fg_Struct* fg, int port) {
-  return board::watched(call("Fg_getParameterInfo", -1, "port {}", port), [=]() -> RegisterInfo* {
-    return fg != nullptr && port == 0 ? fg->design->description() : nullptr;
+  return board::watched(call("Fg_getParameterInfo", "port {}", port), [=]() -> RegisterInfo* {
+    return fg && port == 0 ? fg->design->description() : nullptr;
   });
 }
 
 int Fg_getAppletId(Fg_Struct* fg, void*) {
-  return run(fg, call("Fg_getAppletId", -1, ""),
-             [=]() -> int { return fg != nullptr ? board::kBoardType : board::kNoHandle; });
+  return run(fg, call("Fg_getAppletId", ""),
+             [=]() -> int { return fg ? board::kBoardType : board::kNoHandle; });
 }
 
-int Fg_AcquireEx(Fg_Struct* fg, uint32_t dma, int64_t pictures, int32_t, void*) {
-  return run(fg, call("Fg_AcquireEx", static_cast<int>(dma), "dma {}, {} pictures", dma, pictures),
+int Fg_AcquireEx(Fg_Struct* fg, std::uint32_t dma, std::int64_t pictures, std::int32_t, void*) {
+  return run(fg, callOn(dma, "Fg_AcquireEx", "dma {}, {} pictures", dma, pictures),
              onDevice(fg, [=](auto& device) { return device.start(dma, pictures); }));
 }
 
-int Fg_stopAcquireEx(Fg_Struct* fg, uint32_t dma, int64_t, int32_t) {
-  return run(fg, call("Fg_stopAcquireEx", static_cast<int>(dma), "dma {}", dma),
+int Fg_stopAcquireEx(Fg_Struct* fg, std::uint32_t dma, std::int64_t, std::int32_t) {
+  return run(fg, callOn(dma, "Fg_stopAcquireEx", "dma {}", dma),
              onDevice(fg, [=](auto& device) { return device.stop(dma); }));
 }
 
-int64_t Fg_getLastPicNumberEx(Fg_Struct* fg, uint32_t dma, int64_t) {
-  return run(fg, call("Fg_getLastPicNumberEx", static_cast<int>(dma), "dma {}", dma),
+std::int64_t Fg_getLastPicNumberEx(Fg_Struct* fg, std::uint32_t dma, std::int64_t) {
+  return run(fg, callOn(dma, "Fg_getLastPicNumberEx", "dma {}", dma),
              onDevice(fg, [=](auto& device) { return device.lastPicture(dma); }));
 }
 
-int64_t Fg_getLastPicNumberBlockingEx(Fg_Struct* fg, int64_t picture, uint32_t dma, int32_t timeout,
-                                      int64_t) {
+std::int64_t Fg_getLastPicNumberBlockingEx(Fg_Struct* fg, std::int64_t picture, std::uint32_t dma,
+                                           std::int32_t timeout, std::int64_t) {
   return run(
       fg,
-      call("Fg_getLastPicNumberBlockingEx", static_cast<int>(dma), "picture {}, dma {}, {} s",
-           picture, dma, timeout),
+      callOn(dma, "Fg_getLastPicNumberBlockingEx", "picture {}, dma {}, {} s", picture, dma,
+             timeout),
       onDevice(fg, [=](auto& device) { return device.waitForPicture(picture, dma, timeout); }));
 }
 
-int64_t Fg_getStatusEx(Fg_Struct* fg, uint32_t param, int64_t, int32_t dma, void*) {
-  return run(fg, call("Fg_getStatusEx", dma, "status {}, dma {}", param, dma),
-             onDevice(fg, [=](auto& device) {
-               return device.channelStatus(param, static_cast<unsigned>(dma));
-             }));
+std::int64_t Fg_getStatusEx(Fg_Struct* fg, std::uint32_t param, std::int64_t, std::int32_t dma,
+                            void*) {
+  const auto channel = static_cast<unsigned>(dma);
+  return run(fg, callOn(channel, "Fg_getStatusEx", "status {}, dma {}", param, dma),
+             onDevice(fg, [=](auto& device) { return device.channelStatus(param, channel); }));
 }
 
-// Functions that applets look up and do not call, since they offer their own.
+// Functions that applets look up but do not call, since they have their own.
 
 int Fg_saveConfig(Fg_Struct*, const char*) { return board::kNotOffered; }
 int Fg_loadConfig(Fg_Struct*, const char*) { return board::kNotOffered; }
-int Fg_Acquire(Fg_Struct*, uint32_t, int64_t) { return board::kNotOffered; }
-int Fg_stopAcquire(Fg_Struct*, uint32_t) { return board::kNotOffered; }
+int Fg_Acquire(Fg_Struct*, std::uint32_t, std::int64_t) { return board::kNotOffered; }
+int Fg_stopAcquire(Fg_Struct*, std::uint32_t) { return board::kNotOffered; }
 ShadingMaster* Fg_AllocShading(Fg_Struct*, int, int) { return nullptr; }
 int Fg_FreeShading(Fg_Struct*, ShadingMaster*) { return board::kNotOffered; }
 int Shad_GetMaxLine(Fg_Struct*, ShadingMaster*) { return board::kNotOffered; }
@@ -250,7 +243,7 @@ int Shad_WriteActLine(Fg_Struct*, ShadingMaster*, int) { return board::kNotOffer
 
 }  // extern "C"
 
-// What applets call through these types after looking the names up.
+// Applets look the names up and call the functions through these types.
 static_assert(std::is_same_v<VornInitHandleSlaveAware, decltype(Fg_InitHandleSlaveAware)>);
 static_assert(std::is_same_v<VornInitHandle, decltype(Fg_InitHandle)>);
 static_assert(std::is_same_v<VornFreeGrabber, decltype(Fg_FreeGrabber)>);

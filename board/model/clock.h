@@ -1,6 +1,4 @@
-/// The time that the board counts pictures by: the steady clock, unless a test puts its own in
-/// place
-/// (`setClock` in `virtual_board.h`).
+/// The clock that counts pictures: the steady one, unless `setClock` replaces it.
 #pragma once
 
 #include <chrono>

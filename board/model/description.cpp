@@ -1,11 +1,21 @@
 #include "board/model/description.h"
 
-#include <bit>
 #include <map>
 #include <string>
 
+#include "board/model/scalar.h"
+
 namespace board {
 namespace {
+
+using Registry = velmora::Fg_ParameterInfo;
+/// Operations that add a node with a range, and a field of numbers.
+template <class Number>
+using AddRange = RegisterInfo* (Registry::*)(RegisterInfo*, const char*, const char*, Number,
+                                             Number, Number, int, int, int, const char*, int, int);
+template <class Count, class Number>
+using AddField = RegisterInfo* (Registry::*)(RegisterInfo*, const char*, const char*, Count, Number,
+                                             Number, Number, int, int, int, const char*, int, int);
 
 constexpr int kProcess = 0;
 constexpr int kQualifier = 1;
@@ -15,15 +25,15 @@ constexpr int kFullAccess =
     REGISTER_INFO_READABLE | REGISTER_INFO_WRITABLE | REGISTER_INFO_RUNTIME_FLAG;
 constexpr const char* kRootOfShortNames = "Design";
 
-/// The groups made so far, by the part of the parameter names that they stand for.
+/// The groups added so far, by the beginning of the parameter names that they stand for.
 class Groups {
  public:
-  explicit Groups(velmora::Fg_ParameterInfo& registry) : registry_(registry) {}
+  explicit Groups(Registry& registry) : registry_(registry) {}
 
   RegisterInfo* at(const std::string& path) {
     auto& group = groups_[path];
-    if (group != nullptr) return group;
-    // The device and the process together make the root: "Device1_Process0".
+    if (group) return group;
+    // Device and process together name a root group: "Device1_Process0".
     const auto cut = path.rfind('_');
     const bool root = cut == std::string::npos || path.find('_') == cut;
     RegisterInfo* parent = root ? nullptr : at(path.substr(0, cut));
@@ -33,78 +43,64 @@ class Groups {
   }
 
  private:
-  velmora::Fg_ParameterInfo& registry_;
+  Registry& registry_;
   std::map<std::string, RegisterInfo*> groups_;
 };
 
-void addNode(velmora::Fg_ParameterInfo& registry, RegisterInfo* group, const char* leaf,
+void addNode(Registry& registry, RegisterInfo* group, const char* leaf,
              const ParameterRecord& record, int id) {
-  const char* name = record.name.c_str();
-  const char* unit = record.unit.empty() ? nullptr : record.unit.c_str();
-  const int access = record.writable ? kFullAccess : kReadOnlyAccess;
-  // One add operation per kind; they differ in the numbers in front of the common attributes.
-  const auto add = [&](auto operation, auto... numbers) {
-    return (registry.*operation)(group, leaf, name, numbers..., access, kQualifier, kVisible, unit,
-                                 id, kProcess);
+  // One add operation per kind; they differ in the values before the common attributes.
+  const auto add = [&](auto operation, auto... values) {
+    return (registry.*operation)(group, leaf, record.name.c_str(), values...,
+                                 record.writable ? kFullAccess : kReadOnlyAccess, kQualifier,
+                                 kVisible, record.unit.empty() ? nullptr : record.unit.c_str(), id,
+                                 kProcess);
   };
-  const auto addRange = [&](auto operation, auto convert) {
-    return add(operation, convert(record.min), convert(record.max), convert(record.step));
+  const auto addRange = [&]<class Number>(AddRange<Number> operation) {
+    add(operation, fromBits<Number>(record.min), fromBits<Number>(record.max),
+        fromBits<Number>(record.step));
   };
-  const auto asUint = [](uint64_t bits) { return static_cast<uint32_t>(bits); };
-  const auto asInt = [](uint64_t bits) { return static_cast<int32_t>(bits); };
-  const auto asUint64 = [](uint64_t bits) { return bits; };
-  const auto asInt64 = [](uint64_t bits) { return static_cast<int64_t>(bits); };
-  const auto asDouble = [](uint64_t bits) { return std::bit_cast<double>(bits); };
-
-  using Registry = velmora::Fg_ParameterInfo;
+  const auto addField = [&]<class Count, class Number>(AddField<Count, Number> operation) {
+    add(operation, static_cast<Count>(record.count), fromBits<Number>(record.initial),
+        fromBits<Number>(record.max), Number{});
+  };
   switch (record.kind) {
     case REGISTER_INFO_UINT:
-      addRange(&Registry::addInfoUInt, asUint);
-      break;
+      return addRange(&Registry::addInfoUInt);
     case REGISTER_INFO_INT:
-      addRange(&Registry::addInfoInt, asInt);
-      break;
+      return addRange(&Registry::addInfoInt);
     case REGISTER_INFO_UINT64:
-      addRange(&Registry::addInfoUInt64, asUint64);
-      break;
+      return addRange(&Registry::addInfoUInt64);
     case REGISTER_INFO_INT64:
-      addRange(&Registry::addInfoInt64, asInt64);
-      break;
+      return addRange(&Registry::addInfoInt64);
     case REGISTER_INFO_DOUBLE:
-      addRange(&Registry::addInfoDouble, asDouble);
-      break;
+      return addRange(&Registry::addInfoDouble);
+    case REGISTER_INFO_UINT_FIELD:
+      return addField(&Registry::addInfoUIntField);
+    case REGISTER_INFO_INT_FIELD:
+      return addField(&Registry::addInfoIntField);
+    case REGISTER_INFO_DOUBLE_FIELD:
+      return addField(&Registry::addInfoDoubleField);
     case REGISTER_INFO_STRING:
       add(&Registry::addInfoString, record.text.c_str());
-      break;
-    case REGISTER_INFO_UINT_FIELD:
-      add(&Registry::addInfoUIntField, record.count, asUint(record.initial), asUint(record.max),
-          0U);
-      break;
-    case REGISTER_INFO_INT_FIELD:
-      add(&Registry::addInfoIntField, asInt(record.count), asInt(record.initial), asInt(record.max),
-          0);
-      break;
-    case REGISTER_INFO_DOUBLE_FIELD:
-      add(&Registry::addInfoDoubleField, asInt(record.count), asDouble(record.initial),
-          asDouble(record.max), 0.0);
-      break;
+      return;
     case REGISTER_INFO_ENUM: {
       auto* node = add(&Registry::addInfoEnum, static_cast<int>(record.entries.size()));
       int index = 0;
       for (const auto& [label, value] : record.entries) {
         Registry::addEnumNameValue(node, index++, label.c_str(), value, label.c_str());
       }
-      break;
+      return;
     }
     case REGISTER_INFO_GROUP:
-      break;
+      return;
   }
 }
 
 }  // namespace
 
 void describeParameters(const std::vector<ParameterRecord>& parameters, int firstId,
-                        velmora::Fg_ParameterInfo& registry) {
+                        Registry& registry) {
   Groups groups(registry);
   int id = firstId;
   for (const auto& record : parameters) {

@@ -18,20 +18,20 @@ namespace {
 std::shared_ptr<const Design> fromManifest(std::string_view text) {
   try {
     const auto* bytes = reinterpret_cast<const Bytef*>(text.data());
-    const auto fingerprint = static_cast<uint32_t>(crc32_z(0, bytes, text.size()));
+    const auto fingerprint = static_cast<std::uint32_t>(crc32_z(0, bytes, text.size()));
     return std::make_shared<const Design>(parseManifest(text), fingerprint);
   } catch (const ManifestError&) {
     return nullptr;
   }
 }
 
-template <typename Record>
-const Record* at(const std::vector<Record>& records, int64_t index) {
+template <class Record>
+const Record* at(const std::vector<Record>& records, std::int64_t index) {
   return index >= 0 && index < std::ssize(records) ? &records[static_cast<std::size_t>(index)]
                                                    : nullptr;
 }
 
-template <typename Record, typename Ids>
+template <class Record, class Ids>
 void number(const std::vector<Record>& records, int firstId, Ids& ids) {
   int id = firstId;
   for (const auto& record : records) ids.emplace(record.name, id++);
@@ -51,7 +51,7 @@ std::shared_ptr<const Design> Design::fromFile(const char* file) {
   return fromManifest(std::string{std::istreambuf_iterator<char>(in), {}});
 }
 
-Design::Design(Manifest manifest, uint32_t fingerprint)
+Design::Design(Manifest manifest, std::uint32_t fingerprint)
     : manifest_(std::move(manifest)), fingerprint_(fingerprint) {
   number(manifest_.parameters, kFirstParameterId, parameterIds_);
   number(manifest_.registers, kFirstRegisterId, registerIds_);
@@ -67,11 +67,11 @@ int Design::find(const Ids& ids, std::string_view name) {
 }
 
 const ParameterRecord* Design::parameter(int id) const {
-  return at(manifest_.parameters, int64_t{id} - kFirstParameterId);
+  return at(manifest_.parameters, std::int64_t{id} - kFirstParameterId);
 }
 
 const RegisterRecord* Design::registerWithId(int id) const {
-  return at(manifest_.registers, int64_t{id} - kFirstRegisterId);
+  return at(manifest_.registers, std::int64_t{id} - kFirstRegisterId);
 }
 
 const HapEvent* Design::event(int index) const { return at(events_, index); }

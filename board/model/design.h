@@ -15,25 +15,24 @@
 
 namespace board {
 
-/// KT parameter ids run from here on, clear of the ids of the runtime's own parameters; register
-/// ids run from 1 on.
+/// KT parameter ids start here, clear of the ids of the runtime's own parameters.
 inline constexpr int kFirstParameterId = 100001;
 inline constexpr int kFirstRegisterId = 1;
 
 /// Immutable once made, so that any number of handles and threads can share it.
 class Design {
  public:
-  /// The design in a packed image; null when the image is damaged or something else.
+  /// The design in a packed image; null when it is damaged or not an image.
   static std::shared_ptr<const Design> fromImage(std::string_view image);
-  /// The design that a manifest file describes; null when there is no such file or its content is
-  /// not a manifest.
+  /// The design that a manifest file describes; null when there is no such file or it is not a
+  /// manifest.
   static std::shared_ptr<const Design> fromFile(const char* file);
 
-  explicit Design(Manifest manifest, uint32_t fingerprint);
+  explicit Design(Manifest manifest, std::uint32_t fingerprint);
 
   const Manifest& manifest() const { return manifest_; }
-  /// Equal for designs of equal content, whose ids therefore mean the same.
-  uint32_t fingerprint() const { return fingerprint_; }
+  /// Equal for designs with equal content, whose ids are then the same.
+  std::uint32_t fingerprint() const { return fingerprint_; }
 
   /// Id of a name; 0 when there is none.
   int parameterId(std::string_view name) const { return find(parameterIds_, name); }
@@ -44,8 +43,8 @@ class Design {
   /// Null past the last event.
   const HapEvent* event(int index) const;
 
-  /// First root group of the description forest of all parameters: their names taken apart at the
-  /// underscores, "Device1_Process0" as root group with "Buffer" and so on below.
+  /// First root group of the description forest of all parameters. Their names are split at the
+  /// underscores: "Device1_Process0" is a root group, "Buffer" a group below it.
   RegisterInfo* description() const;
 
  private:
@@ -53,7 +52,7 @@ class Design {
   static int find(const Ids& ids, std::string_view name);
 
   Manifest manifest_;
-  uint32_t fingerprint_;
+  std::uint32_t fingerprint_;
   Ids parameterIds_;
   Ids registerIds_;
   std::vector<HapEvent> events_;

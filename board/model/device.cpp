@@ -19,7 +19,7 @@ constexpr const char* kSoftwarePulseName =
 constexpr const char* kOutputPulsesName =
     "Device1_Process4_Trigger_TriggerCam{}_OutputStatistics_ReadPulses_Status";
 
-/// Writing `command` clears `target`: all of it, or the camera's bit at `bit` of its three.
+/// Writing `command` clears `target`: all of it, or bit `bit` of the camera's three.
 struct ClearSource {
   const char* command;
   const char* target;
@@ -46,7 +46,7 @@ std::string nameFor(const char* nameTemplate, unsigned port) {
 }  // namespace
 
 int Device::attach(std::shared_ptr<const Design> design) {
-  const std::lock_guard lock(mutex_);
+  const std::lock_guard guard(mutex_);
   const bool same = design_ && design_->fingerprint() == design->fingerprint();
   if (handles_ > 0 && !same) return kDeviceBusy;
   if (!same) {
@@ -58,7 +58,7 @@ int Device::attach(std::shared_ptr<const Design> design) {
 }
 
 void Device::detach() {
-  const std::lock_guard lock(mutex_);
+  const std::lock_guard guard(mutex_);
   if (--handles_ > 0) return;
   for (auto& channel : channels_) channel.started = channel.running = false;
 }
@@ -83,22 +83,22 @@ void Device::powerOn() {
   updateRates();
 }
 
-/// Calls `assign` with the cell of each port that the design has under the name.
-template <typename Assign>
+/// Calls `assign` for the cell of each port that exists in the design.
+template <class Assign>
 void Device::assignTo(const char* nameTemplate, Assign assign) {
   for (unsigned port = 0; port < kPorts; ++port) {
     const auto name = nameFor(nameTemplate, port);
     auto* cell = cellNamed(name);
-    if (cell == nullptr) continue;
+    if (!cell) continue;
     const auto* parameter = design_->parameter(design_->parameterId(name));
     cell->port = port;
-    cell->slot = parameter == nullptr || parameter->shared ? 0 : port;
+    cell->slot = !parameter || parameter->shared ? 0 : port;
     assign(*cell, port);
   }
 }
 
 void Device::assignEffects() {
-  for (const auto& source : kSettingSources) {
+  for (const auto& source : settingSources()) {
     assignTo(source.name, [&](Cell& cell, unsigned port) {
       cell.effect = Effect::kSetting;
       cell.setting = source.member;
@@ -111,10 +111,11 @@ void Device::assignEffects() {
   for (const auto& source : kClearSources) {
     assignTo(source.command, [&](Cell& cell, unsigned port) {
       auto* target = cellNamed(nameFor(source.target, port));
-      if (target == nullptr) return;
+      if (!target) return;
       cell.effect = Effect::kClear;
       const auto shift = 3 * port + static_cast<unsigned>(std::max(source.bit, 0));
-      clears_.push_back({&cell, target, source.bit < 0 ? ~uint64_t{0} : uint64_t{1} << shift});
+      clears_.push_back(
+          {&cell, target, source.bit < 0 ? ~std::uint64_t{0} : std::uint64_t{1} << shift});
     });
   }
 }
@@ -130,16 +131,16 @@ Device::Cell* Device::cellNamed(const std::string& name) {
   return nullptr;
 }
 
-uint64_t Device::readCell(const Cell& cell, unsigned slot) const {
-  uint64_t bits = cell.bits[slot];
+std::uint64_t Device::readCell(const Cell& cell, unsigned slot) const {
+  std::uint64_t bits = cell.bits[slot];
   if (cell.effect == Effect::kOutputPulses) {
-    bits =
-        static_cast<uint32_t>(bits + static_cast<uint64_t>(outputPulses_[cell.port].count(now())));
+    bits = static_cast<std::uint32_t>(
+        bits + static_cast<std::uint64_t>(outputPulses_[cell.port].count(now())));
   }
   return bits;
 }
 
-void Device::writeCell(Cell& cell, unsigned slot, uint64_t bits) {
+void Device::writeCell(Cell& cell, unsigned slot, std::uint64_t bits) {
   cell.bits[slot] = bits;
   if (cell.slot != slot) return;
   if (cell.effect == Effect::kSetting) {
@@ -150,7 +151,7 @@ void Device::writeCell(Cell& cell, unsigned slot, uint64_t bits) {
   }
 }
 
-void Device::runCommand(const Cell& cell, uint64_t bits) {
+void Device::runCommand(const Cell& cell, std::uint64_t bits) {
   if (cell.effect == Effect::kSoftwarePulse && bits != 0) {
     for (unsigned port = 0; port < kPorts; ++port) {
       if (!softwarePulseReaches(ports_, cell.port, port)) continue;
@@ -186,12 +187,12 @@ Device::Place Device::locate(int id, const void* value, unsigned dma) {
     place.writable = kRuntimeParameters[place.runtime].writable;
     place.slot = dma;
   }
-  place.error = dma >= kPorts ? kBadDma : value == nullptr ? kNullValue : kOk;
+  place.error = dma >= kPorts ? kBadDma : value ? kOk : kNullValue;
   return place;
 }
 
 int Device::setParameter(int id, const void* value, unsigned dma, int type) {
-  const std::lock_guard lock(mutex_);
+  const std::lock_guard guard(mutex_);
   const auto place = locate(id, value, dma);
   if (place.error != kOk) return place.error;
   if (!place.writable) return kReadOnly;
@@ -200,9 +201,9 @@ int Device::setParameter(int id, const void* value, unsigned dma, int type) {
     texts_[{place.cell, place.slot}] = static_cast<const char*>(value);
     return kOk;
   }
-  uint64_t bits = 0;
+  std::uint64_t bits = 0;
   if (const int error = loadScalar(place.kind, type, value, bits)) return error;
-  if (place.cell == nullptr) {
+  if (!place.cell) {
     runtime_[place.runtime][dma] = bits;
     return kOk;
   }
@@ -212,7 +213,7 @@ int Device::setParameter(int id, const void* value, unsigned dma, int type) {
 }
 
 int Device::getParameter(int id, void* value, unsigned dma, int type) {
-  const std::lock_guard lock(mutex_);
+  const std::lock_guard guard(mutex_);
   const auto place = locate(id, value, dma);
   if (place.error != kOk) return place.error;
   if (place.kind == REGISTER_INFO_STRING) {
@@ -222,25 +223,25 @@ int Device::getParameter(int id, void* value, unsigned dma, int type) {
   }
   if (!isScalar(place.kind)) return kWrongType;
   const auto bits =
-      place.cell != nullptr ? readCell(*place.cell, place.slot) : readRuntime(place.runtime, dma);
+      place.cell ? readCell(*place.cell, place.slot) : readRuntime(place.runtime, dma);
   if (type != FG_PARAM_TYPE_STRING) return storeScalar(place.kind, type, bits, value);
   *static_cast<char**>(value) = handOutString(scalarText(place.kind, bits));
   return kOk;
 }
 
-int Device::writeRegister(int id, uint64_t value) {
-  const std::lock_guard lock(mutex_);
+int Device::writeRegister(int id, std::uint64_t value) {
+  const std::lock_guard guard(mutex_);
   const auto* reg = design_ ? design_->registerWithId(id) : nullptr;
-  if (reg == nullptr) return kUnknownRegister;
+  if (!reg) return kUnknownRegister;
   if (!reg->writable) return kRegisterReadOnly;
   writeCell(registers_[static_cast<std::size_t>(id - kFirstRegisterId)], 0, value);
   return kOk;
 }
 
-int Device::readRegister(int id, uint64_t* value) const {
-  const std::lock_guard lock(mutex_);
-  if (!design_ || design_->registerWithId(id) == nullptr) return kUnknownRegister;
-  if (value == nullptr) return kNullValue;
+int Device::readRegister(int id, std::uint64_t* value) const {
+  const std::lock_guard guard(mutex_);
+  if (!design_ || !design_->registerWithId(id)) return kUnknownRegister;
+  if (!value) return kNullValue;
   *value = registers_[static_cast<std::size_t>(id - kFirstRegisterId)].bits[0];
   return kOk;
 }
@@ -248,7 +249,7 @@ int Device::readRegister(int id, uint64_t* value) const {
 Device::Place Device::locate(const std::string& name, unsigned dma) {
   if (dma >= kPorts) throw std::out_of_range("DMA index");
   if (design_) {
-    // Any pointer does for the check of the value.
+    // No value is accessed; any pointer passes the check for null.
     if (const int id = design_->parameterId(name)) return locate(id, this, dma);
     if (auto* cell = cellNamed(name)) return {.kind = REGISTER_INFO_UINT64, .cell = cell};
   }
@@ -260,10 +261,10 @@ Device::Place Device::locate(const std::string& name, unsigned dma) {
 }
 
 void Device::setByName(const std::string& name, unsigned dma, double value) {
-  const std::lock_guard lock(mutex_);
+  const std::lock_guard guard(mutex_);
   const auto place = locate(name, dma);
   const auto bits = scalarFromDouble(place.kind, value);
-  if (place.cell != nullptr) {
+  if (place.cell) {
     writeCell(*place.cell, place.slot, bits);
   } else {
     runtime_[place.runtime][dma] = bits;
@@ -271,10 +272,10 @@ void Device::setByName(const std::string& name, unsigned dma, double value) {
 }
 
 double Device::byName(const std::string& name, unsigned dma) {
-  const std::lock_guard lock(mutex_);
+  const std::lock_guard guard(mutex_);
   const auto place = locate(name, dma);
   const auto bits =
-      place.cell != nullptr ? readCell(*place.cell, place.slot) : readRuntime(place.runtime, dma);
+      place.cell ? readCell(*place.cell, place.slot) : readRuntime(place.runtime, dma);
   return scalarToDouble(place.kind, bits);
 }
 
@@ -285,19 +286,19 @@ const char* Device::knownName(int id) const {
 }
 
 std::string Device::parameterName(int id) const {
-  const std::lock_guard lock(mutex_);
+  const std::lock_guard guard(mutex_);
   const auto* name = knownName(id);
-  return name != nullptr ? name : fmt::format("#{}", id);
+  return name ? name : fmt::format("#{}", id);
 }
 
 std::string Device::registerName(int id) const {
-  const std::lock_guard lock(mutex_);
+  const std::lock_guard guard(mutex_);
   const auto* found = design_ ? design_->registerWithId(id) : nullptr;
-  return found != nullptr ? found->name : fmt::format("#{}", id);
+  return found ? found->name : fmt::format("#{}", id);
 }
 
 RegisterInfoKind Device::parameterKind(int id) const {
-  const std::lock_guard lock(mutex_);
+  const std::lock_guard guard(mutex_);
   if (const auto* found = record(id)) return found->kind;
   const auto runtime = runtimeIndex(id);
   return runtime < kRuntimeParameterCount ? kRuntimeParameters[runtime].kind : REGISTER_INFO_GROUP;

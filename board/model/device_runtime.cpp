@@ -4,18 +4,22 @@
 #include "board/model/clock.h"
 #include "board/model/device.h"
 #include "board/model/errors.h"
-#include "board/virtual_board.h"
 #include "velmora/parameters.h"
+#include "velmora/status.h"
 
 namespace board {
 namespace {
 
-constexpr uint64_t kPixelBytes = 3;  ///< Of the colour pictures that the design delivers.
-constexpr uint64_t kPixelClock = 1;  ///< Bits of the extended camera status.
-constexpr uint64_t kLineAndFrameValid = 6;
-constexpr int64_t kEndless = -1;
+constexpr std::uint64_t kPixelBytes = 3;  ///< Of the colour pictures that the design delivers.
+constexpr std::uint64_t kPixelClock = 1;  ///< Bits of the extended camera status.
+constexpr std::uint64_t kLineAndFrameValid = 6;
+constexpr std::int64_t kEndless = -1;
 constexpr std::chrono::nanoseconds kLongestPause = std::chrono::milliseconds(2);
 constexpr std::chrono::nanoseconds kShortestPause = std::chrono::microseconds(20);
+
+/// Every port has one DMA channel, of its own number.
+std::uint64_t portCount(const Device&, unsigned) { return kPorts; }
+std::uint64_t portOfDma(const Device&, unsigned dma) { return dma; }
 
 }  // namespace
 
@@ -24,7 +28,7 @@ const std::array<Device::RuntimeParameter, Device::kRuntimeParameterCount>
         {FG_TIMEOUT, "FG_TIMEOUT", REGISTER_INFO_INT, true, nullptr},
         {FG_APC_STOP_TIMEOUT, "FG_APC_STOP_TIMEOUT", REGISTER_INFO_INT, true, nullptr},
         {FG_DMASTATUS, "FG_DMASTATUS", REGISTER_INFO_UINT, false,
-         [](const Device& device, unsigned dma) -> uint64_t {
+         [](const Device& device, unsigned dma) -> std::uint64_t {
            return device.acquiring(device.channels_[dma]) ? 1 : 0;
          }},
         {FG_CAMSTATUS_EXTENDED, "FG_CAMSTATUS_EXTENDED", REGISTER_INFO_UINT, false,
@@ -36,16 +40,11 @@ const std::array<Device::RuntimeParameter, Device::kRuntimeParameterCount>
          [](const Device& device, unsigned dma) {
            return device.ports_[dma].width * device.ports_[dma].height * kPixelBytes;
          }},
-        {FG_NR_OF_DMAS, "FG_NR_OF_DMAS", REGISTER_INFO_UINT, false,
-         [](const Device&, unsigned) -> uint64_t { return kPorts; }},
-        {FG_NR_OF_CAMS, "FG_NR_OF_CAMS", REGISTER_INFO_UINT, false,
-         [](const Device&, unsigned) -> uint64_t { return kPorts; }},
-        {FG_NR_OF_PROCESSES, "FG_NR_OF_PROCESSES", REGISTER_INFO_UINT, false,
-         [](const Device&, unsigned) -> uint64_t { return kPorts; }},
-        {FG_DMA_PORT, "FG_DMA_PORT", REGISTER_INFO_UINT, false,
-         [](const Device&, unsigned dma) -> uint64_t { return dma; }},
-        {FG_CAM_PORT, "FG_CAM_PORT", REGISTER_INFO_UINT, false,
-         [](const Device&, unsigned dma) -> uint64_t { return dma; }},
+        {FG_NR_OF_DMAS, "FG_NR_OF_DMAS", REGISTER_INFO_UINT, false, portCount},
+        {FG_NR_OF_CAMS, "FG_NR_OF_CAMS", REGISTER_INFO_UINT, false, portCount},
+        {FG_NR_OF_PROCESSES, "FG_NR_OF_PROCESSES", REGISTER_INFO_UINT, false, portCount},
+        {FG_DMA_PORT, "FG_DMA_PORT", REGISTER_INFO_UINT, false, portOfDma},
+        {FG_CAM_PORT, "FG_CAM_PORT", REGISTER_INFO_UINT, false, portOfDma},
     }};
 
 std::size_t Device::runtimeIndex(int id) {
@@ -54,11 +53,11 @@ std::size_t Device::runtimeIndex(int id) {
   return static_cast<std::size_t>(row - kRuntimeParameters.begin());
 }
 
-uint64_t Device::readRuntime(std::size_t index, unsigned dma) const {
+std::uint64_t Device::readRuntime(std::size_t index, unsigned dma) const {
   const auto& row = kRuntimeParameters[index];
   const auto& kept = runtime_[index][dma];
   if (kept) return *kept;
-  return row.read != nullptr ? row.read(*this, dma) : 0;
+  return row.read ? row.read(*this, dma) : 0;
 }
 
 bool Device::acquiring(const Channel& channel) const {
@@ -66,16 +65,16 @@ bool Device::acquiring(const Channel& channel) const {
          (channel.limit == kEndless || channel.pictures.count(now()) < channel.limit);
 }
 
-int64_t Device::pictureNumber(const Channel& channel) const {
+std::int64_t Device::pictureNumber(const Channel& channel) const {
   if (!channel.running) return channel.atStop;
   const auto count = channel.pictures.count(now());
   return channel.limit == kEndless ? count : std::min(count, channel.limit);
 }
 
-int Device::start(unsigned dma, int64_t pictures) {
+int Device::start(unsigned dma, std::int64_t pictures) {
   if (dma >= kPorts) return kBadDma;
   if (pictures < 1 && pictures != kEndless) return kBadArgument;
-  const std::lock_guard lock(mutex_);
+  const std::lock_guard guard(mutex_);
   auto& channel = channels_[dma];
   if (channel.running) return kAlreadyStarted;
   channel.started = channel.running = true;
@@ -86,7 +85,7 @@ int Device::start(unsigned dma, int64_t pictures) {
 
 int Device::stop(unsigned dma) {
   if (dma >= kPorts) return kBadDma;
-  const std::lock_guard lock(mutex_);
+  const std::lock_guard guard(mutex_);
   auto& channel = channels_[dma];
   if (!channel.running) return kNotStarted;
   channel.atStop = pictureNumber(channel);
@@ -94,22 +93,23 @@ int Device::stop(unsigned dma) {
   return kOk;
 }
 
-int64_t Device::lastPicture(unsigned dma) const {
+std::int64_t Device::lastPicture(unsigned dma) const {
   if (dma >= kPorts) return kBadDma;
-  const std::lock_guard lock(mutex_);
+  const std::lock_guard guard(mutex_);
   const auto& channel = channels_[dma];
-  return channel.started ? pictureNumber(channel) : int64_t{kNotStarted};
+  return channel.started ? pictureNumber(channel) : std::int64_t{kNotStarted};
 }
 
-int64_t Device::waitForPicture(int64_t picture, unsigned dma, int64_t seconds) const {
+std::int64_t Device::waitForPicture(std::int64_t picture, unsigned dma,
+                                    std::int64_t seconds) const {
   if (dma >= kPorts) return kBadDma;
   if (seconds < 0) return kBadArgument;
   const auto deadline = now() + std::chrono::seconds(seconds);
-  // Polls, since the rate can change while it waits.
+  // Polls, since the rate can change in the meantime.
   while (true) {
     std::chrono::nanoseconds pause{};
     {
-      const std::lock_guard lock(mutex_);
+      const std::lock_guard guard(mutex_);
       const auto& channel = channels_[dma];
       if (!channel.started) return kNotStarted;
       const auto number = pictureNumber(channel);
@@ -123,16 +123,16 @@ int64_t Device::waitForPicture(int64_t picture, unsigned dma, int64_t seconds) c
   }
 }
 
-int64_t Device::channelStatus(uint32_t status, unsigned dma) const {
+std::int64_t Device::channelStatus(std::uint32_t status, unsigned dma) const {
   if (dma >= kPorts) return kBadDma;
-  const std::lock_guard lock(mutex_);
+  const std::lock_guard guard(mutex_);
   const auto& channel = channels_[dma];
   switch (status) {
-    case kGrabbedPictures:
+    case VELMORA_STATUS_GRABBED_PICTURES:
       return channel.started ? pictureNumber(channel) : 0;
-    case kLostPictures:
+    case VELMORA_STATUS_LOST_PICTURES:
       return 0;
-    case kAcquiring:
+    case VELMORA_STATUS_ACQUIRING:
       return acquiring(channel) ? 1 : 0;
     default:
       return kBadArgument;

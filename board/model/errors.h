@@ -1,4 +1,4 @@
-/// Error codes of the virtual board's libraries, explained where hosts see them.
+/// Short names of the board's error codes, which `velmora/errors.h` explains.
 #pragma once
 
 #include "velmora/errors.h"
@@ -23,7 +23,7 @@ enum Error : int {
   kAlreadyStarted = VELMORA_BOARD_ALREADY_STARTED,
   kNotStarted = VELMORA_BOARD_NOT_STARTED,
   kTimeout = VELMORA_BOARD_TIMEOUT,
-  kNotOffered = VELMORA_NOT_SUPPORTED  ///< Function that the board's runtime does not have.
+  kNotOffered = VELMORA_NOT_SUPPORTED  ///< The board's runtime lacks the function.
 };
 
 }  // namespace board

@@ -10,15 +10,38 @@ constexpr double kSimulatorClock = 125e6;   // Hz
 constexpr double kFreeRunningRate = 30.0;   // Hz
 constexpr double kTick = 16e-9;             // s
 constexpr double kGeneratorOverhead = 9.0;  // ticks
-/// Rounding of times and rates must not hold back an event that is due.
+/// Keeps rounding errors from holding back an event that is due.
 constexpr double kSlack = 1e-6;
 
-/// Registers hold one less than the count, so that all ones stand for none.
-double countOf(uint64_t registerValue) { return static_cast<double>(registerValue + 1); }
+constexpr SettingSource kSettingSources[] = {
+    {"CamGenEnable{}", &PortSettings::simulatorEnabled},
+    {"CamGenStart{}", &PortSettings::simulatorStarted},
+    {"CamGenLineWidth{}", &PortSettings::simulatorLineWidth},
+    {"CamGenHeight{}", &PortSettings::simulatorHeight},
+    {"CamGenActive{}", &PortSettings::simulatorActive},
+    {"CamGenPassive{}", &PortSettings::simulatorPassive},
+    {"Device1_Process4_Trigger_TriggerCam{}_PulseFormGenerators_Enable_Select",
+     &PortSettings::triggerEnabled},
+    {"Device1_Process4_Trigger_TriggerCam{}_Generators_ClearQueuePulse_Mode",
+     &PortSettings::triggerHeld},
+    {"Device1_Process4_Trigger_TriggerCam{}_TriggerMode_SelectExternal_Select",
+     &PortSettings::triggerExternal},
+    {"Device1_Process4_Trigger_TriggerCam{}_Generators_EnableQueue_Select",
+     &PortSettings::triggerQueued},
+    {"Device1_Process4_Trigger_TriggerCam{}_Synchronize_SlaveMode_Select",
+     &PortSettings::triggerSlave},
+    {"Device1_Process4_Trigger_TriggerCam{}_Generators_Generator_MinimumPeriod_Number",
+     &PortSettings::triggerPeriod},
+    {"Device1_Process{}_Buffer_XLength", &PortSettings::width},
+    {"Device1_Process{}_Buffer_YLength", &PortSettings::height},
+};
+
+/// Registers hold one less than the count; all ones mean none.
+double countOf(std::uint64_t registerValue) { return static_cast<double>(registerValue + 1); }
 
 double simulatorRate(const PortSettings& port) {
   // The height is a 32-bit count: 4294967295 means no lines.
-  const auto lines = static_cast<double>(static_cast<uint32_t>(port.simulatorHeight + 1));
+  const auto lines = static_cast<double>(static_cast<std::uint32_t>(port.simulatorHeight + 1));
   const double units = static_cast<double>(port.simulatorLineWidth) * lines;
   const double active = countOf(port.simulatorActive);
   const double period = active + countOf(port.simulatorPassive);
@@ -31,6 +54,8 @@ bool isSlave(const PortSettings& port, unsigned index) {
 }
 
 }  // namespace
+
+std::span<const SettingSource> settingSources() { return kSettingSources; }
 
 double triggerRate(const Ports& ports, unsigned index) {
   const auto& port = ports[index];
@@ -69,7 +94,7 @@ void RateCounter::setRate(Time now, double perSecond) {
   if (perSecond == rate_) return;
   const double events = exact(now);
   const double whole = std::floor(events + kSlack);
-  base_ += static_cast<int64_t>(whole);
+  base_ += static_cast<std::int64_t>(whole);
   fraction_ = std::max(events - whole, 0.0);
   since_ = now;
   rate_ = perSecond;
@@ -79,11 +104,11 @@ double RateCounter::exact(Time now) const {
   return fraction_ + std::chrono::duration<double>(now - since_).count() * rate_;
 }
 
-int64_t RateCounter::count(Time now) const {
-  return base_ + static_cast<int64_t>(std::floor(exact(now) + kSlack));
+std::int64_t RateCounter::count(Time now) const {
+  return base_ + static_cast<std::int64_t>(std::floor(exact(now) + kSlack));
 }
 
-RateCounter::Time RateCounter::until(int64_t count, Time now) const {
+RateCounter::Time RateCounter::until(std::int64_t count, Time now) const {
   constexpr std::chrono::duration<double> kLongest{1e9};
   const double missing = static_cast<double>(count - base_) - exact(now);
   if (missing <= 0) return Time{0};

@@ -15,87 +15,68 @@
 #include <array>
 #include <chrono>
 #include <cstdint>
-#include <string>
+#include <span>
+
+#include "velmora/handles.h"
 
 namespace board {
 
-inline constexpr unsigned kPorts = 4;  ///< Camera ports, each with its DMA channel.
+inline constexpr unsigned kPorts = VELMORA_PORTS;
 
-/// What the design was told about a port: the registers and parameters that matter here.
+/// The registers and parameters of a port that determine its pictures.
 struct PortSettings {
-  uint64_t simulatorEnabled = 0;
-  uint64_t simulatorStarted = 0;
-  uint64_t simulatorLineWidth = 0;
-  uint64_t simulatorHeight = 0;
-  uint64_t simulatorActive = 0;
-  uint64_t simulatorPassive = 0;
-  uint64_t triggerEnabled = 0;
-  uint64_t triggerHeld = 0;
-  uint64_t triggerExternal = 0;
-  uint64_t triggerQueued = 0;
-  uint64_t triggerSlave = 0;
-  uint64_t triggerPeriod = 0;
-  uint64_t width = 0;
-  uint64_t height = 0;
+  std::uint64_t simulatorEnabled = 0;
+  std::uint64_t simulatorStarted = 0;
+  std::uint64_t simulatorLineWidth = 0;
+  std::uint64_t simulatorHeight = 0;
+  std::uint64_t simulatorActive = 0;
+  std::uint64_t simulatorPassive = 0;
+  std::uint64_t triggerEnabled = 0;
+  std::uint64_t triggerHeld = 0;
+  std::uint64_t triggerExternal = 0;
+  std::uint64_t triggerQueued = 0;
+  std::uint64_t triggerSlave = 0;
+  std::uint64_t triggerPeriod = 0;
+  std::uint64_t width = 0;
+  std::uint64_t height = 0;
 };
 
 using Ports = std::array<PortSettings, kPorts>;
 
-/// Trigger pulses per second of a port; 0 when only software pulses, or none, come.
+/// Trigger pulses per second of a port, not counting software pulses.
 double triggerRate(const Ports& ports, unsigned port);
-/// Pictures per second; 0 when only software pulses, or nothing, make pictures.
+/// Pictures per second of a port, not counting those that software pulses trigger.
 double pictureRate(const Ports& ports, unsigned port);
 /// Whether a software pulse on camera `pulsed` reaches the output of `port`.
 bool softwarePulseReaches(const Ports& ports, unsigned pulsed, unsigned port);
 /// Whether the port's pictures follow its trigger pulses.
 bool followsTrigger(const PortSettings& port);
 
-/// The parameters (names with `{}` for the port number) that a setting is taken from.
+/// The register or parameter that holds a setting; `{}` in its name stands for the port.
 struct SettingSource {
   const char* name;
-  uint64_t PortSettings::*member;
+  std::uint64_t PortSettings::*member;
 };
-inline constexpr SettingSource kSettingSources[] = {
-    {"CamGenEnable{}", &PortSettings::simulatorEnabled},
-    {"CamGenStart{}", &PortSettings::simulatorStarted},
-    {"CamGenLineWidth{}", &PortSettings::simulatorLineWidth},
-    {"CamGenHeight{}", &PortSettings::simulatorHeight},
-    {"CamGenActive{}", &PortSettings::simulatorActive},
-    {"CamGenPassive{}", &PortSettings::simulatorPassive},
-    {"Device1_Process4_Trigger_TriggerCam{}_PulseFormGenerators_Enable_Select",
-     &PortSettings::triggerEnabled},
-    {"Device1_Process4_Trigger_TriggerCam{}_Generators_ClearQueuePulse_Mode",
-     &PortSettings::triggerHeld},
-    {"Device1_Process4_Trigger_TriggerCam{}_TriggerMode_SelectExternal_Select",
-     &PortSettings::triggerExternal},
-    {"Device1_Process4_Trigger_TriggerCam{}_Generators_EnableQueue_Select",
-     &PortSettings::triggerQueued},
-    {"Device1_Process4_Trigger_TriggerCam{}_Synchronize_SlaveMode_Select",
-     &PortSettings::triggerSlave},
-    {"Device1_Process4_Trigger_TriggerCam{}_Generators_Generator_MinimumPeriod_Number",
-     &PortSettings::triggerPeriod},
-    {"Device1_Process{}_Buffer_XLength", &PortSettings::width},
-    {"Device1_Process{}_Buffer_YLength", &PortSettings::height},
-};
+std::span<const SettingSource> settingSources();
 
-/// Counts the whole events of a rate over time. The rate may change; the part of an event that has
-/// passed by then counts for the next one.
+/// Counts the whole events that occur at a rate. When the rate changes, the fraction of an event
+/// that has elapsed is carried over.
 class RateCounter {
  public:
   using Time = std::chrono::nanoseconds;  ///< Since the clock's start.
 
   void restart(Time now);
   void setRate(Time now, double perSecond);
-  /// Adds events that did not come from the rate.
-  void add(int64_t events) { base_ += events; }
-  int64_t count(Time now) const;
+  /// Adds events that occur outside the rate.
+  void add(std::int64_t events) { base_ += events; }
+  std::int64_t count(Time now) const;
   /// Time from `now` until `count` events are reached; the longest time when the rate is 0.
-  Time until(int64_t count, Time now) const;
+  Time until(std::int64_t count, Time now) const;
 
  private:
   double exact(Time now) const;
 
-  int64_t base_ = 0;
+  std::int64_t base_ = 0;
   double fraction_ = 0;
   double rate_ = 0;
   Time since_{0};

@@ -15,16 +15,16 @@ static_assert(std::endian::native == std::endian::little);
 
 struct Trailer {
   std::array<char, 4> mark{'V', 'D', 'S', 'N'};
-  uint32_t format = 1;
-  uint32_t length = 0;
-  uint32_t checksum = 0;
+  std::uint32_t format = 1;
+  std::uint32_t length = 0;
+  std::uint32_t checksum = 0;
 };
 static_assert(sizeof(Trailer) == 16);
 constexpr std::size_t kChecksumSize = sizeof(Trailer::checksum);
 
-uint32_t checksumOf(std::string_view bytes) {
+std::uint32_t checksumOf(std::string_view bytes) {
   const auto* data = reinterpret_cast<const Bytef*>(bytes.data());
-  return static_cast<uint32_t>(crc32_z(0, data, bytes.size()));
+  return static_cast<std::uint32_t>(crc32_z(0, data, bytes.size()));
 }
 
 }  // namespace
@@ -34,7 +34,7 @@ std::string packImage(std::string_view manifest, std::size_t size) {
   if (size < sizeof(trailer) || manifest.size() > size - sizeof(trailer)) {
     throw std::length_error("manifest too long for its image");
   }
-  trailer.length = static_cast<uint32_t>(manifest.size());
+  trailer.length = static_cast<std::uint32_t>(manifest.size());
   std::string image(size, '\0');
   manifest.copy(image.data(), manifest.size());
   char* end = image.data() + size - sizeof(trailer);

@@ -6,6 +6,8 @@
 #include <mutex>
 #include <set>
 
+#include "board/virtual_board.h"
+
 namespace board {
 namespace {
 
@@ -15,44 +17,44 @@ struct Ledger {
   std::map<const char*, std::unique_ptr<char[]>> strings;
 };
 
-/// Never destroyed: other libraries may give things back while the process ends.
+/// Never destroyed: other libraries may give things back while the process exits.
 Ledger& ledger() {
   static Ledger& instance = *new Ledger;
   return instance;
 }
 
-std::set<const void*>& objectsOf(HandedOut sort) {
-  return ledger().objects[static_cast<std::size_t>(sort)];
+std::set<const void*>& objectsOf(HandedOut kind) {
+  return ledger().objects[static_cast<std::size_t>(kind)];
 }
 
 }  // namespace
 
-void handOut(HandedOut sort, const void* object) {
-  const std::lock_guard lock(ledger().mutex);
-  objectsOf(sort).insert(object);
+void handOut(HandedOut kind, const void* object) {
+  const std::lock_guard guard(ledger().mutex);
+  objectsOf(kind).insert(object);
 }
 
-bool giveBack(HandedOut sort, const void* object) {
-  const std::lock_guard lock(ledger().mutex);
-  return objectsOf(sort).erase(object) != 0;
+bool giveBack(HandedOut kind, const void* object) {
+  const std::lock_guard guard(ledger().mutex);
+  return objectsOf(kind).erase(object) != 0;
 }
 
 char* handOutString(std::string_view text) {
   auto copy = std::make_unique<char[]>(text.size() + 1);
   text.copy(copy.get(), text.size());
   char* result = copy.get();
-  const std::lock_guard lock(ledger().mutex);
+  const std::lock_guard guard(ledger().mutex);
   ledger().strings.emplace(result, std::move(copy));
   return result;
 }
 
 bool giveBackString(const char* text) {
-  const std::lock_guard lock(ledger().mutex);
+  const std::lock_guard guard(ledger().mutex);
   return ledger().strings.erase(text) != 0;
 }
 
-Outstanding countOutstanding() {
-  const std::lock_guard lock(ledger().mutex);
+Outstanding outstanding() {
+  const std::lock_guard guard(ledger().mutex);
   return {static_cast<int>(objectsOf(HandedOut::kHandle).size()),
           static_cast<int>(objectsOf(HandedOut::kDesign).size()),
           static_cast<int>(ledger().strings.size())};

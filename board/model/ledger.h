@@ -1,9 +1,7 @@
-/// What the board's libraries handed out and expect back. Process-wide, for any thread.
+/// What the board's libraries have handed out and expect back. Process-wide and thread-safe.
 #pragma once
 
 #include <string_view>
-
-#include "board/virtual_board.h"
 
 #pragma GCC visibility push(default)
 
@@ -11,16 +9,14 @@ namespace board {
 
 enum class HandedOut { kHandle, kDesign };
 
-/// Notes an object; `giveBack` forgets it and tells whether it was handed out.
-void handOut(HandedOut sort, const void* object);
-bool giveBack(HandedOut sort, const void* object);
+/// Records an object; `giveBack` removes it and returns whether it was there.
+void handOut(HandedOut kind, const void* object);
+bool giveBack(HandedOut kind, const void* object);
 
-/// A copy of `text` for a caller to keep; `giveBackString` releases it, false for any other
+/// A copy of `text` for the caller; `giveBackString` frees it and returns false for any other
 /// pointer.
 char* handOutString(std::string_view text);
 bool giveBackString(const char* text);
-
-Outstanding countOutstanding();
 
 }  // namespace board
 

@@ -14,7 +14,7 @@ namespace {
 
 using Tokens = std::vector<std::string_view>;
 
-constexpr std::size_t kMaxRecords = 65536;  ///< Bounds what a mistaken pattern can ask for.
+constexpr std::size_t kMaxRecords = 65536;  ///< Limits what a mistaken pattern can cost.
 constexpr int kMaxRegisterBits = 64;
 constexpr std::ptrdiff_t kFixedColumns = 4;  ///< Kind, name, access and store of a parameter.
 constexpr std::size_t kMaxNameLength = 255;
@@ -50,19 +50,19 @@ Tokens split(std::string_view line) {
   throw ManifestError(fmt::format("{} '{}'", what, token));
 }
 
-uint64_t number(RegisterInfoKind kind, std::string_view token) {
+std::uint64_t number(RegisterInfoKind kind, std::string_view token) {
   const auto bits = parseScalar(kind, token);
   if (!bits) fail("not a number of this kind:", token);
   return *bits;
 }
 
 int integer(std::string_view token, int min, int max) {
-  const auto value = static_cast<int64_t>(number(REGISTER_INFO_INT, token));
+  const auto value = static_cast<std::int64_t>(number(REGISTER_INFO_INT, token));
   if (value < min || value > max) fail("number out of range:", token);
   return static_cast<int>(value);
 }
 
-/// One of two words; true for the first.
+/// Whether the token is `yes`; it must be one of the two.
 bool choose(std::string_view token, std::string_view yes, std::string_view no) {
   if (token != yes && token != no) fail("unknown word", token);
   return token == yes;
@@ -90,21 +90,21 @@ void expand(const std::string& pattern, std::vector<std::string>& names) {
   }
 }
 
-/// The value of a token "key=value"; nothing when it has another form or key.
+/// The value of a token "key=value"; `nullopt` for another form or key.
 std::optional<std::string_view> option(std::string_view token, std::string_view key) {
   if (token.substr(0, key.size()) != key || token.substr(key.size(), 1) != "=") return std::nullopt;
   return token.substr(key.size() + 1);
 }
 
-std::pair<std::string, int32_t> parseEntry(std::string_view token) {
+std::pair<std::string, std::int32_t> parseEntry(std::string_view token) {
   const auto equals = std::min(token.find('='), token.size() - 1);
   if (equals == 0) fail("entry without label:", token);
-  constexpr int kMin = std::numeric_limits<int32_t>::min();
-  constexpr int kMax = std::numeric_limits<int32_t>::max();
+  constexpr int kMin = std::numeric_limits<std::int32_t>::min();
+  constexpr int kMax = std::numeric_limits<std::int32_t>::max();
   return {std::string(token.substr(0, equals)), integer(token.substr(equals + 1), kMin, kMax)};
 }
 
-/// Fills what depends on the kind from the arguments behind the fixed columns.
+/// Parses the arguments after the fixed columns, which depend on the kind.
 void parseArguments(ParameterRecord& record, const Tokens& arguments) {
   const auto expect = [&](std::size_t count) {
     if (arguments.size() != count) fail("wrong number of arguments for", record.name);
@@ -121,7 +121,7 @@ void parseArguments(ParameterRecord& record, const Tokens& arguments) {
     case REGISTER_INFO_INT_FIELD:
     case REGISTER_INFO_DOUBLE_FIELD:
       expect(3);
-      record.count = static_cast<uint32_t>(integer(arguments[0], 0, 1 << 20));
+      record.count = static_cast<std::uint32_t>(integer(arguments[0], 0, 1 << 20));
       record.initial = number(record.kind, arguments[1]);
       record.max = number(record.kind, arguments[2]);
       break;
@@ -203,7 +203,7 @@ class Parser {
   static bool writable(std::string_view token) { return choose(token, "rw", "ro"); }
 
   /// Appends a copy of `record` for every name that the pattern stands for.
-  template <typename Record>
+  template <class Record>
   void add(std::vector<Record>& records, std::unordered_set<std::string>& known,
            std::string_view pattern, Record record) {
     if (pattern.size() > kMaxNameLength) fail("name too long:", pattern);

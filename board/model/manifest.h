@@ -13,7 +13,7 @@
 
 namespace board {
 
-inline constexpr int kBoardType = 3652;  ///< The board that this one stands for.
+inline constexpr int kBoardType = 3652;  ///< The type of board that is modelled.
 
 /// A KT parameter. Numbers are bits of its kind, see `scalar.h`.
 struct ParameterRecord {
@@ -21,14 +21,14 @@ struct ParameterRecord {
   RegisterInfoKind kind = REGISTER_INFO_UINT;
   bool writable = false;
   bool shared = false;  ///< One value for all DMA channels.
-  uint64_t min = 0;
-  uint64_t max = 0;
-  uint64_t step = 0;
-  uint64_t initial = 0;                                  ///< Value at power-on.
-  uint32_t count = 0;                                    ///< Elements of a field kind.
-  std::vector<std::pair<std::string, int32_t>> entries;  ///< Of an enumeration.
-  std::string text;                                      ///< Of a string at power-on.
-  std::string unit;                                      ///< Empty when there is none.
+  std::uint64_t min = 0;
+  std::uint64_t max = 0;
+  std::uint64_t step = 0;
+  std::uint64_t initial = 0;                                  ///< Value at power-on.
+  std::uint32_t count = 0;                                    ///< Elements of a field kind.
+  std::vector<std::pair<std::string, std::int32_t>> entries;  ///< Of an enumeration.
+  std::string text;                                           ///< Of a string at power-on.
+  std::string unit;                                           ///< Empty when there is none.
 };
 
 struct RegisterRecord {
@@ -39,7 +39,7 @@ struct RegisterRecord {
 
 struct EventRecord {
   std::string name;
-  int32_t kind = 0;
+  std::int32_t kind = 0;
 };
 
 /// All records of a manifest in their order, patterns expanded.
@@ -49,14 +49,14 @@ struct Manifest {
   std::vector<EventRecord> events;
 };
 
-/// What is wrong with a manifest, with the number of the line.
+/// What is wrong with a manifest, and in which line.
 class ManifestError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
 
-/// Parses a manifest; throws `ManifestError` for a line that is not understood, a name used twice
-/// for the same sort of thing, another board's manifest or a missing end.
+/// Parses a manifest; throws `ManifestError` for a malformed line, a name used twice for records of
+/// one type, another board's manifest or a missing end.
 Manifest parseManifest(std::string_view text);
 
 }  // namespace board

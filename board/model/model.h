@@ -1,4 +1,6 @@
-/// The objects behind the opaque handles of the board's libraries.
+/// The board's model, shared by all of its libraries, and what their opaque handles point to: a
+/// device (`device.h`), designs (`design.h`) and inner handles. `ledger.h` records what is handed
+/// out, `watch.h` sees every access.
 #pragma once
 
 #include <atomic>
@@ -17,6 +19,6 @@ struct fpga_design {
 /// The acquisition runtime's inner handle.
 struct Fg_Struct {
   KTdevice* device;
-  std::shared_ptr<const board::Design> design;  ///< Stays usable when the applet unloads its own.
+  std::shared_ptr<const board::Design> design;  ///< Outlives the applet's `fpga_design`.
   std::atomic<int> lastError{0};
 };

@@ -3,12 +3,12 @@
 #include <fmt/format.h>
 
 #include <bit>
-#include <charconv>
 #include <cstring>
 #include <limits>
 #include <type_traits>
 
 #include "board/model/errors.h"
+#include "board/parse_number.h"
 
 namespace board {
 namespace {
@@ -16,42 +16,33 @@ namespace {
 enum ValueType { kUint32 = 1, kInt32 = 2, kInt64 = 3, kUint64 = 4, kDouble = 5 };
 
 /// Calls `function` with a number of the C type that holds values of the kind.
-template <typename Function>
+template <class Function>
 auto dispatch(RegisterInfoKind kind, Function function) {
   switch (kind) {
     case REGISTER_INFO_DOUBLE:
     case REGISTER_INFO_DOUBLE_FIELD:
       return function(double{});
     case REGISTER_INFO_UINT64:
-      return function(uint64_t{});
+      return function(std::uint64_t{});
     case REGISTER_INFO_INT64:
-      return function(int64_t{});
+      return function(std::int64_t{});
     case REGISTER_INFO_INT:
     case REGISTER_INFO_ENUM:
     case REGISTER_INFO_INT_FIELD:
-      return function(int32_t{});
+      return function(std::int32_t{});
     default:
-      return function(uint32_t{});
+      return function(std::uint32_t{});
   }
 }
 
-template <typename Number>
-uint64_t encode(Number number) {
+template <class Number>
+std::uint64_t encode(Number number) {
   if constexpr (std::is_same_v<Number, double>) {
-    return std::bit_cast<uint64_t>(number);
+    return std::bit_cast<std::uint64_t>(number);
   } else if constexpr (std::is_signed_v<Number>) {
-    return static_cast<uint64_t>(static_cast<int64_t>(number));
+    return static_cast<std::uint64_t>(static_cast<std::int64_t>(number));
   } else {
     return number;
-  }
-}
-
-template <typename Number>
-Number decode(uint64_t bits) {
-  if constexpr (std::is_same_v<Number, double>) {
-    return std::bit_cast<double>(bits);
-  } else {
-    return static_cast<Number>(bits);
   }
 }
 
@@ -75,18 +66,18 @@ int resolveType(RegisterInfoKind kind, int requested) {
 
 bool isWide(int type) { return type >= kInt64; }
 
-template <typename Number>
+template <class Number>
 Number readAs(const void* value) {
   Number number;
   std::memcpy(&number, value, sizeof(number));
   return number;
 }
 
-/// Whether `bits`, a 64-bit integer of either sign, can be given in 32 bits.
-bool fits32(uint64_t bits) {
-  const auto number = static_cast<int64_t>(bits);
-  return number >= std::numeric_limits<int32_t>::min() &&
-         number <= std::numeric_limits<uint32_t>::max();
+/// Whether `bits`, a 64-bit integer, fits in 32 bits, signed or not.
+bool fits32(std::uint64_t bits) {
+  const auto number = static_cast<std::int64_t>(bits);
+  return number >= std::numeric_limits<std::int32_t>::min() &&
+         number <= std::numeric_limits<std::uint32_t>::max();
 }
 
 }  // namespace
@@ -105,26 +96,25 @@ bool isScalar(RegisterInfoKind kind) {
   }
 }
 
-std::optional<uint64_t> parseScalar(RegisterInfoKind kind, std::string_view text) {
-  return dispatch(kind, [text](auto number) -> std::optional<uint64_t> {
-    const char* end = text.data() + text.size();
-    const auto result = std::from_chars(text.data(), end, number);
-    if (result.ec != std::errc{} || result.ptr != end) return std::nullopt;
-    return encode(number);
+std::optional<std::uint64_t> parseScalar(RegisterInfoKind kind, std::string_view text) {
+  return dispatch(kind, [text](auto number) -> std::optional<std::uint64_t> {
+    const auto parsed = parseNumber<decltype(number)>(text);
+    if (!parsed) return std::nullopt;
+    return encode(*parsed);
   });
 }
 
-std::string scalarText(RegisterInfoKind kind, uint64_t bits) {
+std::string scalarText(RegisterInfoKind kind, std::uint64_t bits) {
   return dispatch(
-      kind, [bits](auto number) { return fmt::format("{}", decode<decltype(number)>(bits)); });
+      kind, [bits](auto number) { return fmt::format("{}", fromBits<decltype(number)>(bits)); });
 }
 
-double scalarToDouble(RegisterInfoKind kind, uint64_t bits) {
+double scalarToDouble(RegisterInfoKind kind, std::uint64_t bits) {
   return dispatch(
-      kind, [bits](auto number) { return static_cast<double>(decode<decltype(number)>(bits)); });
+      kind, [bits](auto number) { return static_cast<double>(fromBits<decltype(number)>(bits)); });
 }
 
-uint64_t scalarFromDouble(RegisterInfoKind kind, double value) {
+std::uint64_t scalarFromDouble(RegisterInfoKind kind, double value) {
   return dispatch(kind, [value](auto number) {
     using Number = decltype(number);
     using Limits = std::numeric_limits<Number>;
@@ -134,25 +124,25 @@ uint64_t scalarFromDouble(RegisterInfoKind kind, double value) {
   });
 }
 
-int loadScalar(RegisterInfoKind kind, int type, const void* value, uint64_t& bits) {
+int loadScalar(RegisterInfoKind kind, int type, const void* value, std::uint64_t& bits) {
   const int resolved = resolveType(kind, type);
   if (resolved == 0) return kWrongType;
   const bool wideKind = isWide(naturalType(kind));
   if (isWide(resolved)) {
-    const auto wide = readAs<uint64_t>(value);
+    const auto wide = readAs<std::uint64_t>(value);
     if (!wideKind && !fits32(wide)) return kDoesNotFit;
     bits = wide;
   } else {
-    const auto narrow = readAs<uint32_t>(value);
-    bits = wideKind && resolved == kInt32 ? encode(static_cast<int32_t>(narrow)) : narrow;
+    const auto narrow = readAs<std::uint32_t>(value);
+    bits = wideKind && resolved == kInt32 ? encode(static_cast<std::int32_t>(narrow)) : narrow;
   }
-  if (!wideKind) {  // Takes the pattern of the kind's own width.
-    bits = dispatch(kind, [&](auto number) { return encode(decode<decltype(number)>(bits)); });
+  if (!wideKind) {  // Leaves the bits of the kind's own width.
+    bits = dispatch(kind, [&](auto number) { return encode(fromBits<decltype(number)>(bits)); });
   }
   return kOk;
 }
 
-int storeScalar(RegisterInfoKind kind, int type, uint64_t bits, void* value) {
+int storeScalar(RegisterInfoKind kind, int type, std::uint64_t bits, void* value) {
   const int resolved = resolveType(kind, type);
   if (resolved == 0) return kWrongType;
   if (isWide(resolved)) {
@@ -160,7 +150,7 @@ int storeScalar(RegisterInfoKind kind, int type, uint64_t bits, void* value) {
     return kOk;
   }
   if (!fits32(bits)) return kDoesNotFit;
-  const auto narrow = static_cast<uint32_t>(bits);
+  const auto narrow = static_cast<std::uint32_t>(bits);
   std::memcpy(value, &narrow, sizeof(narrow));
   return kOk;
 }

@@ -14,12 +14,12 @@ std::atomic<int> errorWithoutHandle{0};
 
 namespace {
 
-constexpr std::string_view kErrorQuery = "Fg_getLastErrorNumber";  ///< Answers a code, never fails.
+constexpr std::string_view kErrorQuery = "Fg_getLastErrorNumber";  ///< Returns codes, never fails.
 
 struct NamedFault {
   std::string name;
   int code;
-  int timesLeft;  ///< 0: without end.
+  int timesLeft;  ///< 0: no limit.
 };
 
 struct CountedFault {
@@ -38,22 +38,22 @@ struct Watcher {
   std::vector<NamedFault> named;
   std::vector<CountedFault> counted;
 
-  /// With the mutex held, after every change.
+  /// To be called after every change, with the mutex held.
   void updateWatching() const {
     watching = journaling || observer || !named.empty() || !counted.empty();
   }
 };
 
-/// Never destroyed: accesses may come while the process ends.
+/// Never destroyed: accesses may come while the process exits.
 Watcher& watcher() {
   static Watcher& instance = *new Watcher;
   return instance;
 }
 
-template <typename Change>
+template <class Change>
 void change(Change apply) {
   auto& watch = watcher();
-  const std::lock_guard lock(watch.mutex);
+  const std::lock_guard guard(watch.mutex);
   apply(watch);
   watch.updateWatching();
 }
@@ -102,7 +102,7 @@ void report(const Access& access) {
   std::shared_ptr<const Observer> observer;
   {
     auto& watch = watcher();
-    const std::lock_guard lock(watch.mutex);
+    const std::lock_guard guard(watch.mutex);
     observer = watch.observer;
     if (watch.journaling) watch.journal.push_back(access);
   }
@@ -121,7 +121,7 @@ void stopJournal() {
 }
 
 std::vector<Access> takeJournal() {
-  const std::lock_guard lock(watcher().mutex);
+  const std::lock_guard guard(watcher().mutex);
   return std::exchange(watcher().journal, {});
 }
 

@@ -1,5 +1,5 @@
-/// Watching of accesses: how a function of the board's libraries passes through the journal, the
-/// observer and the faults of `virtual_board.h`.
+/// How each call of the board's libraries passes through the journal, the observer and the faults
+/// of `virtual_board.h`.
 #pragma once
 
 #include <atomic>
@@ -13,19 +13,19 @@
 
 namespace board {
 
-/// Set while there is a journal, an observer or a fault. All that an unwatched access costs.
+/// Set while there is a journal, an observer or a fault. An unwatched access costs only this check.
 extern std::atomic<bool> watching;
 
-/// The code that a fault has for this access, which uses the fault up.
+/// The code of the fault that hits this access, if any. Uses the fault up.
 std::optional<int> takeFault(const Access& access);
 /// Hands a finished access to the journal and the observer.
 void report(const Access& access);
-/// The error of failed functions that have no handle to keep it.
+/// Last error of the functions that fail without a handle to record it in.
 extern std::atomic<int> errorWithoutHandle;
 
-/// Runs `action` unless a fault stands in its way. `describe` makes the access, but for its result,
-/// before; `complete` adds what is known only after a success, such as the value read.
-template <typename Describe, typename Action, typename Complete>
+/// Runs `action` unless a fault takes its place. `describe` describes the access beforehand;
+/// `complete` adds what is known only after a success, such as the value read.
+template <class Describe, class Action, class Complete>
 auto watched(Describe describe, Action action, Complete complete) -> decltype(action()) {
   using Result = decltype(action());
   if (!watching.load(std::memory_order_relaxed)) return action();
@@ -35,17 +35,17 @@ auto watched(Describe describe, Action action, Complete complete) -> decltype(ac
   if constexpr (std::is_pointer_v<Result>) {
     if (!fault) result = action();
     if (fault) errorWithoutHandle = *fault;
-    access.result = result != nullptr ? 0 : -1;
+    access.result = result ? 0 : -1;
   } else {
     result = fault ? static_cast<Result>(*fault) : action();
-    access.result = static_cast<int64_t>(result);
+    access.result = static_cast<std::int64_t>(result);
   }
   if (access.result >= 0) complete(access);
   report(access);
   return result;
 }
 
-template <typename Describe, typename Action>
+template <class Describe, class Action>
 auto watched(Describe describe, Action action) {
   return watched(std::move(describe), std::move(action), [](Access&) {});
 }

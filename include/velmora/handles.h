@@ -1,5 +1,9 @@
-/// Opaque handles that cross the boundary between a host, the applet and the board's libraries.
+/// What a host, the applet and the board's libraries have in common: opaque handles and the number
+/// of ports.
 #pragma once
+
+/// Camera ports of the applet, each with a DMA channel of the same number.
+enum { VELMORA_PORTS = 4 };
 
 typedef struct KTdevice KTdevice;            ///< Board device; owned by the host.
 typedef struct fpga_design fpga_design;      ///< Loaded FPGA design; owned by the design runtime.
