@@ -14,5 +14,3 @@ typedef struct ShadingMaster ShadingMaster;  ///< Shading data; no applet of thi
 /// runtime's own and opaque to the applet.
 typedef struct Fg_Struct Fg_Struct;
 
-/// Camera ports of the applet, each with a DMA channel of the same number.
-enum { VELMORA_PORTS = 4 };
