@@ -24,7 +24,7 @@ class Runtime {
  public:
   explicit Runtime(KTdevice* device) : library_(dlopen("libvorn5.so", RTLD_NOW)) {
     void* design = nullptr;
-    Info(0x1040, 0, 0, &design, nullptr);  // The open applet's design.
+    Info(VELMORA_INFO_DESIGN, 0, 0, &design, nullptr);  // The open applet's design.
     handle_ = symbol<VornInitHandle>("Fg_InitHandle")("Velmora.hap", device,
                                                       static_cast<fpga_design*>(design));
     width_ = symbol<VornGetParameterIdByName>("Fg_getParameterIdByName")(

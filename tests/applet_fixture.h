@@ -19,7 +19,7 @@ struct Fg_Struct {
 namespace fixture {
 
 /// `Std_entry` flag: the design keeps what it has.
-inline constexpr int kNoDefaults = 1;
+inline constexpr int kNoDefaults = VELMORA_LEAVE_DESIGN;
 
 inline constexpr unsigned kPorts = 4;
 

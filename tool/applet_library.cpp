@@ -12,7 +12,7 @@ constexpr const char* kLibraryName = "libVelmora.so";
 
 void* open() {
   void* const library = dlopen(kLibraryName, RTLD_NOW | RTLD_LOCAL);
-  if (library == nullptr) throw Failure(fmt::format("cannot load the applet: {}", dlerror()));
+  if (!library) throw Failure(fmt::format("cannot load the applet: {}", dlerror()));
   return library;
 }
 
@@ -20,12 +20,31 @@ void* open() {
 
 void AppletLibrary::Close::operator()(void* library) const { dlclose(library); }
 
-AppletLibrary::AppletLibrary() : library_(open()) {}
+template <class Function>
+void AppletLibrary::find(const char* name, Function*& function) const {
+  function = reinterpret_cast<Function*>(dlsym(library_.get(), name));
+  if (!function) throw Failure(fmt::format("{} has no function {}", kLibraryName, name));
+}
 
-AppletLibrary::Symbol AppletLibrary::symbol(const char* name) const {
-  void* const address = dlsym(library_.get(), name);
-  if (address == nullptr) throw Failure(fmt::format("{} has no function {}", kLibraryName, name));
-  return {address};
+AppletLibrary::AppletLibrary() : library_(open()) {
+  find("Std_entry", stdEntry);
+  find("Fg_FreeGrabber", freeGrabber);
+  find("Info", info);
+  find("Fg_AcquireEx", acquire);
+  find("Fg_stopAcquireEx", stopAcquire);
+  find("Fg_getLastPicNumberBlockingEx", waitForPicture);
+  find("Fg_setParameterWithType", setParameter);
+  find("Fg_getParameterWithType", getParameter);
+  find("Fg_freeParameterStringWithType", freeString);
+  find("Fg_getNrOfParameter", parameterCount);
+  find("Fg_getParameterName", parameterName);
+  find("Fg_getParameterId", parameterId);
+  find("Fg_getParameterIdByName", parameterIdByName);
+  find("Fg_saveConfig", saveConfig);
+  find("Fg_loadConfig", loadConfig);
+  find("Fg_getParameterInfoXML", descriptionXml);
+  find("Fg_getParameterInfo", description);
+  find("Fg_getEventName", eventName);
 }
 
 }  // namespace velmora::tool

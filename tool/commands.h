@@ -1,4 +1,6 @@
-/// The commands of the tool. They print to standard output and throw `Failure`.
+/// The commands of `velmora`, the command line tool of this folder: it opens the applet library on
+/// the virtual board as a runtime would, and calls exported functions only. Commands print to
+/// standard output and throw `Failure`.
 #pragma once
 
 #include <cstdint>
@@ -6,23 +8,23 @@
 #include <string>
 #include <vector>
 
-#include "tool/parameters.h"
+#include "tool/parameter_access.h"
 #include "tool/session.h"
 
 namespace velmora::tool {
 
-/// Everything that the applet tells without being opened. The icon is written to `iconFile` unless
-/// that is empty.
+/// Everything that the applet answers without being opened. The icon is written to `iconFile`
+/// unless that is empty.
 void showInfo(const AppletLibrary& library, const std::string& iconFile);
 
 /// All parameters with their values, on one port or on all.
 void listParameters(Session& session, std::optional<unsigned> port);
-/// Values of parameters; those without a port are read on port 0. Goes on after a failure.
+/// Values of parameters, read on port 0 where the name has none. Goes on after a failure.
 void getParameters(Session& session, const std::vector<std::string>& names);
-/// Sets parameters in order, on `ports` where the assignment names none, until one is refused.
+/// Sets parameters in order until one is refused, on `ports` where an assignment names none.
 void assignParameters(Session& session, const std::vector<std::string>& assignments,
                       const std::vector<unsigned>& ports);
-/// Sets like `assignParameters` and shows what was set as read back.
+/// Sets like `assignParameters`, then reads back and shows what was set.
 void setParameters(Session& session, const std::vector<std::string>& assignments);
 
 /// The tree of a port's parameters with their live limits.
@@ -37,14 +39,14 @@ void listEvents(Session& session);
 struct Acquisition {
   std::vector<unsigned> ports;
   std::int64_t pictures = 0;  ///< On each port.
-  int timeout = 0;            ///< Seconds to wait for each next picture.
+  int timeout = 5;            ///< Seconds to wait for each picture.
 };
 /// Acquires on several ports at the same time; reports pictures and rate of each.
 void acquirePictures(Session& session, const Acquisition& acquisition);
 
 /// Writes the settings of all ports to a configuration file.
 void saveConfiguration(Session& session, const std::string& file);
-/// Applies a configuration file. A failure tells the first key or section that is missing.
+/// Applies a configuration file. A failure names the first key or section that is missing.
 void loadConfiguration(Session& session, const std::string& file);
 
 }  // namespace velmora::tool

@@ -2,6 +2,7 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
@@ -45,7 +46,7 @@ class Channel {
     return fmt::format("port {}: {}/{}", port_, pictures_.load(), wanted);
   }
 
-  // Once it has run.
+  /// Once it has run.
   std::string result() const {
     const std::int64_t pictures = pictures_;
     const std::string rate =
@@ -68,19 +69,19 @@ class Channel {
   Failures failures_;
 };
 
-/// Lets one thread wait for the others with an eye on the clock.
+/// Lets one thread wait, for a limited time, until the others are done.
 class Countdown {
  public:
   explicit Countdown(std::size_t count) : count_(count) {}
   void done() {
-    const std::lock_guard lock(mutex_);
+    const std::lock_guard guard(mutex_);
     --count_;
     changed_.notify_all();
   }
   /// Whether all were done within the time.
   bool waitFor(std::chrono::milliseconds time) {
-    std::unique_lock lock(mutex_);
-    return changed_.wait_for(lock, time, [this] { return count_ == 0; });
+    std::unique_lock guard(mutex_);
+    return changed_.wait_for(guard, time, [this] { return count_ == 0; });
   }
 
  private:
@@ -89,7 +90,7 @@ class Countdown {
   std::size_t count_;
 };
 
-/// One line that is written over on a terminal; a line each elsewhere.
+/// Progress that overwrites its line on a terminal and adds lines elsewhere.
 class ProgressLine {
  public:
   std::chrono::milliseconds interval() const {
@@ -129,9 +130,8 @@ void acquirePictures(Session& session, const Acquisition& acquisition) {
     });
   }
   const ProgressLine line;
-  do {
-    line.show(progress(channels, acquisition.pictures));
-  } while (!countdown.waitFor(line.interval()));
+  do line.show(progress(channels, acquisition.pictures));
+  while (!countdown.waitFor(line.interval()));
   line.clear();
   threads.clear();
   Failures failures;

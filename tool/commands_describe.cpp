@@ -4,10 +4,10 @@
 #include <cstdio>
 
 #include "tool/commands.h"
-#include "tool/description.h"
 #include "tool/error_text.h"
+#include "tool/parameter_description.h"
+#include "tool/parameter_values.h"
 #include "tool/text.h"
-#include "tool/values.h"
 
 namespace velmora::tool {
 namespace {
@@ -50,11 +50,10 @@ void describePort(Session& session, unsigned port) {
     const RegisterInfo& node = *described.node;
     const std::string title = utf8(node.name);
     fmt::print("{:{}}", "", 2 * (described.level + 1));
-    if (isGroup(node)) {
+    if (isGroup(node))
       fmt::print("{}\n", title);
-    } else {
+    else
       fmt::print("{} \"{}\": {}\n", node.paramName, title, summary(node));
-    }
   }
 }
 
@@ -78,8 +77,7 @@ void describeParameter(Session& session, const std::string& name, std::optional<
   if (const std::string text = parameterText(session, parameter); !text.empty())
     fmt::print("  {}\n", text);
   table.print(2);
-  if (parameter.node != nullptr && parameter.node->kind == REGISTER_INFO_ENUM)
-    printEntries(*parameter.node);
+  if (parameter.node && parameter.node->kind == REGISTER_INFO_ENUM) printEntries(*parameter.node);
 }
 
 void writeXml(Session& session, unsigned port, const std::string& file) {
@@ -93,11 +91,10 @@ void writeXml(Session& session, unsigned port, const std::string& file) {
   std::string document(size, '\0');
   render(document.data(), size);
   document.resize(size - 1);  // Without the terminating zero.
-  if (file.empty()) {
+  if (file.empty())
     std::fwrite(document.data(), 1, document.size(), stdout);
-  } else {
+  else
     writeFile(file, document);
-  }
 }
 
 void listEvents(Session& session) {

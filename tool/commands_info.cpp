@@ -1,17 +1,18 @@
 /// info
 #include <fmt/format.h>
 
-#include <array>
 #include <cstdint>
+#include <sstream>
 
 #include "tool/commands.h"
 #include "tool/error_text.h"
 #include "tool/text.h"
+#include "velmora/info.h"
 
 namespace velmora::tool {
 namespace {
 
-/// An answer of `Info` and all that it wrote.
+/// What `Info` returned and wrote.
 struct Answer {
   int result = 0;
   std::uint64_t number = 0;
@@ -21,7 +22,7 @@ struct Answer {
 using Show = std::string (*)(const Answer&);
 
 std::string text(const Answer& answer) {
-  return answer.pointer != nullptr ? utf8(static_cast<const char*>(answer.pointer)) : "none";
+  return answer.pointer ? utf8(static_cast<const char*>(answer.pointer)) : "none";
 }
 std::string block(const Answer& answer) { return fmt::format("{} bytes", answer.number); }
 std::string result(const Answer& answer) { return fmt::format("{}", answer.result); }
@@ -36,78 +37,50 @@ struct Property {
   Show show;
 };
 
-constexpr int kIcon = 0x411;
-constexpr int kValueOfName = 0x1100;
-
 constexpr Property kProperties[] = {
-    {0x1050, "name", text},        {0x1060, "version", text},
-    {0x1070, "build", text},       {0x1000, "description", text},
-    {0x1010, "category", text},    {0x1020, "tags", text},
-    {0x413, "unique id", text},    {0x414, "", text},
-    {kIcon, "icon", block},        {0x412, "design image", block},
-    {0x880, "board type", result}, {0x1200, "ports", result},
-    {0x1030, "device", handle},    {0x1040, "design", handle},
-    {0x350, "", result},           {0x410, "", result},
-    {0x415, "", result},           {0x700, "", result},
-    {0x750, "", result},           {0x760, "", result},
-    {0x800, "", result},           {0x870, "", result},
-    {0x890, "", result},           {0x900, "", number},
-    {0xa00, "", result},           {0xb00, "", result},
-    {0xc00, "", result},           {0xd00, "", result},
+    {VELMORA_INFO_NAME, "name", text},
+    {VELMORA_INFO_VERSION, "version", text},
+    {VELMORA_INFO_BUILD_VERSION, "build", text},
+    {VELMORA_INFO_DESCRIPTION, "description", text},
+    {VELMORA_INFO_CATEGORY, "category", text},
+    {VELMORA_INFO_TAGS, "tags", text},
+    {VELMORA_INFO_UNIQUE_ID, "unique id", text},
+    {VELMORA_INFO_RUNTIME_0414, "", text},
+    {VELMORA_INFO_ICON, "icon", block},
+    {VELMORA_INFO_DESIGN_IMAGE, "design image", block},
+    {VELMORA_INFO_BOARD_TYPE, "board type", result},
+    {VELMORA_INFO_PORTS, "ports", result},
+    {VELMORA_INFO_DEVICE, "device", handle},
+    {VELMORA_INFO_DESIGN, "design", handle},
+    {VELMORA_INFO_RUNTIME_0350, "", result},
+    {VELMORA_INFO_RUNTIME_0410, "", result},
+    {VELMORA_INFO_RUNTIME_0415, "", result},
+    {VELMORA_INFO_RUNTIME_0700, "", result},
+    {VELMORA_INFO_RUNTIME_0750, "", result},
+    {VELMORA_INFO_RUNTIME_0760, "", result},
+    {VELMORA_INFO_RUNTIME_0800, "", result},
+    {VELMORA_INFO_RUNTIME_0870, "", result},
+    {VELMORA_INFO_RUNTIME_0890, "", result},
+    {VELMORA_INFO_RUNTIME_0900, "", number},
+    {VELMORA_INFO_RUNTIME_0A00, "", result},
+    {VELMORA_INFO_RUNTIME_0B00, "", result},
+    {VELMORA_INFO_RUNTIME_0C00, "", result},
+    {VELMORA_INFO_RUNTIME_0D00, "", result},
 };
 
-/// What the applet is asked for, since it does not list its value names.
-constexpr const char* kValueNames[] = {"MONO8",
-                                       "MONO8_SIGNED",
-                                       "MONO10",
-                                       "MONO10_PACKED",
-                                       "MONO12",
-                                       "MONO12_PACKED",
-                                       "MONO14",
-                                       "MONO16",
-                                       "FG_COL24",
-                                       "FG_LEFT_ALIGNED",
-                                       "FG_RIGHT_ALIGNED",
-                                       "GreenFollowedByRed",
-                                       "GreenFollowedByBlue",
-                                       "RedFollowedByGreen",
-                                       "BlueFollowedByGreen",
-                                       "FG_CAMPORT",
-                                       "FG_GENERATOR",
-                                       "FG_ON",
-                                       "FG_OFF",
-                                       "FG_YES",
-                                       "FG_NO",
-                                       "FG_APPLY",
-                                       "ATM_GENERATOR",
-                                       "ATM_EXTERNAL",
-                                       "ATM_SOFTWARE",
-                                       "ATM_SYNCHRONIZED",
-                                       "TS_ACTIVE",
-                                       "TS_ASYNC_STOP",
-                                       "TS_SYNC_STOP",
-                                       "LOW_ACTIVE",
-                                       "HIGH_ACTIVE",
-                                       "IS_BUSY",
-                                       "IS_NOT_BUSY",
-                                       "PULSEGEN0",
-                                       "PULSEGEN1",
-                                       "GND",
-                                       "VCC",
-                                       "NOT_PULSEGEN0",
-                                       "NOT_PULSEGEN1",
-                                       "INPUT_BYPASS",
-                                       "NOT_INPUT_BYPASS",
-                                       "TRGINSRC_0",
-                                       "TRGINSRC_1",
-                                       "TRGINSRC_2",
-                                       "TRGINSRC_3",
-                                       "TRGINSRC_4",
-                                       "TRGINSRC_5",
-                                       "TRGINSRC_6",
-                                       "TRGINSRC_7"};
+constexpr int kPortMapping[] = {VELMORA_INFO_PORT_1210, VELMORA_INFO_PORT_1220,
+                                VELMORA_INFO_PORT_1230, VELMORA_INFO_PORT_1240,
+                                VELMORA_INFO_PORT_1250, VELMORA_INFO_PORT_1260};
 
-constexpr int kPortMapping[] = {0x1210, 0x1220, 0x1230, 0x1240, 0x1250, 0x1260};
+/// The value names, which the applet knows but does not list.
+constexpr const char* kValueNames =
+    "MONO8 MONO8_SIGNED MONO10 MONO10_PACKED MONO12 MONO12_PACKED MONO14 MONO16 FG_COL24 "
+    "FG_LEFT_ALIGNED FG_RIGHT_ALIGNED GreenFollowedByRed GreenFollowedByBlue "
+    "RedFollowedByGreen BlueFollowedByGreen FG_CAMPORT FG_GENERATOR FG_ON FG_OFF FG_YES "
+    "FG_NO FG_APPLY ATM_GENERATOR ATM_EXTERNAL ATM_SOFTWARE ATM_SYNCHRONIZED TS_ACTIVE "
+    "TS_ASYNC_STOP TS_SYNC_STOP LOW_ACTIVE HIGH_ACTIVE IS_BUSY IS_NOT_BUSY PULSEGEN0 "
+    "PULSEGEN1 GND VCC NOT_PULSEGEN0 NOT_PULSEGEN1 INPUT_BYPASS NOT_INPUT_BYPASS TRGINSRC_0 "
+    "TRGINSRC_1 TRGINSRC_2 TRGINSRC_3 TRGINSRC_4 TRGINSRC_5 TRGINSRC_6 TRGINSRC_7";
 
 Answer ask(const AppletLibrary& library, int property, int index = 0) {
   Answer answer;
@@ -144,8 +117,9 @@ void printPortMapping(const AppletLibrary& library) {
 void printValueNames(const AppletLibrary& library) {
   Table table;
   table.add({"value name", "number"});
-  for (const char* name : kValueNames) {
-    const int value = library.info(kValueOfName, 0, 0, const_cast<char*>(name), nullptr);
+  std::istringstream names(kValueNames);
+  for (std::string name; names >> name;) {
+    const int value = library.info(VELMORA_INFO_VALUE_OF_NAME, 0, 0, name.data(), nullptr);
     table.add({name, value < 0 ? codeText(value) : fmt::format("{}", value)});
   }
   table.print();
@@ -160,10 +134,9 @@ void showInfo(const AppletLibrary& library, const std::string& iconFile) {
   fmt::print("\n");
   printValueNames(library);
   if (iconFile.empty()) return;
-  const Answer icon = ask(library, kIcon);
-  if (icon.result < 0 || icon.pointer == nullptr) {
+  const Answer icon = ask(library, VELMORA_INFO_ICON);
+  if (icon.result < 0 || !icon.pointer)
     throw Failure(fmt::format("no icon: {}", codeText(icon.result)));
-  }
   writeFile(iconFile, {static_cast<const char*>(icon.pointer), icon.number});
 }
 

@@ -4,10 +4,10 @@
 #include <map>
 
 #include "tool/commands.h"
-#include "tool/description.h"
 #include "tool/error_text.h"
+#include "tool/parameter_description.h"
+#include "tool/parameter_values.h"
 #include "tool/text.h"
-#include "tool/values.h"
 
 namespace velmora::tool {
 namespace {

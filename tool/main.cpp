@@ -8,6 +8,7 @@
 #include <limits>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "tool/applet_library.h"
@@ -27,20 +28,14 @@ constexpr const char* kLogLevelVariable = "KORV_LOG_LEVEL";
 constexpr const char* kTraceGiven = "true";
 constexpr const char* kTraceAll = "all";
 
-struct Options {
+/// Options that every command takes.
+struct CommonOptions {
   std::string trace;
   std::string design;
   bool noDefaults = false;
   std::optional<int> logLevel;
   std::string configuration;
   std::vector<std::string> assignments;
-
-  // Of the commands.
-  std::optional<unsigned> port;
-  std::vector<std::string> names;
-  std::string name;
-  std::string file;
-  Acquisition acquisition;
 };
 
 /// What the chosen command does.
@@ -70,9 +65,7 @@ class CommandLine {
       printError("Run velmora --help for more information.");
       return 1;
     }
-    if (options_.logLevel) {
-      setenv(kLogLevelVariable, std::to_string(*options_.logLevel).c_str(), 1);
-    }
+    if (common_.logLevel) setenv(kLogLevelVariable, std::to_string(*common_.logLevel).c_str(), 1);
     try {
       const AppletLibrary library;
       command_(library);
@@ -84,7 +77,7 @@ class CommandLine {
     return 0;
   }
 
-  /// What stands where a command should, after a failed parse.
+  /// After a failed parse: the complaint about a word that stands in place of a command.
   std::optional<std::string> unknownCommand() const {
     const std::vector<std::string> rest = app_.remaining();
     if (!app_.get_subcommands().empty() || rest.empty() || rest.front().starts_with('-'))
@@ -95,31 +88,30 @@ class CommandLine {
   static void report(const std::string& message) { printError("velmora: " + message); }
 
  private:
-  /// A range that help texts do not spell out.
+  /// A range that is left out of the help text.
   template <class Number>
   static CLI::Validator range(Number least, Number most) {
     return CLI::Range(least, most).description("");
   }
 
   void addGlobalOptions() {
-    app_.add_flag("--trace", options_.trace,
+    app_.add_flag("--trace", common_.trace,
                   "Show the command's accesses to the board on standard\n"
                   "error; with --trace=all those of start-up and release too")
         ->check([](const std::string& value) {
           return value == kTraceGiven || value == kTraceAll ? "" : "takes no value but 'all'";
         });
-    app_.add_option("--board", options_.design, "Use an external design")
+    app_.add_option("--board", common_.design, "Use an external design")
         ->type_name("FILE")
         ->check(CLI::ExistingFile.description(""));
-    app_.add_flag("--no-defaults", options_.noDefaults,
+    app_.add_flag("--no-defaults", common_.noDefaults,
                   "Do not write the parameters' defaults at start-up");
-    app_.add_option("--log", options_.logLevel,
-                    "Show log messages from this level on, 0 (all) to 7")
+    app_.add_option("--log", common_.logLevel, "Show log messages from this level on, 0 (all) to 7")
         ->type_name("LEVEL")
         ->check(range(0, 7));
-    app_.add_option("--load", options_.configuration, "Load a configuration before the command")
+    app_.add_option("--load", common_.configuration, "Load a configuration before the command")
         ->type_name("FILE");
-    app_.add_option("--set", options_.assignments,
+    app_.add_option("--set", common_.assignments,
                     "Set a parameter before the command (several times: in\n"
                     "order), on the command's ports where none is given")
         ->type_name("NAME[@PORT]=VALUE")
@@ -137,52 +129,49 @@ class CommandLine {
   CLI::App* addBoardCommand(const char* name, const char* description,
                             std::function<void(Session&)> command) {
     const auto onBoard = [this, command = std::move(command)](const AppletLibrary& library) {
-      const Trace trace = options_.trace == "all"  ? Trace::kAll
-                          : options_.trace.empty() ? Trace::kNone
-                                                   : Trace::kCommand;
-      Session session(library, {trace, options_.design, !options_.noDefaults});
-      if (!options_.configuration.empty()) loadConfiguration(session, options_.configuration);
-      assignParameters(session, options_.assignments, portsInUse());
+      const Trace trace = common_.trace == "all"  ? Trace::kAll
+                          : common_.trace.empty() ? Trace::kNone
+                                                  : Trace::kCommand;
+      Session session(library, {trace, common_.design, !common_.noDefaults});
+      if (!common_.configuration.empty()) loadConfiguration(session, common_.configuration);
+      assignParameters(session, common_.assignments, portsInUse());
       command(session);
     };
     return addCommand(name, description, onBoard);
   }
 
   std::vector<unsigned> portsInUse() const {
-    if (!options_.acquisition.ports.empty()) return options_.acquisition.ports;
-    return {options_.port.value_or(0)};
+    if (!acquire_.ports.empty()) return acquire_.ports;
+    return {port_.value_or(0)};
   }
 
   void addPort(CLI::App* command, const char* description) {
-    command->add_option("--port", options_.port, description)
-        ->type_name("N")
-        ->check(range(0u, kPorts - 1));
+    command->add_option("--port", port_, description)->type_name("N")->check(range(0u, kPorts - 1));
   }
 
   void addInfo() {
     CLI::App* const info =
         addCommand("info", "Tell what the applet is; needs no board",
-                   [this](const AppletLibrary& library) { showInfo(library, options_.file); });
-    info->add_option("--icon", options_.file, "Write the applet's icon to a PNG file")
+                   [this](const AppletLibrary& library) { showInfo(library, info_.icon); });
+    info->add_option("--icon", info_.icon, "Write the applet's icon to a PNG file")
         ->type_name("FILE");
   }
 
   void addParameterCommands() {
     CLI::App* const list =
         addBoardCommand("list", "List all parameters with their values",
-                        [this](Session& session) { listParameters(session, options_.port); });
+                        [this](Session& session) { listParameters(session, port_); });
     addPort(list, "Only this port");
 
     addBoardCommand("get", "Read parameters",
-                    [this](Session& session) { getParameters(session, options_.names); })
-        ->add_option("names", options_.names, "Parameters; port 0 where no port is given")
+                    [this](Session& session) { getParameters(session, get_.names); })
+        ->add_option("names", get_.names, "Parameters; port 0 where no port is given")
         ->type_name("NAME[@PORT]")
         ->required();
 
-    addBoardCommand("set",
-                    "Set parameters in order, up to the first refusal, and show what they became",
-                    [this](Session& session) { setParameters(session, options_.names); })
-        ->add_option("assignments", options_.names,
+    addBoardCommand("set", "Set parameters in order until one is refused, and show the new values",
+                    [this](Session& session) { setParameters(session, set_.assignments); })
+        ->add_option("assignments", set_.assignments,
                      "Values are numbers (decimal or 0x) or value names such as FG_ON")
         ->type_name("NAME[@PORT]=VALUE")
         ->required();
@@ -192,19 +181,18 @@ class CommandLine {
     CLI::App* const describe = addBoardCommand(
         "describe", "Show the parameters of a port as a tree, or all about one parameter",
         [this](Session& session) {
-          if (options_.name.empty()) {
-            describePort(session, options_.port.value_or(0));
-          } else {
-            describeParameter(session, options_.name, options_.port);
-          }
+          if (describe_.name.empty())
+            describePort(session, port_.value_or(0));
+          else
+            describeParameter(session, describe_.name, port_);
         });
-    describe->add_option("name", options_.name, "Parameter")->type_name("NAME[@PORT]");
+    describe->add_option("name", describe_.name, "Parameter")->type_name("NAME[@PORT]");
     addPort(describe, "Port, 0 if not given");
 
     CLI::App* const xml = addBoardCommand(
         "xml", "Write the GenApi XML document of a port",
-        [this](Session& session) { writeXml(session, options_.port.value_or(0), options_.file); });
-    xml->add_option("-o,--output", options_.file, "File to write instead of standard output")
+        [this](Session& session) { writeXml(session, port_.value_or(0), xml_.file); });
+    xml->add_option("-o,--output", xml_.file, "File to write instead of standard output")
         ->type_name("FILE");
     addPort(xml, "Port, 0 if not given");
 
@@ -212,44 +200,58 @@ class CommandLine {
   }
 
   void addAcquire() {
-    Acquisition& acquisition = options_.acquisition;
-    acquisition.timeout = 5;
-    CLI::App* const acquire = addBoardCommand(
-        "acquire", "Acquire pictures and report the rate",
-        [this](Session& session) { acquirePictures(session, options_.acquisition); });
-    acquire->add_option("--port", acquisition.ports, "Ports to acquire on, all at the same time")
+    CLI::App* const acquire =
+        addBoardCommand("acquire", "Acquire pictures and report the rate",
+                        [this](Session& session) { acquirePictures(session, acquire_); });
+    acquire->add_option("--port", acquire_.ports, "Ports to acquire on, all at the same time")
         ->type_name("N")
         ->required()
         ->check(range(0u, kPorts - 1));
-    acquire->add_option("--count", acquisition.pictures, "Pictures to acquire on each port")
+    acquire->add_option("--count", acquire_.pictures, "Pictures to acquire on each port")
         ->type_name("N")
         ->required()
         ->check(range<std::int64_t>(1, std::numeric_limits<std::int64_t>::max()));
-    acquire->add_option("--timeout", acquisition.timeout, "Longest wait for a picture")
+    acquire->add_option("--timeout", acquire_.timeout, "Longest wait for a picture")
         ->type_name("SECONDS")
         ->check(range(0, std::numeric_limits<int>::max()))
         ->capture_default_str();
   }
 
   void addConfigurationCommands() {
-    const auto addFile = [this](CLI::App* command) {
-      command->add_option("file", options_.file, "Configuration file, with .mcf in its name")
-          ->required();
-    };
-    addFile(addBoardCommand("save", "Save the settings of all ports", [this](Session& session) {
-      saveConfiguration(session, options_.file);
-    }));
-    addFile(
-        addBoardCommand("load", "Load the settings of all ports; tells what a file lacks",
-                        [this](Session& session) { loadConfiguration(session, options_.file); }));
+    constexpr const char* kFile = "Configuration file, with .mcf in its name";
+    addBoardCommand("save", "Save the settings of all ports",
+                    [this](Session& session) { saveConfiguration(session, save_.file); })
+        ->add_option("file", save_.file, kFile)
+        ->required();
+    addBoardCommand("load", "Load the settings of all ports, or say what the file lacks",
+                    [this](Session& session) { loadConfiguration(session, load_.file); })
+        ->add_option("file", load_.file, kFile)
+        ->required();
   }
 
   CLI::App app_{
       "Opens the acquisition applet Velmora on a virtual board.\n"
-      "Options may stand before or after the command; each command has --help.\n"
-      "Exit status: 0, or 1 after an error, which is told on standard error.",
+      "Options may come before or after the command; every command has --help.\n"
+      "Exit status: 0, or 1 after an error, which is reported on standard error.",
       "velmora"};
-  Options options_;
+  CommonOptions common_;
+  std::optional<unsigned> port_;  ///< Of `list`, `describe` and `xml`.
+  struct {
+    std::string icon;
+  } info_;
+  struct {
+    std::vector<std::string> names;
+  } get_;
+  struct {
+    std::vector<std::string> assignments;
+  } set_;
+  struct {
+    std::string name;
+  } describe_;
+  struct {
+    std::string file;
+  } xml_, save_, load_;
+  Acquisition acquire_;
   Command command_;
 };
 

@@ -17,8 +17,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr int kLeaveDesign = 1;  // Flag bit of `Std_entry`: no defaults are written.
-
 // The applet loads a file of this name from the working directory when the variable exists.
 constexpr const char* kExternalDesignName = "Velmora.hap";
 constexpr const char* kExternalDesignVariable = "__KORV_FORCE_EXTERNAL_HAP";
@@ -27,9 +25,8 @@ class ScratchDirectory {
  public:
   ScratchDirectory() {
     std::string name = fs::temp_directory_path() / "velmora-XXXXXX";
-    if (mkdtemp(name.data()) == nullptr) {
+    if (!mkdtemp(name.data()))
       throw Failure(fmt::format("cannot create {}: {}", name, std::strerror(errno)));
-    }
     path_ = name;
   }
   ScratchDirectory(const ScratchDirectory&) = delete;
@@ -45,8 +42,8 @@ class ScratchDirectory {
   fs::path path_;
 };
 
-/// While it lives, the applet finds the design `file` where it looks for an external one: the
-/// working directory is another.
+/// While it lives, the working directory is one where the applet finds the design `file` as its
+/// external design.
 class ExternalDesign {
  public:
   explicit ExternalDesign(const std::string& file) : workingDirectory_(fs::current_path()) {
@@ -84,9 +81,9 @@ Session::Session(const AppletLibrary& library, const SessionOptions& options)
     std::optional<ExternalDesign> design;
     if (!options.design.empty()) design.emplace(options.design);
     grabber_.applet =
-        library_.stdEntry(device_.get(), &error, options.writeDefaults ? 0 : kLeaveDesign);
+        library_.stdEntry(device_.get(), &error, options.writeDefaults ? 0 : VELMORA_LEAVE_DESIGN);
   }
-  if (grabber_.applet == nullptr) {
+  if (!grabber_.applet) {
     const std::string where = options.design.empty() ? "" : " with the design " + options.design;
     throw Failure(fmt::format("the applet does not start{}: {}", where, codeText(error)));
   }

@@ -29,7 +29,7 @@ void printError(const std::string& line) { std::fputs((line + '\n').c_str(), std
 
 void writeFile(const std::string& file, std::string_view content) {
   std::FILE* const stream = std::fopen(file.c_str(), "wb");
-  bool written = stream != nullptr;
+  bool written = stream;
   if (written) {
     written = std::fwrite(content.data(), 1, content.size(), stream) == content.size();
     written = std::fclose(stream) == 0 && written;

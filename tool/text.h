@@ -1,8 +1,11 @@
-/// Text: encoding, tables, files.
+/// Text: encoding, numbers, tables, files.
 #pragma once
 
+#include <charconv>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace velmora::tool {
@@ -10,17 +13,26 @@ namespace velmora::tool {
 /// Single-byte (Latin-1) text of the applet's descriptions as UTF-8.
 std::string utf8(std::string_view latin1);
 
-/// Writes a line to standard error, as far as there is one. Any thread.
+/// The whole text as a number, if it is one. `base`, 10 if left out, is for integers only.
+template <class Number, class... Base>
+std::optional<Number> parseWhole(std::string_view text, Base... base) {
+  Number number{};
+  const char* const end = text.data() + text.size();
+  const auto result = std::from_chars(text.data(), end, number, base...);
+  return result.ec == std::errc{} && result.ptr == end ? std::optional(number) : std::nullopt;
+}
+
+/// Writes a line to standard error; without one, nothing happens. Any thread.
 void printError(const std::string& line);
 
-/// Writes `content` to a file as it stands; `Failure` when that does not work.
+/// Writes `content` to a file byte for byte; `Failure` when that does not work.
 void writeFile(const std::string& file, std::string_view content);
 
-/// Rows of cells; printing lines the columns up.
+/// Rows of cells, printed in aligned columns.
 class Table {
  public:
   void add(std::vector<std::string> cells) { rows_.push_back(std::move(cells)); }
-  /// Writes the table to standard output, each line with `indent` blanks first.
+  /// Writes the table to standard output, each line indented by `indent` blanks.
   void print(std::size_t indent = 0) const;
 
  private:

@@ -1,7 +1,6 @@
 /// Parameter description node, read directly by the runtime and its tools.
 #pragma once
 
-#include <stddef.h>
 #include <stdint.h>
 
 /// What a `RegisterInfo` describes; decides which member of its value area is meaningful.
@@ -91,37 +90,3 @@ struct RegisterInfo {
   char* unit;                 ///< Unit text; null when there is none.
   int32_t process;            ///< Process (camera port) the node belongs to.
 };
-
-#ifdef __cplusplus
-static_assert(sizeof(RegisterInfo) == 128);
-static_assert(offsetof(RegisterInfo, index) == 4);
-static_assert(offsetof(RegisterInfo, name) == 8);
-static_assert(offsetof(RegisterInfo, paramName) == 16);
-static_assert(offsetof(RegisterInfo, accessMode) == 24);
-static_assert(offsetof(RegisterInfo, qualifier) == 28);
-static_assert(offsetof(RegisterInfo, visible) == 32);
-static_assert(offsetof(RegisterInfo, id) == 36);
-static_assert(offsetof(RegisterInfo, value) == 40);
-static_assert(offsetof(RegisterInfo, value.group.children) == 48);
-static_assert(offsetof(RegisterInfo, value.group.nextChildIndex) == 56);
-static_assert(offsetof(RegisterInfo, value.uint32.max) == 44);
-static_assert(offsetof(RegisterInfo, value.uint32.inc) == 48);
-static_assert(offsetof(RegisterInfo, value.real.max) == 48);
-static_assert(offsetof(RegisterInfo, value.real.inc) == 56);
-static_assert(offsetof(RegisterInfo, value.enumeration.names) == 48);
-static_assert(offsetof(RegisterInfo, value.enumeration.values) == 56);
-static_assert(offsetof(RegisterInfo, value.enumeration.identifiers) == 72);
-static_assert(offsetof(RegisterInfo, value.string.value) == 48);
-static_assert(offsetof(RegisterInfo, value.uintField.max) == 44);
-static_assert(offsetof(RegisterInfo, value.uintField.count) == 48);
-static_assert(offsetof(RegisterInfo, value.uintField.zero) == 52);
-static_assert(offsetof(RegisterInfo, value.uintField.initial) == 56);
-static_assert(offsetof(RegisterInfo, value.realField.count) == 56);
-static_assert(offsetof(RegisterInfo, value.realField.initial) == 64);
-static_assert(offsetof(RegisterInfo, next) == 80);
-static_assert(offsetof(RegisterInfo, prev) == 88);
-static_assert(offsetof(RegisterInfo, level) == 96);
-static_assert(offsetof(RegisterInfo, parentName) == 104);
-static_assert(offsetof(RegisterInfo, unit) == 112);
-static_assert(offsetof(RegisterInfo, process) == 120);
-#endif

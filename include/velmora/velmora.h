@@ -20,9 +20,8 @@
 /// libraries around the applet throw nothing. Otherwise these leave an export:
 /// - `std::logic_error` out of a set or get that is called from within a set or get on the same
 ///   handle and thread (by a runtime that calls back);
-/// - `std::bad_alloc` and other errors of the standard library out of any export but `Std_entry`
-/// and
-///   `Info`; a set has then restored the stored setting and given the lock back;
+/// - `std::bad_alloc` and other errors of the standard library out of any export but `Info` and
+///   `Std_entry`; a set has then restored the stored setting and released the lock;
 /// - whatever a library around the applet throws. Integers become the code of a set or get of the
 ///   applet's own parameters, but leave the others unchanged: the pass-through of ids above 2000000
 ///   and of register ids, every string release, and the acquisition calls. From `Std_entry`
@@ -33,6 +32,7 @@
 #include <stdint.h>
 
 #include "velmora/handles.h"
+#include "velmora/info.h"
 #include "velmora/register_info.h"
 
 #ifdef __cplusplus
@@ -50,7 +50,7 @@ enum VelmoraStartFlag {
 /// @param device the host's board device; handed on, never looked into.
 /// @param error receives 0, -2031 (no usable runtime), -100 (no design) or the runtime's code; may
 ///        be null.
-/// @param flags handed to the runtime; `VELMORA_LEAVE_DESIGN` means the applet.
+/// @param flags handed to the runtime; the applet itself reads `VELMORA_LEAVE_DESIGN` only.
 /// @return the instance, to be stored as the first word of an `Fg_Struct` and released with
 ///         `Fg_FreeGrabber`; null on failure, with nothing left behind.
 void* Std_entry(KTdevice* device, int* error, int flags);
@@ -61,14 +61,13 @@ void* Std_entry(KTdevice* device, int* error, int flags);
 int Fg_FreeGrabber(Fg_Struct* fg);
 
 /// Answers a question about the applet itself; needs no instance.
-/// @param property what is asked: 0x1050 name, 0x1060 version, 0x1000 description, 0x1100 value of
-///        a value name, 0x411 icon, 0x412 design image, 0x1200 to 0x1260 port mapping and others.
-/// @param index process or DMA index of the mapping properties, 0 to 3.
+/// @param property a `VelmoraInfo`; `velmora/info.h` tells what each one answers.
+/// @param index port of the mapping properties, 0 to 3.
 /// @param sub second index of the mapping properties, 0.
-/// @param out receives numbers as unsigned 64-bit; for 0x1100 the input, a value name. May be null.
+/// @param out receives sizes and handles as unsigned 64-bit; holds the name for
+///        `VELMORA_INFO_VALUE_OF_NAME`. May be null.
 /// @param outPointer receives texts and blocks, which the library owns. May be null.
-/// @return the property's result; -2130 for an unknown property, -2070 for an unknown name or
-/// index.
+/// @return the property's result; -2130 for an unknown property; -2070 for an unknown name or port.
 int Info(int property, int index, int sub, void* out, void** outPointer);
 
 /// @name Acquisition, forwarded to the runtime's function of the same name
@@ -106,7 +105,7 @@ int Fg_setParameterWithType(Fg_Struct* fg, int id, const void* value, unsigned d
 /// @return 0; -2070 null value, unknown id or port; else the design's or runtime's code. Recorded.
 int Fg_getParameterWithType(Fg_Struct* fg, int id, void* value, unsigned dma, int type);
 
-/// Gives back a string of a type-22 get. `value` is the string itself. Any thread.
+/// Releases a string of a type-22 get. `value` is the string itself. Any thread.
 /// @return 0; -2078 for a type other than 22; -2070 for a string that is not handed out.
 int Fg_freeParameterStringWithType(Fg_Struct* fg, int id, void* value, unsigned dma, int type);
 
@@ -142,7 +141,8 @@ int Fg_loadConfig(Fg_Struct* fg, const char* file);
 ///        failure.
 /// @return 0; -500 buffer too small or null `size`; -2075 no such port. Recorded.
 int Fg_getParameterInfoXML(Fg_Struct* fg, int port, char* buffer, size_t* size);
-/// First root group of `port`'s description forest, owned by the instance; null for no such port.
+/// First root group of `port`'s description forest, owned by the instance; null when there is no
+/// such port.
 struct RegisterInfo* Fg_getParameterInfo(Fg_Struct* fg, int port);
 
 /// Mask of the event called `name`; 0 and -2070 recorded when there is none.

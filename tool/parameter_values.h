@@ -1,4 +1,4 @@
-/// Values of parameters: their kinds, how people write them and how they are shown.
+/// Values of parameters: their kinds, and how they are written and shown.
 #pragma once
 
 #include <cstdint>
@@ -20,13 +20,13 @@ struct ValueKind {
   int type;       ///< `FgParamTypes`.
 };
 
-/// The kind of the parameter `id` that a node describes. Without a node it is one that the runtime
-/// answers, but for the number of processes, which is the applet's own 32-bit answer.
+/// The kind of the parameter `id` that a node describes. A parameter without a node is answered by
+/// the runtime, except for the number of processes, which is the applet's own 32-bit answer.
 const ValueKind& valueKind(const RegisterInfo* node, int id);
 
-/// The bits of a value that a person wrote: a decimal or hexadecimal (0x) number, or a value name
-/// that the applet or, for an enumeration, the description knows. `Failure` when it is none or too
-/// wide; ranges are the applet's matter.
+/// The bits of a value as the user wrote it: a decimal or hexadecimal (0x) number, or a value name
+/// that the applet or, for an enumeration, the description knows. `Failure` when it is neither or
+/// too wide; the applet checks ranges.
 std::uint64_t parseValue(const AppletLibrary& library, const RegisterInfo* node,
                          const ValueKind& kind, const std::string& text);
 

@@ -22,7 +22,7 @@ struct Assignment {
   std::string value;
 };
 
-/// `Failure` when the text is not of the form, or for a port that does not exist.
+/// `Failure` when the text is malformed or the port does not exist.
 ParameterName parseParameterName(const std::string& text);
 Assignment parseAssignment(const std::string& text);
 
@@ -43,7 +43,7 @@ Parameter findParameter(Session& session, const std::string& name, unsigned port
 
 /// The current value as text; `Failure` with the applet's code.
 std::string readParameter(Session& session, const Parameter& parameter);
-/// Sets a value given as text; `Failure` with the applet's code, or when it is no value at all.
+/// Sets a value given as text; `Failure` with the applet's code, or when the text is no value.
 void writeParameter(Session& session, const Parameter& parameter, const std::string& value);
 
 /// The applet's text about a parameter, in UTF-8; empty when it has none.

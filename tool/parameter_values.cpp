@@ -1,15 +1,15 @@
-#include "tool/values.h"
+#include "tool/parameter_values.h"
 
 #include <fmt/format.h>
 
 #include <bit>
-#include <charconv>
 #include <cstdlib>
 #include <iterator>
 #include <optional>
 
 #include "tool/error_text.h"
 #include "tool/text.h"
+#include "velmora/info.h"
 #include "velmora/parameters.h"
 #include "velmora/values.h"
 
@@ -17,8 +17,6 @@ namespace velmora::tool {
 namespace {
 
 using Form = ValueKind::Form;
-
-constexpr int kValueOfName = 0x1100;  // Property of `Info`.
 
 constexpr ValueKind kKinds[] = {
     {REGISTER_INFO_UINT, "uint", Form::kUnsigned, 32, FG_PARAM_TYPE_INT32},
@@ -35,14 +33,6 @@ constexpr ValueKind kOtherKind{REGISTER_INFO_GROUP, "other", Form::kNone, 0, 0};
 constexpr ValueKind kForwarded{REGISTER_INFO_UINT64, "forwarded", Form::kUnsigned, 64,
                                FG_PARAM_TYPE_UINT64};
 
-template <class Number, class... Base>
-std::optional<Number> wholeText(std::string_view text, Base... base) {
-  Number number{};
-  const char* const end = text.data() + text.size();
-  const auto result = std::from_chars(text.data(), end, number, base...);
-  return result.ec == std::errc{} && result.ptr == end ? std::optional(number) : std::nullopt;
-}
-
 std::uint64_t lowBits(std::uint64_t value, unsigned bits) {
   return bits < 64 ? value & ((std::uint64_t{1} << bits) - 1) : value;
 }
@@ -57,16 +47,17 @@ std::optional<Integer> parseInteger(std::string_view text) {
   if (negative) text.remove_prefix(1);
   const bool hexadecimal = text.starts_with("0x") || text.starts_with("0X");
   if (hexadecimal) text.remove_prefix(2);
-  const auto magnitude = wholeText<std::uint64_t>(text, hexadecimal ? 16 : 10);
+  const auto magnitude = parseWhole<std::uint64_t>(text, hexadecimal ? 16 : 10);
   if (!magnitude) return std::nullopt;
   return Integer{*magnitude, negative};
 }
 
 std::optional<int> namedValue(const AppletLibrary& library, const RegisterInfo* node,
                               const std::string& name) {
-  const int value = library.info(kValueOfName, 0, 0, const_cast<char*>(name.c_str()), nullptr);
+  const int value =
+      library.info(VELMORA_INFO_VALUE_OF_NAME, 0, 0, const_cast<char*>(name.c_str()), nullptr);
   if (value >= 0) return value;
-  if (node == nullptr || node->kind != REGISTER_INFO_ENUM) return std::nullopt;
+  if (!node || node->kind != REGISTER_INFO_ENUM) return std::nullopt;
   const auto& entries = node->value.enumeration;
   for (std::uint32_t i = 0; i < entries.entryCount; ++i)
     if (entryName(*node, i) == name) return entries.values[i];
@@ -87,7 +78,7 @@ std::uint64_t integerBits(const Integer& integer, unsigned bits, const std::stri
 }  // namespace
 
 const ValueKind& valueKind(const RegisterInfo* node, int id) {
-  if (node == nullptr) return id == FG_NR_OF_PROCESSES ? kKinds[0] : kForwarded;
+  if (!node) return id == FG_NR_OF_PROCESSES ? kKinds[0] : kForwarded;
   for (const ValueKind& known : kKinds)
     if (known.kind == node->kind) return known;
   return kOtherKind;
@@ -96,16 +87,14 @@ const ValueKind& valueKind(const RegisterInfo* node, int id) {
 std::uint64_t parseValue(const AppletLibrary& library, const RegisterInfo* node,
                          const ValueKind& kind, const std::string& text) {
   const bool real = kind.form == Form::kReal;
-  if (real) {
-    if (const auto number = wholeText<double>(text)) return realBits(*number);
-  }
+  if (real)
+    if (const auto number = parseWhole<double>(text)) return realBits(*number);
   auto integer = parseInteger(text);
   if (!integer) {
     const auto value = namedValue(library, node, text);
-    if (!value) {
+    if (!value)
       throw Failure(fmt::format("'{}' is neither {} nor a value name", text,
                                 real ? "a number" : "a whole number"));
-    }
     integer = Integer{static_cast<std::uint64_t>(std::abs(std::int64_t{*value})), *value < 0};
   }
   if (!real) return integerBits(*integer, kind.bits, text);
@@ -128,7 +117,7 @@ std::string showValue(const RegisterInfo* node, const ValueKind& kind, std::uint
 
 std::string entryName(const RegisterInfo& enumeration, std::uint32_t entry) {
   const char* const identifier = enumeration.value.enumeration.identifiers[entry];
-  return utf8(identifier != nullptr ? identifier : enumeration.value.enumeration.names[entry]);
+  return utf8(identifier ? identifier : enumeration.value.enumeration.names[entry]);
 }
 
 }  // namespace velmora::tool

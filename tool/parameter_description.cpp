@@ -1,4 +1,4 @@
-#include "tool/description.h"
+#include "tool/parameter_description.h"
 
 #include <fmt/format.h>
 
@@ -14,7 +14,7 @@ namespace {
 template <class Range>
 std::string range(const Range& limits, const std::string& unit) {
   if (limits.min == 0 && limits.max == 0 && limits.inc == 0) return unit;
-  // The spacing of doubles as a step says that any value will do.
+  // A step of one epsilon means that any value will do.
   const bool any = static_cast<double>(limits.inc) <= std::numeric_limits<double>::epsilon();
   return fmt::format("{} to {}{}{}{}", limits.min, limits.max, unit.empty() ? "" : " ", unit,
                      any ? "" : fmt::format(", step {}", limits.inc));
@@ -25,9 +25,8 @@ void collect(const RegisterInfo& node, unsigned level, const std::string& group,
   nodes.push_back({&node, level, group});
   if (!isGroup(node)) return;
   const std::string path = group.empty() ? utf8(node.name) : group + " / " + utf8(node.name);
-  for (std::uint32_t i = 0; i < node.value.group.childCount; ++i) {
+  for (std::uint32_t i = 0; i < node.value.group.childCount; ++i)
     collect(*node.value.group.children[i], level + 1, path, nodes);
-  }
 }
 
 }  // namespace
@@ -36,11 +35,10 @@ std::vector<DescribedNode> describedNodes(Session& session, unsigned port) {
   std::vector<const RegisterInfo*> roots;
   for (const RegisterInfo* root =
            session.library().description(session.grabber(), static_cast<int>(port));
-       root != nullptr; root = root->next) {
+       root; root = root->next)
     roots.push_back(root);
-  }
   if (roots.empty()) throw Failure(fmt::format("the applet does not describe port {}", port));
-  // The list of roots begins with the latest.
+  // The list of roots begins with the newest.
   std::reverse(roots.begin(), roots.end());
   std::vector<DescribedNode> nodes;
   for (const RegisterInfo* root : roots) collect(*root, 0, {}, nodes);
@@ -62,7 +60,7 @@ std::string accessText(const RegisterInfo& node) {
 }
 
 std::string rangeText(const RegisterInfo& node) {
-  std::string unit = node.unit != nullptr ? utf8(node.unit) : std::string();
+  std::string unit = node.unit ? utf8(node.unit) : "";
   switch (node.kind) {
     case REGISTER_INFO_UINT:
       return range(node.value.uint32, unit);

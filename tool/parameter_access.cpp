@@ -1,16 +1,15 @@
-#include "tool/parameters.h"
+#include "tool/parameter_access.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <charconv>
 #include <cstring>
 #include <vector>
 
-#include "tool/description.h"
 #include "tool/error_text.h"
+#include "tool/parameter_description.h"
+#include "tool/parameter_values.h"
 #include "tool/text.h"
-#include "tool/values.h"
 #include "velmora/parameters.h"
 #include "velmora/values.h"
 
@@ -31,9 +30,9 @@ const ValueKind& singleValueKind(const Parameter& parameter) {
   return kind;
 }
 
-/// Takes over a string that a type-22 get handed out.
+/// Copies and releases a string that a type-22 get handed out.
 std::string takeString(Session& session, const Parameter& parameter, int id, char* text) {
-  if (text == nullptr) return {};
+  if (!text) return {};
   std::string copy = utf8(text);
   const int code = session.library().freeString(session.grabber(), id, text, parameter.port,
                                                 FG_PARAM_TYPE_STRING);
@@ -48,21 +47,16 @@ ParameterName parseParameterName(const std::string& text) {
   ParameterName parsed{text.substr(0, at), std::nullopt};
   if (parsed.name.empty()) throw Failure(fmt::format("'{}' names no parameter", text));
   if (at == std::string::npos) return parsed;
-  unsigned port = 0;
-  const char* const end = text.data() + text.size();
-  const auto result = std::from_chars(text.data() + at + 1, end, port);
-  if (result.ec != std::errc{} || result.ptr != end || port >= kPorts) {
+  parsed.port = parseWhole<unsigned>(text.substr(at + 1));
+  if (!parsed.port || *parsed.port >= kPorts)
     throw Failure(fmt::format("{}: no such port; ports are 0 to {}", text, kPorts - 1));
-  }
-  parsed.port = port;
   return parsed;
 }
 
 Assignment parseAssignment(const std::string& text) {
   const auto equals = text.find('=');
-  if (equals == std::string::npos || equals + 1 == text.size()) {
+  if (equals == std::string::npos || equals + 1 == text.size())
     throw Failure(fmt::format("'{}' is not of the form NAME[@PORT]=VALUE", text));
-  }
   return {parseParameterName(text.substr(0, equals)), text.substr(equals + 1)};
 }
 

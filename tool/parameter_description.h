@@ -27,8 +27,8 @@ bool isGroup(const RegisterInfo& node);
 /// "read", "read/write" or "write".
 std::string accessText(const RegisterInfo& node);
 
-/// The values that a parameter takes as of now, with the unit in UTF-8: "8 to 8192 pixel, step 4";
-/// empty where nothing is told. Entries of enumerations are left to the caller.
+/// The values that a parameter takes at the moment, with the unit in UTF-8: "8 to 8192 pixel, step
+/// 4"; empty where the description has none. Entries of enumerations are left to the caller.
 std::string rangeText(const RegisterInfo& node);
 
 }  // namespace velmora::tool
