@@ -21,7 +21,7 @@ namespace fixture {
 /// `Std_entry` flag: the design keeps what it has.
 inline constexpr int kNoDefaults = VELMORA_LEAVE_DESIGN;
 
-inline constexpr unsigned kPorts = 4;
+inline constexpr unsigned kPorts = VELMORA_PORTS;
 
 /// Owns a device and, if `Std_entry` succeeds, an applet on it. The journal runs from construction
 /// on and holds start-up until it is taken. Ends with no faults, no journal and everything

@@ -8,7 +8,7 @@
 
 namespace velmora::tool {
 
-inline constexpr unsigned kPorts = 4;
+inline constexpr unsigned kPorts = VELMORA_PORTS;
 
 /// NAME or NAME@PORT.
 struct ParameterName {
