@@ -38,8 +38,6 @@ struct Property {
   const char* text = nullptr;
 };
 
-constexpr int kPortCount = kProcesses;
-
 constexpr Property kProperties[] = {
     {VELMORA_INFO_ICON, kIcon},
     {VELMORA_INFO_DESIGN_IMAGE, kDesignImage},
@@ -57,7 +55,7 @@ constexpr Property kProperties[] = {
     {VELMORA_INFO_VERSION, kText, 0, "2.1.2.3"},
     {VELMORA_INFO_BUILD_VERSION, kText, 0, "2.1.2.3.20190221.013019"},
     {VELMORA_INFO_VALUE_OF_NAME, kValueOfName},
-    {VELMORA_INFO_PORTS, kResult, kPortCount},
+    {VELMORA_INFO_PORTS, kResult, VELMORA_PORTS},
     {VELMORA_INFO_PORT_1210, kPerPort, 1},
     {VELMORA_INFO_PORT_1220, kPerPort, 1},
     {VELMORA_INFO_PORT_1230, kSamePort},
@@ -112,7 +110,7 @@ int valueOf(std::string_view name) {
 }
 
 int answer(const Property& property, int index, int sub, const Output& output) {
-  const bool isPort = index >= 0 && index < kPortCount;
+  const bool isPort = index >= 0 && index < VELMORA_PORTS;
   switch (property.kind) {
     case kResult:
       return property.result;

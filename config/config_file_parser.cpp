@@ -113,7 +113,7 @@ Fg_ConfigFileParser::~Fg_ConfigFileParser() {
 
 bool Fg_ConfigFileParser::checkFileType(const char* name) const {
   trace("Fg_ConfigFileParser::checkFileType");
-  if (name == nullptr) return false;
+  if (!name) return false;
   const bool accepted = contains(name, kFileType);
   trace(accepted ? "File type ok" : "File type not ok");
   return accepted;
@@ -121,32 +121,32 @@ bool Fg_ConfigFileParser::checkFileType(const char* name) const {
 
 bool Fg_ConfigFileParser::checkFileExist(const char* name) const {
   trace("Fg_ConfigFileParser::checkFileExist");
-  const bool exists = name != nullptr && File(openFile(name, "r")) != nullptr;
-  if (log_ != nullptr) log_->Info(exists ? "Config File exist" : "Config File don't exist");
+  const bool exists = name && File(openFile(name, "r"));
+  if (log_) log_->Info(exists ? "Config File exist" : "Config File don't exist");
   return exists;
 }
 
 bool Fg_ConfigFileParser::setSaveFile(const char* name) {
   trace("Fg_ConfigFileParser::setSaveFile");
   if (!checkFileType(name)) {
-    if (log_ != nullptr) log_->Error("Config File is Invalid");
+    if (log_) log_->Error("Config File is Invalid");
     return false;
   }
   file_.reset(openFile(name, "w"));
   linesFixed_ = false;
   writeFailed_ = false;
-  if (file_ == nullptr) {
-    if (log_ != nullptr) log_->Error("Config File: fopen failed");
+  if (!file_) {
+    if (log_) log_->Error("Config File: fopen failed");
     return false;
   }
-  if (log_ != nullptr) log_->Info("Config File is valid");
+  if (log_) log_->Info("Config File is valid");
   return true;
 }
 
 bool Fg_ConfigFileParser::close() {
   linesFixed_ = false;
   const bool written = !std::exchange(writeFailed_, false);
-  return (file_ == nullptr || std::fclose(file_.release()) == 0) && written;
+  return (!file_ || std::fclose(file_.release()) == 0) && written;
 }
 
 void Fg_ConfigFileParser::writeConfigFileHeader() {
@@ -174,12 +174,12 @@ void Fg_ConfigFileParser::writeConfigFileIntKey(const char* key, int value) {
   writeConfigFileValue(key, numberText("%d", value).data());
 }
 
-void Fg_ConfigFileParser::writeConfigFileUInt64Key(const char* key, uint64_t value) {
+void Fg_ConfigFileParser::writeConfigFileUInt64Key(const char* key, std::uint64_t value) {
   trace("Fg_ConfigFileParser::writeConfigFileUInt64Key");
   writeConfigFileValue(key, numberText("%" PRIu64, value).data());
 }
 
-void Fg_ConfigFileParser::writeConfigFileInt64Key(const char* key, int64_t value) {
+void Fg_ConfigFileParser::writeConfigFileInt64Key(const char* key, std::int64_t value) {
   trace("Fg_ConfigFileParser::writeConfigFileUInt64Key");  // Named as hosts know it.
   writeConfigFileValue(key, numberText("%" PRIi64, value).data());
 }
@@ -197,7 +197,7 @@ std::string Fg_ConfigFileParser::getPortString(int port) {
 
 int Fg_ConfigFileParser::parseKey(const char* sectionMarker, const char* key, char* value) {
   trace("Fg_ConfigFileParser::parseKey");
-  if (sectionMarker == nullptr || key == nullptr) return notFound(value);
+  if (!sectionMarker || !key) return notFound(value);
   readLines();
   const std::size_t found = findKey(key, endOfSectionLine(sectionMarker));
   if (found == std::string::npos) return notFound(value);
@@ -208,7 +208,7 @@ int Fg_ConfigFileParser::parseKey(const char* sectionMarker, const char* key, ch
 
 int Fg_ConfigFileParser::parseKeyFromLine(const char* key, char* value) {
   trace("Fg_ConfigFileParser::parseKeyFromLine");
-  if (key == nullptr) return notFound(value);
+  if (!key) return notFound(value);
   readLines();
   const std::size_t found = lines_.find(key, 1);
   if (found == std::string::npos) return notFound(value);
@@ -225,12 +225,13 @@ int Fg_ConfigFileParser::parseIntKey(const char* sectionMarker, const char* key,
 }
 
 int Fg_ConfigFileParser::parseUInt64Key(const char* sectionMarker, const char* key,
-                                        uint64_t* value) {
+                                        std::uint64_t* value) {
   trace("Fg_ConfigFileParser::parseIntKey");  // Named as hosts know it.
   return parseNumber(sectionMarker, key, value, &Fg_ConfigFileParser::getUInt64Value);
 }
 
-int Fg_ConfigFileParser::parseInt64Key(const char* sectionMarker, const char* key, int64_t* value) {
+int Fg_ConfigFileParser::parseInt64Key(const char* sectionMarker, const char* key,
+                                       std::int64_t* value) {
   trace("Fg_ConfigFileParser::parseIntKey");  // Named as hosts know it.
   return parseNumber(sectionMarker, key, value, &Fg_ConfigFileParser::getInt64Value);
 }
@@ -249,11 +250,11 @@ int Fg_ConfigFileParser::parseIntKeySection(int port, const char* key, int* valu
   return parseInSection(port, key, value, &Fg_ConfigFileParser::parseIntKey);
 }
 
-int Fg_ConfigFileParser::parseUInt64KeySection(int port, const char* key, uint64_t* value) {
+int Fg_ConfigFileParser::parseUInt64KeySection(int port, const char* key, std::uint64_t* value) {
   return parseInSection(port, key, value, &Fg_ConfigFileParser::parseUInt64Key);
 }
 
-int Fg_ConfigFileParser::parseInt64KeySection(int port, const char* key, int64_t* value) {
+int Fg_ConfigFileParser::parseInt64KeySection(int port, const char* key, std::int64_t* value) {
   return parseInSection(port, key, value, &Fg_ConfigFileParser::parseInt64Key);
 }
 
@@ -271,13 +272,13 @@ int Fg_ConfigFileParser::getIntValue(const char* text, int* value) const {
   return VELMORA_OK;
 }
 
-int Fg_ConfigFileParser::getUInt64Value(const char* text, uint64_t* value) const {
+int Fg_ConfigFileParser::getUInt64Value(const char* text, std::uint64_t* value) const {
   trace("Fg_ConfigFileParser::getIntValue");  // Named as hosts know it.
   std::sscanf(text, "%" SCNu64, value);
   return VELMORA_OK;
 }
 
-int Fg_ConfigFileParser::getInt64Value(const char* text, int64_t* value) const {
+int Fg_ConfigFileParser::getInt64Value(const char* text, std::int64_t* value) const {
   trace("Fg_ConfigFileParser::getIntValue");  // Named as hosts know it.
   std::sscanf(text, "%" SCNi64, value);
   return VELMORA_OK;
@@ -290,11 +291,11 @@ int Fg_ConfigFileParser::getDoubleValue(const char* text, double* value) const {
 }
 
 void Fg_ConfigFileParser::trace(const char* text) const {
-  if (log_ != nullptr) log_->Func(text);
+  if (log_) log_->Func(text);
 }
 
 void Fg_ConfigFileParser::write(std::initializer_list<std::string_view> pieces) {
-  if (file_ == nullptr) return;
+  if (!file_) return;
   std::fseek(file_.get(), 0, SEEK_CUR);  // Needed between a read and a write of an update.
   for (const std::string_view piece : pieces) {
     if (std::fwrite(piece.data(), 1, piece.size(), file_.get()) != piece.size()) {
@@ -306,7 +307,7 @@ void Fg_ConfigFileParser::write(std::initializer_list<std::string_view> pieces) 
 
 void Fg_ConfigFileParser::writeLine(const char* key, const char* opening, const char* value,
                                     const char* closing) {
-  if (key != nullptr && value != nullptr) write({key, opening, value, closing});
+  if (key && value) write({key, opening, value, closing});
 }
 
 void Fg_ConfigFileParser::readLines() {
@@ -314,7 +315,7 @@ void Fg_ConfigFileParser::readLines() {
   lines_.clear();
   keyLines_.clear();
   sectionLineEnd_.reset();
-  if (file_ == nullptr) return;
+  if (!file_) return;
   const std::string content = contentOf(file_.get());
   for (std::string_view rest = content; !rest.empty();) {
     std::string_view line = takeLine(rest);
@@ -349,7 +350,7 @@ void Fg_ConfigFileParser::goOnAfter(std::size_t position, int linesMore) {
   const auto begin = lines_.begin();
   auto count = std::count(begin, begin + static_cast<std::ptrdiff_t>(position), '\0') + linesMore;
   std::rewind(file_.get());
-  for (Text line; count > 0 && std::fgets(line.data(), kTextSize, file_.get()) != nullptr;) --count;
+  for (Text line; count > 0 && std::fgets(line.data(), kTextSize, file_.get());) --count;
 }
 
 int Fg_ConfigFileParser::notFound(char* value) {
@@ -369,7 +370,7 @@ int Fg_ConfigFileParser::parseNumber(const char* sectionMarker, const char* key,
 template <class Value>
 int Fg_ConfigFileParser::parseInSection(int port, const char* key, Value* value,
                                         Reader<Value> read) {
-  if (key == nullptr) return VELMORA_NOTHING_FOUND;
+  if (!key) return VELMORA_NOTHING_FOUND;
   return (this->*read)(getPortString(port).c_str(), key, value);
 }
 

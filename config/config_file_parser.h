@@ -72,8 +72,8 @@ class Fg_ConfigFileParser {
   /// decimal separator of the process's locale.
   void writeConfigFileValue(const char* key, const char* value);
   void writeConfigFileIntKey(const char* key, int value);
-  void writeConfigFileUInt64Key(const char* key, uint64_t value);
-  void writeConfigFileInt64Key(const char* key, int64_t value);
+  void writeConfigFileUInt64Key(const char* key, std::uint64_t value);
+  void writeConfigFileInt64Key(const char* key, std::int64_t value);
   void writeConfigFileDoubleKey(const char* key, double value);
   /// @}
 
@@ -98,8 +98,8 @@ class Fg_ConfigFileParser {
   /// @return 0; -1 when nothing is found or the text contains "Error", with the value unchanged.
   /// @{
   int parseIntKey(const char* sectionMarker, const char* key, int* value);
-  int parseUInt64Key(const char* sectionMarker, const char* key, uint64_t* value);
-  int parseInt64Key(const char* sectionMarker, const char* key, int64_t* value);
+  int parseUInt64Key(const char* sectionMarker, const char* key, std::uint64_t* value);
+  int parseInt64Key(const char* sectionMarker, const char* key, std::int64_t* value);
   int parseDoubleKey(const char* sectionMarker, const char* key, double* value);
   /// Looks from the header on. A header line with a carriage return is not recognised.
   int parseIntKeyFromHeader(const char* key, int* value);
@@ -109,8 +109,8 @@ class Fg_ConfigFileParser {
   /// @return as the reader of the same type above; -1 when the key is null.
   /// @{
   int parseIntKeySection(int port, const char* key, int* value);
-  int parseUInt64KeySection(int port, const char* key, uint64_t* value);
-  int parseInt64KeySection(int port, const char* key, int64_t* value);
+  int parseUInt64KeySection(int port, const char* key, std::uint64_t* value);
+  int parseInt64KeySection(int port, const char* key, std::int64_t* value);
   int parseDoubleKeySection(int port, const char* key, double* value);
   int parseKeySection(int port, const char* key, char* value);
   /// @}
@@ -122,8 +122,8 @@ class Fg_ConfigFileParser {
   /// a double is that of the process's locale. The result is always 0.
   /// @{
   int getIntValue(const char* text, int* value) const;
-  int getUInt64Value(const char* text, uint64_t* value) const;
-  int getInt64Value(const char* text, int64_t* value) const;
+  int getUInt64Value(const char* text, std::uint64_t* value) const;
+  int getInt64Value(const char* text, std::int64_t* value) const;
   int getDoubleValue(const char* text, double* value) const;
   /// @}
 

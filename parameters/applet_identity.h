@@ -17,6 +17,6 @@ inline constexpr int kBoardType = 3652;
 inline constexpr std::uint32_t kAppletVersion = 2;
 inline constexpr std::uint32_t kAppletRevision = 1;
 inline constexpr std::uint32_t kAppletId = 0;
-inline constexpr std::uint32_t kProcesses = VELMORA_PORTS;
+inline constexpr std::uint32_t kPorts = VELMORA_PORTS;
 
 }  // namespace velmora

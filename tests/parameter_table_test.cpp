@@ -1,11 +1,12 @@
 /// The table of parameters by itself: that ids and names lead to its rows, and nothing else does.
 #include "parameters/table/parameter_table.h"
-#include "velmora/parameters.h"
 
 #include <gtest/gtest.h>
 
 #include <climits>
 #include <set>
+
+#include "velmora/parameters.h"
 
 namespace velmora {
 namespace {

@@ -14,7 +14,7 @@
 
 #include "support/logging.h"
 #include "tests/fakes/allocation_hook.h"
-#include "tests/fakes/logging_dispatcher.h"
+#include "tests/fakes/fake_dispatcher.h"
 #include "tests/other_thread.h"
 
 namespace {

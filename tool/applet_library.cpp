@@ -3,7 +3,7 @@
 #include <dlfcn.h>
 #include <fmt/format.h>
 
-#include "tool/error_text.h"
+#include "tool/code_text.h"
 
 namespace velmora::tool {
 namespace {

@@ -11,8 +11,8 @@
 #include <mutex>
 #include <thread>
 
+#include "tool/code_text.h"
 #include "tool/commands.h"
-#include "tool/error_text.h"
 
 namespace velmora::tool {
 namespace {

@@ -8,8 +8,8 @@
 #include <string_view>
 
 #include "config/config_file_parser.h"
+#include "tool/code_text.h"
 #include "tool/commands.h"
-#include "tool/error_text.h"
 #include "tool/parameter_description.h"
 #include "velmora/info.h"
 #include "velmora/parameters.h"

@@ -3,8 +3,8 @@
 
 #include <cstdio>
 
+#include "tool/code_text.h"
 #include "tool/commands.h"
-#include "tool/error_text.h"
 #include "tool/parameter_description.h"
 #include "tool/parameter_values.h"
 #include "tool/text.h"

@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <sstream>
 
+#include "tool/code_text.h"
 #include "tool/commands.h"
-#include "tool/error_text.h"
 #include "tool/text.h"
 #include "velmora/info.h"
 

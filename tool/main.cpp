@@ -12,8 +12,8 @@
 #include <vector>
 
 #include "tool/applet_library.h"
+#include "tool/code_text.h"
 #include "tool/commands.h"
-#include "tool/error_text.h"
 #include "tool/session.h"
 #include "tool/text.h"
 

@@ -6,7 +6,7 @@
 #include <cstring>
 #include <vector>
 
-#include "tool/error_text.h"
+#include "tool/code_text.h"
 #include "tool/parameter_description.h"
 #include "tool/parameter_values.h"
 #include "tool/text.h"

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <limits>
 
-#include "tool/error_text.h"
+#include "tool/code_text.h"
 #include "tool/text.h"
 
 namespace velmora::tool {

@@ -7,7 +7,7 @@
 #include <iterator>
 #include <optional>
 
-#include "tool/error_text.h"
+#include "tool/code_text.h"
 #include "tool/text.h"
 #include "velmora/info.h"
 #include "velmora/parameters.h"

@@ -9,7 +9,7 @@
 #include <optional>
 
 #include "board/virtual_board.h"
-#include "tool/error_text.h"
+#include "tool/code_text.h"
 #include "tool/text.h"
 
 namespace velmora::tool {

@@ -7,7 +7,7 @@
 #include <cstdio>
 #include <cstring>
 
-#include "tool/error_text.h"
+#include "tool/code_text.h"
 
 namespace velmora::tool {
 

@@ -8,7 +8,7 @@
 
 namespace velmora {
 
-int FgKtWrapper::Fg_getParameterInfoXML(Fg_Struct*, int port, char* buffer, size_t* size) {
+int FgKtWrapper::Fg_getParameterInfoXML(Fg_Struct*, int port, char* buffer, std::size_t* size) {
   if (!size || (buffer && *size == 0)) return fgError().setErr(VELMORA_BUFFER_TOO_SMALL);
   if (!Fg_getParameterInfo(port)) return fgError().setErr(VELMORA_NO_DESCRIPTION);
 

@@ -181,18 +181,18 @@ RegisterInfo* FgKtWrapper::Fg_getParameterInfo(int port) const {
   return private_->registry.getRegisterInfo(port);
 }
 
-uint64_t FgKtWrapper::Fg_getEventMask(const char* name) {
+std::uint64_t FgKtWrapper::Fg_getEventMask(const char* name) {
   if (!name) return 0;
   for (int i = 0; i < kMaskedEvents; ++i) {
     const HapEvent* event = HapGetEvent(designHandle(), i);
-    if (event && event->name && std::strcmp(event->name, name) == 0) return uint64_t{1} << i;
+    if (event && event->name && std::strcmp(event->name, name) == 0) return std::uint64_t{1} << i;
   }
   return 0;
 }
 
-const char* FgKtWrapper::Fg_getEventName(uint64_t mask) {
+const char* FgKtWrapper::Fg_getEventName(std::uint64_t mask) {
   for (int i = 0; i < kMaskedEvents; ++i) {
-    if (mask != uint64_t{1} << i) continue;
+    if (mask != std::uint64_t{1} << i) continue;
     const HapEvent* event = HapGetEvent(designHandle(), i);
     return event ? event->name : nullptr;
   }

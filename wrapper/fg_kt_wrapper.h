@@ -59,7 +59,7 @@ class FgKtWrapper {
   /// -5000; both failures record -5000.
   virtual int Fg_loadConfig(Fg_Struct* fg, const char* file);
   /// Copies a port's GenApi document into the caller's buffer, or tells its size.
-  virtual int Fg_getParameterInfoXML(Fg_Struct* fg, int port, char* buffer, size_t* size);
+  virtual int Fg_getParameterInfoXML(Fg_Struct* fg, int port, char* buffer, std::size_t* size);
   virtual ShadingMaster* Fg_AllocShading(int, int) { return nullptr; }
   virtual int Fg_FreeShading(ShadingMaster*) { return VELMORA_NOT_SUPPORTED; }
   virtual int Shad_SetSubValueLine(ShadingMaster*, int, int, float) {
@@ -76,9 +76,9 @@ class FgKtWrapper {
   virtual int Shad_FreeAccess(ShadingMaster*) { return VELMORA_NOT_SUPPORTED; }
   virtual int Shad_WriteActLine(ShadingMaster*, int) { return VELMORA_NOT_SUPPORTED; }
   /// Mask of the design's event with this name, 0 when there is none.
-  virtual uint64_t Fg_getEventMask(const char* name);
+  virtual std::uint64_t Fg_getEventMask(const char* name);
   /// Name of the design's event with exactly this mask, null when there is none.
-  virtual const char* Fg_getEventName(uint64_t mask);
+  virtual const char* Fg_getEventName(std::uint64_t mask);
   virtual const char* getVendorName() = 0;
   virtual const char* getAppletName() = 0;
   virtual const char* getAppletVersion() = 0;

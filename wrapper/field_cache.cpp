@@ -8,26 +8,26 @@ namespace {
 /// Where a record's first value lies in the cache; null without a cache or a record.
 template <class Record>
 std::byte* findElement(void* cache, const Record* record, std::size_t width) {
-  if (cache == nullptr || record == nullptr) return nullptr;
+  if (!cache || !record) return nullptr;
   return static_cast<std::byte*>(cache) + record->index * width;
 }
 
 template <class Record>
 void storeValue(void* cache, const Record* record) {
   std::byte* const element = findElement(cache, record, sizeof(Record::value));
-  if (element != nullptr) std::memcpy(element, &record->value, sizeof(Record::value));
+  if (element) std::memcpy(element, &record->value, sizeof(Record::value));
 }
 
 template <class Record>
 void loadValue(void* cache, Record* record) {
   const std::byte* const element = findElement(cache, record, sizeof(Record::value));
-  if (element != nullptr) std::memcpy(&record->value, element, sizeof(Record::value));
+  if (element) std::memcpy(&record->value, element, sizeof(Record::value));
 }
 
 /// Bytes of one value; 0 for types that a cache does not hold.
-std::size_t valueWidth(int32_t type) {
+std::size_t valueWidth(std::int32_t type) {
   if (type < 1 || type > 5) return 0;
-  return type <= 2 ? sizeof(uint32_t) : sizeof(uint64_t);
+  return type <= 2 ? sizeof(std::uint32_t) : sizeof(std::uint64_t);
 }
 
 /// The cache's side of an array record; nothing when the record has no values of a known type.
@@ -37,7 +37,7 @@ struct Elements {
 };
 
 Elements findElements(void* cache, const FieldParameterAccess* record) {
-  if (record == nullptr || record->values == nullptr) return {};
+  if (!record || !record->values) return {};
   const std::size_t width = valueWidth(record->type);
   return {findElement(cache, record, width), record->count * width};
 }
@@ -50,7 +50,7 @@ void setFieldCache(void* cache, const FieldParameterDouble_s* record) { storeVal
 
 void setFieldCache(void* cache, const FieldParameterAccess* record) {
   const Elements elements = findElements(cache, record);
-  if (elements.begin != nullptr) std::memcpy(elements.begin, record->values, elements.size);
+  if (elements.begin) std::memcpy(elements.begin, record->values, elements.size);
 }
 
 void getFieldCache(void* cache, FieldParameterInt_s* record) { loadValue(cache, record); }
@@ -59,7 +59,7 @@ void getFieldCache(void* cache, FieldParameterDouble_s* record) { loadValue(cach
 
 void getFieldCache(void* cache, FieldParameterAccess* record) {
   const Elements elements = findElements(cache, record);
-  if (elements.begin != nullptr) std::memcpy(record->values, elements.begin, elements.size);
+  if (elements.begin) std::memcpy(record->values, elements.begin, elements.size);
 }
 
 }  // namespace velmora

@@ -9,19 +9,20 @@
 namespace velmora {
 
 struct FieldParameterInt_s {
-  uint32_t value;
-  uint32_t index;  ///< In elements of 4 bytes.
+  std::uint32_t value;
+  std::uint32_t index;  ///< In elements of 4 bytes.
 };
 
 struct FieldParameterDouble_s {
   double value;
-  uint32_t index;  ///< In elements of 8 bytes.
+  std::uint32_t index;  ///< In elements of 8 bytes.
 };
 
 struct FieldParameterAccess {
-  int32_t type;    ///< `FgParamTypes` code; 1 and 2 are 32 bits wide, 3, 4 and 5 are 64 bits wide.
-  uint32_t index;  ///< First element, in elements of the value's width.
-  uint32_t count;
+  std::int32_t
+      type;  ///< `FgParamTypes` code; 1 and 2 are 32 bits wide, 3, 4 and 5 are 64 bits wide.
+  std::uint32_t index;  ///< First element, in elements of the value's width.
+  std::uint32_t count;
   void* values;  ///< `count` values; owned by the caller.
 };
 

@@ -18,22 +18,22 @@ constexpr std::string_view kPlaceholder = "XXXXXX";
 constexpr std::string_view kDigits =
     "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789";
 constexpr int kAttempts = 62 * 62 * 62;
-constexpr uint64_t kStep = 7777;
+constexpr std::uint64_t kStep = 7777;
 
-uint64_t uptimeSeconds() {
+std::uint64_t uptimeSeconds() {
   struct sysinfo info = {};
   sysinfo(&info);
-  return static_cast<uint64_t>(info.uptime);
+  return static_cast<std::uint64_t>(info.uptime);
 }
 
 /// The next number to name a file after, for the whole process.
-uint64_t advanceCounter(uint64_t step) {
-  static std::atomic<uint64_t> counter{0};
+std::uint64_t advanceCounter(std::uint64_t step) {
+  static std::atomic<std::uint64_t> counter{0};
   return counter.fetch_add(step) + step;
 }
 
 /// Writes the number's lowest digits, the least significant first.
-void writeDigits(uint64_t number, char* digits) {
+void writeDigits(std::uint64_t number, char* digits) {
   for (std::size_t i = 0; i < kPlaceholder.size(); ++i) {
     digits[i] = kDigits[number % kDigits.size()];
     number /= kDigits.size();
@@ -42,7 +42,7 @@ void writeDigits(uint64_t number, char* digits) {
 
 /// The placeholder's first character; null when it does not stand right before the suffix.
 char* findPlaceholder(char* nameTemplate, int suffixLength) {
-  if (nameTemplate == nullptr || suffixLength < 0) return nullptr;
+  if (!nameTemplate || suffixLength < 0) return nullptr;
   const std::string_view name = nameTemplate;
   const std::size_t tail = kPlaceholder.size() + static_cast<std::size_t>(suffixLength);
   if (name.size() < tail || !name.substr(name.size() - tail).starts_with(kPlaceholder)) {
@@ -55,11 +55,11 @@ char* findPlaceholder(char* nameTemplate, int suffixLength) {
 
 int makeUniqueFile(char* nameTemplate, int suffixLength) {
   char* const digits = findPlaceholder(nameTemplate, suffixLength);
-  if (digits == nullptr) {
+  if (!digits) {
     errno = EINVAL;
     return -1;
   }
-  uint64_t number = advanceCounter(uptimeSeconds());
+  std::uint64_t number = advanceCounter(uptimeSeconds());
   for (int attempt = 0; attempt < kAttempts; ++attempt) {
     writeDigits(number, digits);
     const int file = open(nameTemplate, O_RDWR | O_CREAT | O_EXCL, S_IRUSR | S_IWUSR);
@@ -83,7 +83,7 @@ char* createTempFile() {
 }
 
 void deleteTempFile(char* name) {
-  if (name == nullptr) return;
+  if (!name) return;
   unlink(name);
   delete[] name;
 }

@@ -5,31 +5,26 @@
 namespace velmora {
 namespace {
 
-struct RuntimeSymbol {
-  std::size_t position;
-  const char* name;
-};
-
 /// Every bound symbol in binding order; positions 0 to 3, 10, 17, 18 and 21 to 28 stay empty.
 constexpr RuntimeSymbol kRuntimeSymbols[] = {
-    {4, "Fg_getAppletId"},
-    {5, "Fg_setParameter"},
-    {6, "Fg_setParameterWithType"},
-    {7, "Fg_getParameter"},
-    {8, "Fg_getParameterWithType"},
-    {9, "Fg_freeParameterStringWithType"},
+    runtime::kGetAppletId,
+    runtime::kSetParameter,
+    runtime::kSetParameterWithType,
+    runtime::kGetParameter,
+    runtime::kGetParameterWithType,
+    runtime::kFreeParameterStringWithType,
     {11, "Fg_saveConfig"},
     {12, "Fg_loadConfig"},
     {13, "Fg_Acquire"},
     {14, "Fg_stopAcquire"},
-    {16, "Fg_getLastPicNumberBlockingEx"},
-    {15, "Fg_getLastPicNumberEx"},
-    {19, "Fg_FreeGrabber"},
-    {20, "Fg_getLastErrorNumber"},
-    {29, "Fg_getStatusEx"},
-    {30, "Fg_AcquireEx"},
-    {31, "Fg_stopAcquireEx"},
-    {32, "Fg_getParameterInfo"},
+    runtime::kGetLastPicNumberBlockingEx,
+    runtime::kGetLastPicNumberEx,
+    runtime::kFreeGrabber,
+    runtime::kGetLastErrorNumber,
+    runtime::kGetStatusEx,
+    runtime::kAcquireEx,
+    runtime::kStopAcquireEx,
+    runtime::kGetParameterInfo,
     {33, "Fg_AllocShading"},
     {34, "Fg_FreeShading"},
     {36, "Shad_SetSubValueLine"},
@@ -41,10 +36,23 @@ constexpr RuntimeSymbol kRuntimeSymbols[] = {
     {41, "Shad_WriteActLine"},
 };
 
+/// Every symbol has a position of its own: one that is shared, left out or too large is a call of
+/// the wrong function.
+consteval bool eachPositionOnce() {
+  constexpr std::size_t kEmpty[] = {0, 1, 2, 3, 10, 17, 18, 21, 22, 23, 24, 25, 26, 27, 28};
+  std::array<int, WrapperFunctionTable::kPositions> uses{};
+  for (const RuntimeSymbol& symbol : kRuntimeSymbols) ++uses[symbol.position];
+  for (const std::size_t position : kEmpty) ++uses[position];
+  for (const int count : uses)
+    if (count != 1) return false;
+  return true;
+}
+static_assert(eachPositionOnce());
+
 }  // namespace
 
 void WrapperFunctionTable::bind(void* library) {
-  for (const auto& symbol : kRuntimeSymbols)
+  for (const RuntimeSymbol& symbol : kRuntimeSymbols)
     entries_[symbol.position] = dlsym(library, symbol.name);
 }
 

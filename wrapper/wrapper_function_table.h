@@ -7,34 +7,47 @@
 
 namespace velmora {
 
-/// Names one entry of the wrapper function table together with the function's type.
-template <class Signature>
-struct RuntimeEntry {
+/// A runtime function by name, and its position in the wrapper function table, which the runtime's
+/// tools know.
+struct RuntimeSymbol {
   std::size_t position;
+  const char* name;
 };
 
+/// One that the applet calls, with its type.
+template <class Signature>
+struct RuntimeEntry : RuntimeSymbol {};
+
 /// The runtime functions that the applet calls. Every other bound symbol is kept for the runtime's
-/// tools, which know the table by position.
+/// tools.
 namespace runtime {
-inline constexpr RuntimeEntry<VornGetAppletId> kGetAppletId{4};
-inline constexpr RuntimeEntry<VornSetParameter> kSetParameter{5};
-inline constexpr RuntimeEntry<VornSetParameterWithType> kSetParameterWithType{6};
-inline constexpr RuntimeEntry<VornGetParameter> kGetParameter{7};
-inline constexpr RuntimeEntry<VornGetParameterWithType> kGetParameterWithType{8};
-inline constexpr RuntimeEntry<VornFreeParameterStringWithType> kFreeParameterStringWithType{9};
-inline constexpr RuntimeEntry<VornGetLastPicNumberEx> kGetLastPicNumberEx{15};
-inline constexpr RuntimeEntry<VornGetLastPicNumberBlockingEx> kGetLastPicNumberBlockingEx{16};
-inline constexpr RuntimeEntry<VornFreeGrabber> kFreeGrabber{19};
-inline constexpr RuntimeEntry<VornGetLastErrorNumber> kGetLastErrorNumber{20};
-inline constexpr RuntimeEntry<VornGetStatusEx> kGetStatusEx{29};
-inline constexpr RuntimeEntry<VornAcquireEx> kAcquireEx{30};
-inline constexpr RuntimeEntry<VornStopAcquireEx> kStopAcquireEx{31};
-inline constexpr RuntimeEntry<VornGetParameterInfo> kGetParameterInfo{32};
+inline constexpr RuntimeEntry<VornGetAppletId> kGetAppletId{4, "Fg_getAppletId"};
+inline constexpr RuntimeEntry<VornSetParameter> kSetParameter{5, "Fg_setParameter"};
+inline constexpr RuntimeEntry<VornSetParameterWithType> kSetParameterWithType{
+    6, "Fg_setParameterWithType"};
+inline constexpr RuntimeEntry<VornGetParameter> kGetParameter{7, "Fg_getParameter"};
+inline constexpr RuntimeEntry<VornGetParameterWithType> kGetParameterWithType{
+    8, "Fg_getParameterWithType"};
+inline constexpr RuntimeEntry<VornFreeParameterStringWithType> kFreeParameterStringWithType{
+    9, "Fg_freeParameterStringWithType"};
+inline constexpr RuntimeEntry<VornGetLastPicNumberEx> kGetLastPicNumberEx{15,
+                                                                          "Fg_getLastPicNumberEx"};
+inline constexpr RuntimeEntry<VornGetLastPicNumberBlockingEx> kGetLastPicNumberBlockingEx{
+    16, "Fg_getLastPicNumberBlockingEx"};
+inline constexpr RuntimeEntry<VornFreeGrabber> kFreeGrabber{19, "Fg_FreeGrabber"};
+inline constexpr RuntimeEntry<VornGetLastErrorNumber> kGetLastErrorNumber{20,
+                                                                          "Fg_getLastErrorNumber"};
+inline constexpr RuntimeEntry<VornGetStatusEx> kGetStatusEx{29, "Fg_getStatusEx"};
+inline constexpr RuntimeEntry<VornAcquireEx> kAcquireEx{30, "Fg_AcquireEx"};
+inline constexpr RuntimeEntry<VornStopAcquireEx> kStopAcquireEx{31, "Fg_stopAcquireEx"};
+inline constexpr RuntimeEntry<VornGetParameterInfo> kGetParameterInfo{32, "Fg_getParameterInfo"};
 }  // namespace runtime
 
 /// Runtime functions bound by name; an entry is null when the runtime lacks the symbol.
 class WrapperFunctionTable {
  public:
+  static constexpr std::size_t kPositions = 42;
+
   /// Looks up every symbol in an open library. Missing symbols are no failure.
   void bind(void* library);
 
@@ -45,7 +58,6 @@ class WrapperFunctionTable {
   }
 
  private:
-  static constexpr std::size_t kPositions = 42;
   std::array<void*, kPositions> entries_{};
 };
 

@@ -3,7 +3,7 @@
 
 #include <fmt/format.h>
 
-#include "board/model/errors.h"
+#include "board/model/board_error.h"
 #include "board/model/model.h"
 #include "board/model/watch.h"
 

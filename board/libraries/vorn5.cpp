@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "board/libraries/call.h"
-#include "board/model/errors.h"
+#include "board/model/board_error.h"
 #include "board/model/ledger.h"
 #include "board/model/model.h"
 #include "board/model/scalar.h"

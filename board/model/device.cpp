@@ -5,8 +5,8 @@
 #include <algorithm>
 #include <stdexcept>
 
+#include "board/model/board_error.h"
 #include "board/model/clock.h"
-#include "board/model/errors.h"
 #include "board/model/ledger.h"
 #include "board/model/scalar.h"
 #include "velmora/values.h"

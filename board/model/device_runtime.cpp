@@ -1,9 +1,9 @@
 /// The device's runtime side: the runtime's own parameters and the acquisition channels.
 #include <algorithm>
 
+#include "board/model/board_error.h"
 #include "board/model/clock.h"
 #include "board/model/device.h"
-#include "board/model/errors.h"
 #include "velmora/parameters.h"
 #include "velmora/status.h"
 

@@ -2,7 +2,7 @@
 #include <algorithm>
 #include <iterator>
 
-#include "board/model/errors.h"
+#include "board/model/board_error.h"
 #include "board/virtual_board.h"
 
 namespace board {

@@ -7,7 +7,7 @@
 #include <limits>
 #include <type_traits>
 
-#include "board/model/errors.h"
+#include "board/model/board_error.h"
 #include "board/parse_number.h"
 
 namespace board {

@@ -6,11 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "velmora/handles.h"
+#include "parameters/applet_identity.h"
 
 namespace velmora {
-
-inline constexpr unsigned kPorts = VELMORA_PORTS;
 
 /// Everything in the design that a port drives. Ids up to `kInputStatus` are design parameters, the
 /// rest are registers of the camera simulator.

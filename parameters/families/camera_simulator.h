@@ -1,12 +1,7 @@
 /// The image generator that can take the place of a port's camera, driven through registers.
 #pragma once
 
-#include <cstdint>
-
-namespace velmora {
-struct Port;
-class ParameterRow;
-}  // namespace velmora
+#include "parameters/families/family.h"
 
 namespace velmora::camera_simulator {
 

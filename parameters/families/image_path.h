@@ -1,12 +1,7 @@
 /// The image path of a port, from the camera's pixels to the output format.
 #pragma once
 
-#include <cstdint>
-
-namespace velmora {
-struct Port;
-class ParameterRow;
-}  // namespace velmora
+#include "parameters/families/family.h"
 
 namespace velmora::image_path {
 

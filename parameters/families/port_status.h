@@ -1,11 +1,7 @@
 /// The DMA channel and the camera of a port as the runtime and the design report them.
 #pragma once
 
-#include <cstdint>
-
-namespace velmora {
-struct Port;
-}
+#include "parameters/families/family.h"
 
 namespace velmora::port_status {
 

@@ -1,12 +1,7 @@
 /// Trigger pulses that software sends.
 #pragma once
 
-#include <cstdint>
-
-namespace velmora {
-struct Port;
-class ParameterRow;
-}  // namespace velmora
+#include "parameters/families/family.h"
 
 namespace velmora::software_trigger {
 

@@ -1,10 +1,7 @@
 /// Text parameters: handed out as strings (type 22) or copied to the caller's place.
 #pragma once
 
-namespace velmora {
-struct Port;
-class ParameterRow;
-}  // namespace velmora
+#include "parameters/families/family.h"
 
 namespace velmora::texts {
 

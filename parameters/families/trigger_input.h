@@ -1,12 +1,7 @@
 /// What conditions the pulses of a port's trigger input.
 #pragma once
 
-#include <cstdint>
-
-namespace velmora {
-struct Port;
-class ParameterRow;
-}  // namespace velmora
+#include "parameters/families/family.h"
 
 namespace velmora::trigger_input {
 

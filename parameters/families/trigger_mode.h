@@ -3,10 +3,9 @@
 
 #include <cstdint>
 
-namespace velmora {
+#include "parameters/families/family.h"
 
-struct Port;
-class ParameterRow;
+namespace velmora {
 
 /// What an area trigger mode does to the parameters around it.
 struct TriggerMode {

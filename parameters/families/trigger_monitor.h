@@ -1,12 +1,7 @@
 /// What a port's trigger path reports: statistics and monitoring flags.
 #pragma once
 
-#include <cstdint>
-
-namespace velmora {
-struct Port;
-class ParameterRow;
-}  // namespace velmora
+#include "parameters/families/family.h"
 
 namespace velmora::trigger_monitor {
 

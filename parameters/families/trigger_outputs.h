@@ -5,12 +5,8 @@
 #include <cstdint>
 
 #include "parameters/design/design_ids.h"
+#include "parameters/families/family.h"
 #include "parameters/process_settings.h"
-
-namespace velmora {
-struct Port;
-class ParameterRow;
-}  // namespace velmora
 
 namespace velmora::trigger_outputs {
 

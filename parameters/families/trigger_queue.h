@@ -1,12 +1,7 @@
 /// Sequencer and queue of a port's trigger path: pulses are multiplied, then wait for their turn.
 #pragma once
 
-#include <cstdint>
-
-namespace velmora {
-struct Port;
-class ParameterRow;
-}  // namespace velmora
+#include "parameters/families/family.h"
 
 namespace velmora::trigger_queue {
 

@@ -1,12 +1,7 @@
 /// The frame rate of a port's trigger generator, in Hz.
 #pragma once
 
-#include <cstdint>
-
-namespace velmora {
-struct Port;
-class ParameterRow;
-}  // namespace velmora
+#include "parameters/families/family.h"
 
 namespace velmora::trigger_rate {
 

@@ -5,11 +5,8 @@
 #include <cstdint>
 #include <span>
 
+#include "parameters/families/family.h"
 #include "velmora/values.h"
-
-namespace velmora {
-struct Port;
-}
 
 namespace velmora::trigger_transitions {
 

@@ -73,7 +73,7 @@ inline constexpr ParameterRow kParameters[] = {
               "1 = CameraLval, 2 = CameraFval, 3 = Camera CC1 Signal, 4 = ExTrg / external "
               "trigger, 5 = BufferOverflow, 6 = BufferStatus-LSB, 7 = BufferStatus-MSB"),
     forwarded(SDK(FG_TRANSFER_LEN)),
-    reading(SDK(FG_NR_OF_PROCESSES)).always<kProcesses>().stringsOfRuntime(),
+    reading(SDK(FG_NR_OF_PROCESSES)).always<kPorts>().stringsOfRuntime(),
     forwarded(SDK(FG_NR_OF_DMAS)),
     forwarded(SDK(FG_NR_OF_CAMS)),
     forwarded(SDK(FG_DMA_PORT)),

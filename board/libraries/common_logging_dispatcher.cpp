@@ -3,8 +3,6 @@
 ///
 /// The environment variable KORV_LOG_LEVEL sets the lowest level that is written, 0 to 7. If it is
 /// missing or invalid the level is 7, which silences the loggers.
-#include "external/logging_dispatcher.h"
-
 #include <spdlog/sinks/stdout_sinks.h>
 #include <spdlog/spdlog.h>
 
@@ -19,6 +17,7 @@
 #include <vector>
 
 #include "board/parse_number.h"
+#include "external/logging_dispatcher.h"
 
 namespace {
 

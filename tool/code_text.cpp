@@ -1,4 +1,4 @@
-#include "tool/error_text.h"
+#include "tool/code_text.h"
 
 #include <fmt/format.h>
 

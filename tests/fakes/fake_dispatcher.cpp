@@ -1,4 +1,4 @@
-#include "tests/fakes/logging_dispatcher.h"
+#include "tests/fakes/fake_dispatcher.h"
 
 #include <cstdio>
 #include <stdexcept>
