@@ -91,7 +91,7 @@ struct StateChanges {
 };
 
 /// In the order of the mode values.
-constexpr StateChanges kStateChanges[kModes] = {
+constexpr StateChanges kStateChanges[] = {
     // Generator
     {.activeToAsync = {park, hold},
      .activeToSync  = {hold},
@@ -126,6 +126,16 @@ constexpr StateChanges kStateChanges[kModes] = {
 
 static_assert(ATM_GENERATOR == 1 && ATM_EXTERNAL == 2 && ATM_SYNCHRONIZED == 3 &&
               ATM_SOFTWARE == 4);
+static_assert(std::size(kStateChanges) == kModes);
+
+/// Every change to another mode takes steps.
+consteval bool eachModeChangeHasSteps() {
+  for (std::size_t from = 0; from < kModes; ++from)
+    for (std::size_t to = 0; to < kModes; ++to)
+      if (from != to && !kModeChangesWhileActive[from][to][0]) return false;
+  return true;
+}
+static_assert(eachModeChangeHasSteps());
 
 const Steps& modeChange(std::uint32_t from, std::uint32_t to, std::uint32_t state) {
   if (state == TS_ACTIVE) return kModeChangesWhileActive[indexOf(from)][indexOf(to)];

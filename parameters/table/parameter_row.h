@@ -161,6 +161,7 @@ class ParameterRow : public ValueDescription {
       throw "what is shown as writable has a setter, and nothing else";
     if (reopens && (!writable() || accessMode != kSwitched)) throw "only switched settings reopen";
     if ((appliedAtStart || saved) && !writable()) throw "only settings are applied and saved";
+    if (isRegister(design_) && setInteger != writeRegister) throw "registers are only driven";
   }
 
  private:
