@@ -13,4 +13,3 @@ typedef struct ShadingMaster ShadingMaster;  ///< Shading data; no applet of thi
 /// `struct Fg_Struct { void* applet; };` is all a host needs. The inner handle is the acquisition
 /// runtime's own and opaque to the applet.
 typedef struct Fg_Struct Fg_Struct;
-
