@@ -1,10 +1,5 @@
-find_program(XMLLINT xmllint REQUIRED)
-
 add_executable(catalogue_test catalogue_test.cpp genapi_test.cpp)
 target_link_libraries(catalogue_test PRIVATE Velmora virtualboard fmt::fmt GTest::gtest_main)
-target_compile_definitions(catalogue_test PRIVATE
-  TEST_DATA="${CMAKE_CURRENT_SOURCE_DIR}/data" XMLLINT="${XMLLINT}")
-add_dependencies(catalogue_test vorn5 common-logging-dispatcher)
 gtest_discover_tests(catalogue_test)
 
 # The reader's package file asks for development packages that programs do not need.
@@ -17,5 +12,4 @@ add_executable(genapi_reader_test genapi_reader_test.cpp)
 target_include_directories(genapi_reader_test SYSTEM PRIVATE ${ARAVIS_INCLUDE_DIRECTORY})
 target_link_libraries(genapi_reader_test PRIVATE Velmora virtualboard ${ARAVIS_LIBRARY}
                                                  PkgConfig::GOBJECT fmt::fmt GTest::gtest_main)
-add_dependencies(genapi_reader_test vorn5 common-logging-dispatcher)
 gtest_discover_tests(genapi_reader_test)

@@ -8,7 +8,7 @@ add_custom_command(
 add_custom_target(comma_locale DEPENDS ${locales}/de_DE.UTF-8/LC_NUMERIC)
 
 add_executable(configuration_test configuration_test.cpp)
-target_link_libraries(configuration_test PRIVATE Velmora virtualboard GTest::gtest_main)
+target_link_libraries(configuration_test PRIVATE Velmora virtualboard fmt::fmt GTest::gtest_main)
 target_compile_definitions(configuration_test PRIVATE
   VELMORA_EXAMPLES="${CMAKE_SOURCE_DIR}/examples" VELMORA_LOCALES="${locales}")
 add_dependencies(configuration_test comma_locale)

@@ -1,16 +1,13 @@
-function(velmora_add_dispatch_test suite)
+function(velmora_add_applet_test suite)
   add_executable(${suite} ${ARGN})
-  target_link_libraries(${suite} PRIVATE Velmora virtualboard GTest::gtest_main)
-  target_compile_definitions(${suite} PRIVATE
-    TEST_DATA="${CMAKE_CURRENT_SOURCE_DIR}/data"
-    DESIGN_MANIFEST="${CMAKE_SOURCE_DIR}/design/Velmora.design")
+  target_link_libraries(${suite} PRIVATE Velmora virtualboard fmt::fmt GTest::gtest_main)
   gtest_discover_tests(${suite})
 endfunction()
 
 # The first with a log threshold of its own.
-velmora_add_dispatch_test(dispatch_test dispatch_test.cpp startup_test.cpp)
-velmora_add_dispatch_test(status_test status_test.cpp direct_access_test.cpp)
+velmora_add_applet_test(dispatch_test dispatch_test.cpp startup_test.cpp)
+velmora_add_applet_test(port_test direct_access_test.cpp port_test.cpp transcript_test.cpp)
 
-add_executable(parameter_table_test parameter_table_test.cpp)
-target_link_libraries(parameter_table_test PRIVATE velmora_core GTest::gtest_main)
-gtest_discover_tests(parameter_table_test)
+add_executable(time_base_test time_base_test.cpp)
+target_link_libraries(time_base_test PRIVATE GTest::gtest_main)
+gtest_discover_tests(time_base_test)

@@ -37,7 +37,7 @@ velmora_add_runtime_without(uncalled_ones Fg_saveConfig Fg_loadConfig Fg_Acquire
 velmora_add_runtime(recording recording_runtime fakes/recording_runtime.cpp)
 
 add_executable(entry_test entry_test.cpp forwarding_test.cpp)
-target_link_libraries(entry_test PRIVATE Velmora virtualboard GTest::gtest_main)
+target_link_libraries(entry_test PRIVATE Velmora virtualboard fmt::fmt GTest::gtest_main)
 target_compile_definitions(entry_test PRIVATE
   RUNTIMES="${CMAKE_BINARY_DIR}/tests/runtimes"
   LIBRARY="$<TARGET_FILE:Velmora>" NM="${CMAKE_NM}" READELF="${CMAKE_READELF}")
@@ -47,7 +47,7 @@ gtest_discover_tests(entry_test PROPERTIES ENVIRONMENT LSAN_OPTIONS=use_tls=0)
 
 find_package(PNG REQUIRED)
 add_executable(info_test info_test.cpp)
-target_link_libraries(info_test PRIVATE Velmora virtualboard PNG::PNG GTest::gtest_main)
+target_link_libraries(info_test PRIVATE Velmora virtualboard fmt::fmt PNG::PNG GTest::gtest_main)
 add_dependencies(info_test vorn5)
 gtest_discover_tests(info_test)
 
