@@ -1,4 +1,6 @@
 /// Accepted sets and gets take no memory, whatever the parameter.
+#include <gtest/gtest.h>
+
 #include <atomic>
 #include <cstdlib>
 #include <new>

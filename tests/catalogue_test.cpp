@@ -1,7 +1,7 @@
 // The description tree of every port as a tool finds it through the exports, node by node.
 #include <optional>
 
-#include "tests/applet_fixture.h"
+#include "tests/applet_test.h"
 #include "velmora/register_info.h"
 
 namespace {

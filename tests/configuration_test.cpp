@@ -5,7 +5,7 @@
 
 #include <clocale>
 
-#include "tests/applet_fixture.h"
+#include "tests/applet_test.h"
 
 namespace {
 
@@ -129,7 +129,7 @@ TEST_F(Configuration, NumbersFollowTheLocaleOfTheProcess) {
   EXPECT_EQ(load(file), VELMORA_OK);
   EXPECT_EQ(applet.real(FG_GEN_FREQ, 3).value, 62.5);
   // The document never does.
-  EXPECT_NE(applet.document(3).find("<Max>3.024</Max>"), std::string::npos);
+  EXPECT_NE(document(applet, 3).find("<Max>3.024</Max>"), std::string::npos);
   std::setlocale(LC_ALL, "C");
 }
 

@@ -1,5 +1,5 @@
 /// Ids that lead past the SDK parameters: to the design's registers and to its own parameters.
-#include "tests/parameters.h"
+#include "tests/applet_test.h"
 
 namespace {
 

@@ -8,7 +8,7 @@
 #include <stdexcept>
 #include <thread>
 
-#include "tests/parameters.h"
+#include "tests/applet_test.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 #include <new>
 #include <set>
 
-#include "tests/applet_fixture.h"
+#include "tests/applet_test.h"
 #include "tests/loaded_runtime.h"
 
 namespace {

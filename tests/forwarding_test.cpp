@@ -2,7 +2,7 @@
 #include <functional>
 #include <type_traits>
 
-#include "tests/applet_fixture.h"
+#include "tests/applet_test.h"
 #include "tests/fakes/recording_runtime.h"
 #include "tests/loaded_runtime.h"
 

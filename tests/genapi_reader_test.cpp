@@ -1,7 +1,7 @@
 // An independent GenICam reader takes the documents of the ports, those of direct access too.
 #include <arv.h>
 
-#include "tests/applet_fixture.h"
+#include "tests/applet_test.h"
 
 namespace {
 
@@ -11,7 +11,7 @@ TEST(GenApiReader, FindsFeaturesWithAddressRangeAndAccess) {
   const EnvironmentVariable dra("KORV_ENABLE_DRA", "1"), dkta("KORV_ENABLE_DKTA", "1");
   Applet applet;
   for (unsigned port = 0; port < kPorts; ++port) {
-    const std::string text = applet.document(port);
+    const std::string text = document(applet, port);
     ArvGc* const reader = arv_gc_new(nullptr, text.data(), text.size());
     ASSERT_NE(reader, nullptr);
     const auto features = [&](const void* category) {

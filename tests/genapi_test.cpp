@@ -1,5 +1,5 @@
 // The GenApi documents of the ports, byte for byte, and the way they are handed over.
-#include "tests/applet_fixture.h"
+#include "tests/applet_test.h"
 
 namespace {
 
@@ -17,7 +17,7 @@ std::string expected(unsigned port) {
 TEST(GenApi, DocumentsOfAllPortsByteForByte) {
   Applet applet(kNoDefaults);
   for (unsigned port = 0; port < kPorts; ++port)
-    EXPECT_EQ(applet.document(port), expected(port)) << port;
+    EXPECT_EQ(document(applet, port), expected(port)) << port;
   // Limits and access that a set moves appear in the next document of the port, and in no other.
   ASSERT_EQ(applet.set(FG_WIDTH, 1000, 2), VELMORA_OK);
   ASSERT_EQ(applet.set(FG_AREATRIGGERMODE, ATM_EXTERNAL, 2), VELMORA_OK);
@@ -26,13 +26,13 @@ TEST(GenApi, DocumentsOfAllPortsByteForByte) {
                                             {"FG_SENDSOFTWARETRIGGER", ">RW<", ">RO<"}})
     moved.replace(moved.find(from, moved.find(fmt::format("Reg Name=\"{}_Reg\">", parameter))),
                   std::strlen(from), to);
-  EXPECT_EQ(applet.document(2), moved);
-  EXPECT_EQ(applet.document(3), expected(3));
+  EXPECT_EQ(document(applet, 2), moved);
+  EXPECT_EQ(document(applet, 3), expected(3));
 }
 
 TEST(GenApi, BufferIsFilledOrTheRefusalRecorded) {
   Applet applet;
-  const std::string text = applet.document(2);
+  const std::string text = document(applet, 2);
   const std::size_t exact = text.size() + 1;
   const struct {
     int port;

@@ -3,7 +3,7 @@
 #include <climits>
 #include <string_view>
 
-#include "tests/applet_fixture.h"
+#include "tests/applet_test.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include <random>
 #include <set>
 
-#include "tests/applet_fixture.h"
+#include "tests/applet_test.h"
 
 namespace {
 

@@ -4,8 +4,7 @@
 #include <optional>
 #include <set>
 
-#include "tests/applet_fixture.h"
-#include "tests/parameters.h"
+#include "tests/applet_test.h"
 
 namespace {
 

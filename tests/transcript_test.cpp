@@ -1,6 +1,6 @@
 /// Transcripts: what hosts and hardware do, and every access to the board, result and moved limit
 /// that comes of it. Their form is told in `data/transcripts/README`.
-#include "tests/applet_fixture.h"
+#include "tests/applet_test.h"
 
 namespace {
 
