@@ -34,7 +34,7 @@ class Transcript : public testing::TestWithParam<const char*> {
   std::string get(const std::string& name) {
     const RegisterInfo* node = described(name);
     const auto text = [](const auto& reading) {
-      return reading.code == 0 ? fmt::format("{:.12g}", static_cast<double>(reading.value))
+      return reading.code == 0 ? fmt::format("{}", reading.value)
                                : fmt::format("{} {}", reading.code, reading.value);
     };
     return node && node->kind == REGISTER_INFO_DOUBLE ? text(applet.real(id(name), port))
