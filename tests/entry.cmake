@@ -15,9 +15,10 @@ function(velmora_add_runtime directory target)
 endfunction()
 
 function(velmora_add_runtime_without name)
+  # No pattern for the rest: linkers differ in what they make of a symbol that matches twice.
   list(JOIN ARGN "; " hidden)
   set(map ${CMAKE_CURRENT_BINARY_DIR}/runtime_without_${name}.map)
-  file(CONFIGURE OUTPUT ${map} CONTENT "{ global: Fg_*; Shad_*; local: ${hidden}; *; };\n")
+  file(CONFIGURE OUTPUT ${map} CONTENT "{ local: ${hidden}; };\n")
   set(target runtime_without_${name})
   velmora_add_runtime(without/${name} ${target} $<TARGET_OBJECTS:runtime_objects>)
   target_link_libraries(${target} PRIVATE virtualboard fmt::fmt)
