@@ -7,7 +7,3 @@ endfunction()
 # The first with a log threshold of its own.
 velmora_add_applet_test(dispatch_test dispatch_test.cpp startup_test.cpp)
 velmora_add_applet_test(port_test direct_access_test.cpp port_test.cpp transcript_test.cpp)
-
-add_executable(time_base_test time_base_test.cpp)
-target_link_libraries(time_base_test PRIVATE GTest::gtest_main)
-gtest_discover_tests(time_base_test)

@@ -117,22 +117,6 @@ TEST(Entry, RefusalsReleaseEverything) {
   }
 }
 
-TEST(Entry, ExternalDesignReplacesTheEmbeddedOne) {
-  for (const std::string records : {"", "# missing", "damaged"}) {
-    const ExternalDesign external(records);
-    if (records == "# missing") std::filesystem::remove("Velmora.hap");
-    Applet applet;
-    EXPECT_EQ(applet.opened(), records.empty());
-    EXPECT_EQ(applet.error(), records.empty() ? 0 : -100);
-    const auto journal = board::takeJournal();
-    EXPECT_TRUE(board::describe(journal.at(0))
-                    .starts_with("call HapLoadHapFileWithType(Velmora.hap, board type 3652)"));
-    EXPECT_EQ(journal.size() > 1, records.empty());
-    applet.close();
-    EXPECT_TRUE(allReleased());
-  }
-}
-
 /// As if there were no memory left for whatever the step does. The first one follows a refusal.
 TEST(Entry, LetsNoExceptionOut) {
   const EnvironmentVariable registers("KORV_ENABLE_DRA", "1");

@@ -54,11 +54,12 @@ TEST_P(Tool, SaysWhatTheTranscriptSays) {
     if (line.starts_with("## ")) said += line + '\n';
     if (line.starts_with("$ ")) said += line + '\n' + run(line.substr(2));
   }
-  EXPECT_EQ(said, lines(file, ""));
+  EXPECT_EQ(said, lines(file, "")) << "What it said lies in " << GetParam() << ".txt";
+  if (HasFailure()) std::ofstream(std::string(GetParam()) + ".txt") << said;
 }
 
 INSTANTIATE_TEST_SUITE_P(Files, Tool,
                          testing::Values("parameters", "refusals", "descriptions", "acquisition",
-                                         "configurations", "designs", "libraries"));
+                                         "configurations", "designs", "libraries", "help"));
 
 }  // namespace

@@ -6,9 +6,9 @@
 #include <string>
 #include <utility>
 
+#include "parameters/fg_kt_wrapper_impl.h"
 #include "paraminfo/parameter_info.h"
 #include "paraminfo/parameter_info_builder_xml.h"
-#include "tests/fakes/wrapper_double.h"
 
 namespace velmora {
 namespace {
@@ -40,7 +40,9 @@ class GenApiDocument : public testing::Test {
   }
   /// The document behind its header, with '|' for a line feed and '~' for the end of a block.
   std::string body() {
-    WrapperDouble wrapper("A&B");
+    struct : FgKtWrapperImpl {
+      const char* getAppletName() override { return "A&B"; }
+    } wrapper;
     std::string text = ParameterInfoBuilderXML(registry_, wrapper, kProcess).build();
     EXPECT_NE(text.find("ModelName=\"A&amp;B\"\n"), std::string::npos);
     text.erase(0, text.find(".xsd\">\n") + 7);
