@@ -18,7 +18,7 @@
 namespace fixture {
 
 /// Of the own design.
-inline constexpr std::size_t kDesignParameters = 258, kDesignRegisters = 32;
+inline constexpr std::size_t kDesignParameters = 258, kDesignRegisters = 32, kDesignEvents = 44;
 
 /// A code that neither the applet nor the board uses.
 inline constexpr int kInjected = -4711;

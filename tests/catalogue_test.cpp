@@ -70,9 +70,9 @@ TEST(Catalogue, DescribesEveryPortNodeByNode) {
 }
 
 TEST(Catalogue, DirectAccessIsDescribedWhenEnabledRegistersFirstOnTheLastPort) {
+  const ExternalDesign design(everyKindOfRecord());
   for (const bool registers : {false, true})
     for (const bool parameters : {false, true}) {
-      const ExternalDesign design(everyKindOfRecord());
       std::optional<EnvironmentVariable> dra, dkta;
       if (registers) dra.emplace("KORV_ENABLE_DRA", "TRUE");
       if (parameters) dkta.emplace("KORV_ENABLE_DKTA", "on");

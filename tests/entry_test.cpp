@@ -74,7 +74,7 @@ TEST(Entry, TakesItsStepsInOrder) {
     }
     EXPECT_EQ(steps, (Steps{{"call HapLoadDesignFromBuffer(2662941 bytes)", 1},
                             {"call Fg_InitHandle" + init, 1},
-                            {"HapGetEvent", 44 + 1},
+                            {"HapGetEvent", kDesignEvents + 1},
                             {"Fg_getParameterIdByName", kDesignParameters},
                             {"HapGetRegisterByName", kDesignRegisters}}));
   }

@@ -13,7 +13,7 @@ namespace {
 
 /// The sanitizers open libraries for the tool and do not know where it looks for them.
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr const char* kPath = "$OTHER:$LIB";
+constexpr const char* kPath = "${OTHER:+$OTHER:}$LIB";
 #else
 constexpr const char* kPath = "$OTHER";
 #endif

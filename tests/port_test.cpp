@@ -155,11 +155,12 @@ TEST_F(Port, FlagsAndFillLevels) {
   }
 }
 
-/// A completed transition opens the trigger parameters of its port again, the software trigger only
-/// as it applies.
+/// A completed transition opens the trigger parameters of its port again but for six, the software
+/// trigger only as it applies.
 TEST_F(Port, TransitionReopensParameters) {
   const std::tuple<int, std::uint32_t, std::uint32_t> changes[] = {
       {FG_TRIGGERSTATE, TS_ACTIVE, 7}, {FG_AREATRIGGERMODE, ATM_EXTERNAL, 1}};
+  constexpr int kReopened = 27;
   for (const auto& [id, value, pulseAccess] : changes)
     for (const bool fails : {true, false}) {
       for (unsigned port = 0; port < kPorts; ++port)
@@ -169,7 +170,7 @@ TEST_F(Port, TransitionReopensParameters) {
       for (unsigned port = 0; port < kPorts; ++port)
         EXPECT_EQ(std::ranges::count_if(
                       writable, [&](int each) { return applet.node(each, port)->accessMode != 0; }),
-                  !fails && port == 2 ? 27 : 0);
+                  !fails && port == 2 ? kReopened : 0);
       EXPECT_EQ(applet.node(FG_SENDSOFTWARETRIGGER, 2)->accessMode, fails ? 0 : pulseAccess);
     }
 }

@@ -80,9 +80,10 @@ TEST(DesignNames, AreThoseOfTheOwnDesign) {
   };
   EXPECT_EQ(count("KT id for KT parameter"), kDesignParameters);
   EXPECT_EQ(count("HAP id for HAP parameter"), kDesignRegisters);
-  EXPECT_EQ(count("event id for internal event"), 44u);
+  EXPECT_EQ(count("event id for internal event"), kDesignEvents);
   // Events of inputs are looked for with each camera.
-  EXPECT_EQ(lines.size(), kDesignParameters + kDesignRegisters + 44 + (kPorts - 1) * 2 * 8);
+  EXPECT_EQ(lines.size(),
+            kDesignParameters + kDesignRegisters + kDesignEvents + (kPorts - 1) * 2 * 8);
   EXPECT_EQ(*std::ranges::find_if(lines, [](auto& line) { return line.find(" KT ") != line.npos; }),
             lacking("KT id for KT parameter",
                     "Device1_Process4_Trigger_TriggerCam0_TriggerOutput_Select0_Select_Select"));
