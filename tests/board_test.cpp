@@ -64,7 +64,7 @@ TEST_F(Board, AnswersWithItsCodes) {
       // Once more, from the first picture on; stopped before the last.
       {{start(0, 9), number(), dmaStatus(), wait(2, 5), going()}, {0, 0, 1, 2, 1}},
       {{stop(), stop(), dmaStatus(), going(), number(), stop(4)}, {0, -2111, 0, 0, 2, -2081}},
-      {{wait(2, 1), wait(3, 1), start(0, -1), number(), wait(1, -1)}, {2, -2111, 0, 0, -2087}},
+      {{wait(2, 1), wait(3, 1), start(0, -1), going(), wait(1, -1)}, {2, -2111, 0, 1, -2087}},
       {{set(FG_APC_STOP_TIMEOUT, &length, 0), set(FG_DMASTATUS, &length, 0)}, {0, -2084}},
   };
   for (const auto& row : rows) EXPECT_EQ(row.results, row.expected) << &row - rows;
