@@ -58,8 +58,9 @@ TEST_F(Board, AnswersWithItsCodes) {
       {{Fg_getLastErrorNumber(fg), Fg_FreeGrabber(nullptr)}, {-2084, -2050}},
       {{KorvRegisterWrite(session.device, 33, 0), stop(), wait(1, 1)}, {-2090, -2111, -2111}},
       {{start(4, 9), start(0, 0), start(0, 9), start(0, 9)}, {-2081, -2087, 0, -2110}},
-      // Six pictures at 30 Hz take a fifth of a second; a tenth never comes.
-      {{wait(6, 5), clock(), going(), wait(10, 2), clock()}, {6, 1200, 1, -2120, 3200}},
+      // Six pictures at 30 Hz take a fifth of a second, nine are all; a tenth never comes.
+      {{wait(6, 5), clock(), going(), wait(9, 5), going()}, {6, 1200, 1, 9, 0}},
+      {{clock(), wait(10, 2), clock()}, {1300, -2120, 3300}},
       {{going(), dmaStatus(), stop(), number(), stop(), number()}, {0, 0, 0, 9, -2111, 9}},
       // Once more, from the first picture on; stopped before the last.
       {{start(0, 9), number(), dmaStatus(), wait(2, 5), going()}, {0, 0, 1, 2, 1}},
