@@ -1,5 +1,6 @@
 /// The tool `velmora`, run as a user runs it: transcripts of a shell, `data/tool/*.txt`. Below each
-/// command are its output, its messages behind "! " and its exit status if that is not 0.
+/// command are its output, its messages behind "! " and its exit status if that is not 0; "## "
+/// begins a comment.
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 

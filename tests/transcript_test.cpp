@@ -1,102 +1,84 @@
 /// Transcripts: what hosts and hardware do, and every access to the board, result and moved limit
 /// that comes of it. Their form is told in `data/transcripts/README`.
+#include <functional>
+
 #include "tests/applet_test.h"
 
 namespace {
 
 using namespace fixture;
 
-constexpr const char* kExtendedStatus = "FG_CAMSTATUS_EXTENDED";
-
 class Transcript : public testing::TestWithParam<const char*> {
  protected:
-  int id(const std::string& name) { return Fg_getParameterIdByName(applet.fg(), name.c_str()); }
-  const RegisterInfo* described(const std::string& name) { return applet.node(id(name), port); }
-
   /// Range and access of every parameter on every port.
   std::map<std::string, std::string> limits() {
     std::map<std::string, std::string> all;
     for (unsigned p = 0; p < kPorts; ++p)
-      for (int i = 0; i < Fg_getNrOfParameter(applet.fg()); ++i)
-        if (const RegisterInfo* node = applet.node(Fg_getParameterId(applet.fg(), i), p))
+      for (const int id : applet.ids())
+        if (const RegisterInfo* node = applet.node(id, p))
           all[fmt::format("{}[{}]", node->paramName, p)] = limitsOf(*node);
     return all;
   }
 
-  int set(const std::string& name, const std::string& value) {
-    const RegisterInfo* node = described(name);
-    return node && node->kind == REGISTER_INFO_DOUBLE
-               ? applet.set(id(name), std::stod(value), port)
-               : applet.set(id(name), std::stoll(value), port);
+  int set(int id, bool real, const std::string& value) {
+    return real ? applet.set(id, std::stod(value), port) : applet.set(id, std::stoll(value), port);
   }
-
-  /// A get: what it yields as text.
-  std::string get(const std::string& name) {
-    const RegisterInfo* node = described(name);
-    const auto text = [](const auto& reading) {
-      return reading.code == 0 ? fmt::format("{}", reading.value)
-                               : fmt::format("{} {}", reading.code, reading.value);
+  /// A failing get leaves the value as it is.
+  int get(int id, bool real, std::string& value) {
+    const auto told = [&](const auto& reading, auto untouched) {
+      if (reading.code != VELMORA_OK) {
+        EXPECT_EQ(reading.value, untouched);
+      }
+      value = fmt::format("{}", reading.value);
+      return reading.code;
     };
-    return node && node->kind == REGISTER_INFO_DOUBLE ? text(applet.real(id(name), port))
-                                                      : text(applet.word(id(name), port));
+    return real ? told(applet.real(id, port), -1.0) : told(applet.word(id, port), 0xDEADBEEF);
   }
 
   /// Calls `action` until no access to the board fails; until then every one of them does, one
   /// after the other, which has to be told and recorded, to end the call, and to change nothing.
-  /// `failed` tells failures from the results of `action`.
-  template <class Action, class Failed>
-  auto withEveryFailure(const Action& action, const Failed& failed) {
+  int withEveryFailure(const std::function<int()>& action) {
     const Sight before = sightOf(applet, port);
     std::vector<Lines> attempts;
     for (unsigned k = 1;; ++k) {
       takeAccesses();
       board::failAt(k, kInjected);
-      const auto result = action();
+      const int code = action();
       board::clearFaults();
-      attempts.push_back(takeAccesses());
-      if (!failed(result)) {
-        // What the failing attempts did is how the whole one begins.
-        for (std::size_t i = 0; i + 1 < attempts.size(); ++i) {
-          EXPECT_EQ(attempts[i].size(), i + 1);
-          for (std::size_t j = 0; j < i && j < attempts.back().size(); ++j)
-            EXPECT_EQ(attempts[i][j], attempts.back()[j]);
-        }
-        accesses = attempts.back();
-        return result;
-      }
-      EXPECT_EQ(applet.lastError(), kInjected);
+      accesses = takeAccesses();
+      EXPECT_EQ(applet.lastError(), code);
+      if (code != kInjected) break;
       EXPECT_EQ(differences(before, sightOf(applet, port)), std::vector<int>{}) << "access " << k;
+      EXPECT_EQ(accesses.size(), k);
+      accesses.pop_back();
+      attempts.push_back(accesses);
     }
+    // What the failing attempts did is how the whole one begins.
+    for (const Lines& attempt : attempts)
+      EXPECT_TRUE(std::ranges::mismatch(attempt, accesses).in1 == attempt.end());
+    return applet.lastError();
   }
 
   /// Does what the line says; the line as it should have been, with those that belong below it.
   std::string play(const std::string& line) {
     std::istringstream words(line);
-    std::string name, sign, value, out;
+    std::string name, sign, value;
     words >> name >> sign >> value;
     if (name == "hardware") {
       words >> value;
       board::setValue(applet.device(), sign, port, std::stod(value));
       return line + '\n';
     }
+    const int id = Fg_getParameterIdByName(applet.fg(), name.c_str());
+    const RegisterInfo* node = applet.node(id, port);
+    const bool real = node && node->kind == REGISTER_INFO_DOUBLE;
     const auto before = limits();
-    if (sign == "->") {
-      out = name + " -> " +
-            withEveryFailure([&] { return get(name); },
-                             [](const auto& text) {
-                               return text == fmt::format("{} {}", kInjected, 0xDEADBEEF) ||
-                                      text == fmt::format("{} -1", kInjected);
-                             });
-    } else {
-      const int code = withEveryFailure([&] { return set(name, value); },
-                                        [](int result) { return result == kInjected; });
-      EXPECT_EQ(applet.lastError(), code);
-      out = name + " = " + value + (code == 0 ? "" : fmt::format(" failed: {}", code));
-    }
-    out += '\n';
+    const int code = withEveryFailure(
+        [&] { return sign == "->" ? get(id, real, value) : set(id, real, value); });
+    std::string out = name + ' ' + sign + ' ' + value;
+    out += code == VELMORA_OK ? "\n" : fmt::format(" failed: {}\n", code);
     for (const std::string& access : accesses) out += "  " + access + '\n';
-    const auto after = limits();
-    for (const auto& [parameter, limit] : after)
+    for (const auto& [parameter, limit] : limits())
       if (limit != before.at(parameter)) out += "  " + parameter + ' ' + limit + '\n';
     return out;
   }
@@ -112,7 +94,7 @@ TEST_P(Transcript, IsWhatHappensOnEveryPort) {
   // Port 0 has no Synchronized mode.
   for (port = std::string(GetParam()) == "synchronized" ? 1 : 0; port < kPorts; ++port) {
     // Follows from what is written, so it is kept still.
-    board::setValue(applet.device(), kExtendedStatus, port, 1);
+    board::setValue(applet.device(), "FG_CAMSTATUS_EXTENDED", port, 1);
     std::string played;
     for (const std::string& line : linesOf(forPort(text, port)))
       if (line.empty() || line.starts_with('#'))
