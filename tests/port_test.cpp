@@ -175,16 +175,17 @@ TEST_F(Port, TransitionReopensParameters) {
     }
 }
 
-/// The design takes one in 160 ns.
+/// The design takes one in 160 ns. A bound from below: it holds on the slowest machine.
 TEST_F(Port, SoftwareTriggersKeepTheirDistance) {
   constexpr std::uint32_t kMost = 2040;
   ASSERT_EQ(applet.set(FG_AREATRIGGERMODE, ATM_SOFTWARE), VELMORA_OK);
   ASSERT_EQ(applet.set(FG_TRIGGERSTATE, TS_ACTIVE), VELMORA_OK);
   ASSERT_EQ(applet.set(FG_TRIGGERQUEUE_MODE, FG_ON), VELMORA_OK);
-  const auto start = std::chrono::steady_clock::now();
-  ASSERT_EQ(applet.set(FG_SENDSOFTWARETRIGGER, kMost), VELMORA_OK);
-  const auto took = std::chrono::steady_clock::now() - start;
-  EXPECT_GE(took, kMost * std::chrono::nanoseconds(160));
+  for (int round = 0; round < 20; ++round) {  // Some of which nobody interrupts.
+    const auto start = std::chrono::steady_clock::now();
+    ASSERT_EQ(applet.set(FG_SENDSOFTWARETRIGGER, kMost), VELMORA_OK);
+    EXPECT_GE(std::chrono::steady_clock::now() - start, kMost * std::chrono::nanoseconds(160));
+  }
 }
 
 TEST(PortWithoutDefaults, ReportsAnUntouchedDesign) {
