@@ -34,7 +34,7 @@ TEST(Lookups, FindEveryParameterAndNothingElse) {
   Applet applet;
   Fg_Struct* const fg = applet.fg();
   const auto recorded = [&](int code, const auto& call) {
-    Fg_getParameterId(fg, code == VELMORA_OK ? -1 : 0);  // Records another code.
+    applet.set(FG_WIDTH, code == VELMORA_OK ? 0 : 1024);  // Records another code.
     const auto result = call();
     EXPECT_EQ(applet.lastError(), code);
     return result;

@@ -124,13 +124,19 @@ TEST(DesignEvents, HaveTheNamesOfTheSdk) {
     std::string name, own;
     std::istringstream(line) >> name >> own;
     EXPECT_EQ(Fg_getEventMask(applet.fg(), name.c_str()), mask) << name;
+    applet.set(FG_WIDTH, 0);  // Records another code.
     EXPECT_EQ(Fg_getEventMask(applet.fg(), own.c_str()), mask) << own;
     EXPECT_EQ(applet.lastError(), VELMORA_OK);
+    applet.set(FG_WIDTH, 0);
     EXPECT_EQ(Fg_getEventName(applet.fg(), mask), name);
+    EXPECT_EQ(applet.lastError(), VELMORA_OK);
     mask *= 2;
   }
-  for (const char* name : {static_cast<const char*>(nullptr), "", "FG_TRIGGER_INPUT8_RISING"})
+  for (const char* name : {static_cast<const char*>(nullptr), "", "FG_TRIGGER_INPUT8_RISING"}) {
+    applet.set(FG_WIDTH, 1024);
     EXPECT_EQ(Fg_getEventMask(applet.fg(), name), 0u);
+    EXPECT_EQ(applet.lastError(), VELMORA_INVALID_ARGUMENT);
+  }
   for (const std::uint64_t none : {std::uint64_t{0}, std::uint64_t{3}, ~std::uint64_t{0}, mask}) {
     Fg_getParameterId(applet.fg(), 0);
     EXPECT_EQ(Fg_getEventName(applet.fg(), none), nullptr);
