@@ -13,7 +13,6 @@
 #include <vector>
 
 #include "velmora/handles.h"
-#include "velmora/status.h"
 
 #pragma GCC visibility push(default)
 
@@ -43,11 +42,6 @@ struct Outstanding {
   int strings = 0;
 };
 Outstanding outstanding();
-
-/// Short names of the channel states in `velmora/status.h`.
-inline constexpr auto kGrabbedPictures = VELMORA_STATUS_GRABBED_PICTURES;
-inline constexpr auto kLostPictures = VELMORA_STATUS_LOST_PICTURES;
-inline constexpr auto kAcquiring = VELMORA_STATUS_ACQUIRING;
 
 /// What an error code of the board's libraries means; empty for any other code.
 const char* errorText(int code);

@@ -21,7 +21,6 @@ test_packages=(
   "libpng-dev:/usr/include/png.h"
   "libaravis-dev:/usr/include/aravis-0.8/arv.h"
   "pkg-config:/usr/bin/pkg-config"
-  "libxml2-utils:/usr/bin/xmllint"
   "locales:/usr/share/i18n/locales/de_DE"
 )
 

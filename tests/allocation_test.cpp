@@ -20,13 +20,11 @@ TEST(Allocation, AcceptedSetsAndGetsAllocateNothing) {
   fixture::Applet applet;
   board::stopJournal();
   ASSERT_GT(allocations, 0) << "the count does not see the libraries";
-  for (int index = 0; index < Fg_getNrOfParameter(applet.fg()); ++index) {
-    const int id = Fg_getParameterId(applet.fg(), index);
-    const RegisterInfo* node = applet.node(id);
+  for (const int id : applet.ids()) {
     if (id == FG_HAP_FILE) continue;  // Its string is the caller's.
-    const bool writable = node && (node->accessMode & REGISTER_INFO_WRITABLE) &&
-                          id != FG_SENDSOFTWARETRIGGER;  // Refused in the generator mode.
-    SCOPED_TRACE(Fg_getParameterName(applet.fg(), index));
+    const bool writable =
+        applet.writable(id) && id != FG_SENDSOFTWARETRIGGER;  // Refused in the generator mode.
+    SCOPED_TRACE(id);
     double buffer = 0;
     const int before = allocations;
     const int got = Fg_getParameterWithType(applet.fg(), id, &buffer, 0, FG_PARAM_TYPE_INT32);

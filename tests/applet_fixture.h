@@ -1,8 +1,9 @@
-/// An applet opened on a virtual board, for tests through the exports.
+/// An applet opened on a virtual board, for programs that use it through the exports.
 #pragma once
 
 #include <cstdint>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include "board/virtual_board.h"
@@ -17,6 +18,8 @@ struct Fg_Struct {
 };
 
 namespace fixture {
+
+using Lines = std::vector<std::string>;
 
 /// `Std_entry` flag: the design keeps what it has.
 inline constexpr int kNoDefaults = VELMORA_LEAVE_DESIGN;
@@ -33,7 +36,6 @@ class Applet {
     grabber_.applet = Std_entry(device_, &error_, flags);
   }
   Applet(const Applet&) = delete;
-  Applet& operator=(const Applet&) = delete;
   ~Applet() {
     board::clearFaults();
     board::stopJournal();
@@ -51,14 +53,12 @@ class Applet {
   int lastError() { return Fg_getLastErrorNumber(&grabber_); }
 
   /// Sets a 32-bit or a double parameter; the result of the export.
-  int set(int id, std::uint32_t value, unsigned port = 0) {
-    return Fg_setParameterWithType(&grabber_, id, &value, port, FG_PARAM_TYPE_INT32);
-  }
-  int set(int id, int value, unsigned port = 0) {
-    return set(id, static_cast<std::uint32_t>(value), port);
-  }
-  int set(int id, double value, unsigned port = 0) {
-    return Fg_setParameterWithType(&grabber_, id, &value, port, FG_PARAM_TYPE_DOUBLE);
+  template <class T>
+  int set(int id, T value, unsigned port = 0) {
+    if constexpr (std::is_same_v<T, double>)
+      return Fg_setParameterWithType(&grabber_, id, &value, port, FG_PARAM_TYPE_DOUBLE);
+    const auto word = static_cast<std::uint32_t>(value);
+    return Fg_setParameterWithType(&grabber_, id, &word, port, FG_PARAM_TYPE_INT32);
   }
 
   /// What a get returns and stores.
@@ -68,8 +68,9 @@ class Applet {
     T value;
     bool operator==(const Reading&) const = default;
   };
-  Reading<std::uint32_t> word(int id, unsigned port = 0) {
-    Reading<std::uint32_t> reading{0, 0xDEADBEEF};
+  using Word = Reading<std::uint32_t>;
+  Word word(int id, unsigned port = 0) {
+    Word reading{0, 0xDEADBEEF};
     reading.code =
         Fg_getParameterWithType(&grabber_, id, &reading.value, port, FG_PARAM_TYPE_INT32);
     return reading;
@@ -81,12 +82,23 @@ class Applet {
     return reading;
   }
 
+  /// The ids of all listed parameters.
+  std::vector<int> ids() {
+    std::vector<int> all;
+    for (int i = 0; i < Fg_getNrOfParameter(fg()); ++i) all.push_back(Fg_getParameterId(fg(), i));
+    return all;
+  }
+
   /// A parameter's description node, or null.
   RegisterInfo* node(int id, unsigned port = 0) {
     for (RegisterInfo* root = Fg_getParameterInfo(&grabber_, static_cast<int>(port)); root;
          root = root->next)
       if (RegisterInfo* found = find(*root, id)) return found;
     return nullptr;
+  }
+  bool writable(int id) {
+    const RegisterInfo* described = node(id);
+    return described && (described->accessMode & REGISTER_INFO_WRITABLE) != 0;
   }
 
  private:
@@ -102,29 +114,12 @@ class Applet {
   int error_ = 1;
 };
 
-using Lines = std::vector<std::string>;
-
 /// The accesses since the last take as journal lines, without the calls that are no parameter or
-/// register access: "set NAME[1] = 3", "get NAME[0] -> 5", "write REG = 1", "read REG -> 1". The
-/// trigger block's prefix "Device1_Process4_Trigger_" is left out.
+/// register access: "set NAME[1] = 3", "get NAME[0] -> 5", "write REG = 1", "read REG -> 1".
 inline Lines takeAccesses() {
-  static const std::string kPrefix = "Device1_Process4_Trigger_";
   Lines lines;
-  for (const board::Access& access : board::takeJournal()) {
-    if (access.kind == board::AccessKind::kCall) continue;
-    std::string line = board::describe(access);
-    if (const auto at = line.find(kPrefix); at != std::string::npos) line.erase(at, kPrefix.size());
-    lines.push_back(line);
-  }
-  return lines;
-}
-
-/// Like `takeAccesses`, writes only.
-inline Lines takeWrites() {
-  Lines lines = takeAccesses();
-  std::erase_if(lines, [](const std::string& line) {
-    return !line.starts_with("set ") && !line.starts_with("write ");
-  });
+  for (const board::Access& access : board::takeJournal())
+    if (access.kind != board::AccessKind::kCall) lines.push_back(board::describe(access));
   return lines;
 }
 

@@ -7,6 +7,7 @@
 
 #include "board_session.h"
 #include "temporary_directory.h"
+#include "velmora/register_info.h"
 
 namespace {
 
@@ -93,13 +94,17 @@ TEST(BoardDesign, JudgesManifests) {
                            "enum A rw shared X=-1 Y=2 unit=V initial=2"}) {
     EXPECT_TRUE(accepted(loadRecords(good))) << good;
   }
-  for (const char* bad : {"register A 33", "register A 65 rw", "register A 8 rw\nregister A 8 rw",
-                          "register A{3-0} 8 rw", "register A{0-3 8 rw",
-                          "register A{0-9999}{0-9999} 8 rw", "event E{0-1} 1\nevent E1 1",
-                          "uint A rw shared 0 4294967296 1", "int A rw shared 0 1 1 initial=x",
-                          "enum A rw shared X", "float A rw shared 0 1 1", "end"}) {
+  for (const char* bad :
+       {"register A 33", "register A 65 rw", "register A 8 rw\nregister A 8 rw",
+        "register A{3-0} 8 rw", "register A{0-3 8 rw", "register A{0-9999}{0-9999} 8 rw",
+        "event E{0-1} 1\nevent E1 1", "uint A rw shared 0 4294967296 1",
+        "int A rw shared 0 1 1 initial=x", "string A rw shared x initial=1", "enum A rw shared X",
+        "float A rw shared 0 1 1", "end", "register A{0-6}_{0-9361} 8 rw\nregister B{0-2} 8 rw"}) {
     EXPECT_FALSE(accepted(loadRecords(bad))) << bad;
   }
+  EXPECT_TRUE(accepted(loadRecords("register A{0-6}_{0-9361} 8 rw\nregister B{0-1} 8 rw")));
+  for (const std::size_t length : {255U, 256U})
+    EXPECT_EQ(accepted(loadRecords("event " + std::string(length, 'E') + " 1")), length == 255);
   // Whatever is cut off or overwritten, loading ends with a design or without one.
   const std::string text = manifestText();
   std::size_t refused = 0;
@@ -131,14 +136,30 @@ TEST(BoardDesign, ExternalDesignMayDiffer) {
   const int id = session.id("Text");
   char* text = nullptr;
   char foreign[] = "new text";
-  EXPECT_EQ(Fg_setParameterWithType(session.fg, id, foreign, 0, 22), 0);
-  EXPECT_EQ(Fg_getParameterWithType(session.fg, id, &text, 0, 22), 0);
+  board::startJournal();
+  EXPECT_EQ(Fg_setParameterWithType(session.fg, id, "text", 0, 22), 0);
+  EXPECT_EQ(Fg_setParameter(session.fg, id, foreign, 0), 0);  // In the parameter's own type.
+  EXPECT_EQ(Fg_getParameter(session.fg, id, &text, 0), 0);
+  EXPECT_EQ(Fg_getParameterWithType(session.fg, id, &text, 0, 2), -2083);
+  EXPECT_EQ(takeLines(),
+            "set Text[0] = text\nset Text[0] = new text\nget Text[0] -> new text\n"
+            "get Text[0] failed: -2083\n");
+  board::stopJournal();
   EXPECT_STREQ(text, foreign);
   for (const auto& [own, left] : {std::pair<char*, int>(foreign, 1), {text, 0}}) {
     EXPECT_EQ(board::outstanding().strings, 1);
     EXPECT_EQ(Fg_freeParameterStringWithType(session.fg, id, own, 0, 22), left * -2086);
     EXPECT_EQ(board::outstanding().strings, left);
   }
+}
+
+TEST(BoardDesign, DescribesEveryKindOfParameter) {
+  std::ifstream records(TEST_DATA "/every_kind.design");
+  const BoardSession session(loadRecords({std::istreambuf_iterator<char>(records), {}}));
+  std::set<uint32_t> kinds;
+  for (const auto* root = Fg_getParameterInfo(session.fg, 0); root; root = root->next)
+    forEachParameter(root, [&](const RegisterInfo& node) { kinds.insert(node.kind); });
+  EXPECT_EQ(kinds, (std::set<uint32_t>{1, 3, 5, 6, 7, 8, 9, 11, 12, 13}));
 }
 
 TEST(BoardDesign, AnotherDesignTakesADeviceOverWhenItIsFree) {

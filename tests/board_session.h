@@ -16,6 +16,14 @@ extern "C" {
 Fg_Struct* Fg_InitHandleSlaveAware(const char* hapName, KTdevice*, fpga_design*, int flags);
 Fg_Struct* Fg_InitHandle(const char* hapName, KTdevice*, fpga_design*);
 VornGetParameter Fg_getParameter;
+VornSetParameter Fg_setParameter;
+}
+
+/// The journal since the last take, line by line.
+inline std::string takeLines() {
+  std::string lines;
+  for (const auto& access : board::takeJournal()) lines += board::describe(access) + "\n";
+  return lines;
 }
 
 inline fpga_design* loadImage() {

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "board_session.h"
+#include "velmora/parameters.h"
 
 namespace {
 
@@ -39,10 +40,14 @@ TEST_F(Board, AnswersWithItsCodes) {
     return Fg_setParameterWithType(fg, id, value, dma, type);
   };
   const auto start = [&](unsigned dma, int n) { return Fg_AcquireEx(fg, dma, n, 0, nullptr); };
-  const auto stop = [&] { return Fg_stopAcquireEx(fg, 0, 0, 0); };
+  const auto stop = [&](unsigned dma = 0) { return Fg_stopAcquireEx(fg, dma, 0, 0); };
+  const auto number = [&] { return Fg_getLastPicNumberEx(fg, 0, 0); };
+  const auto dmaStatus = [&](int value = -1) {
+    return Fg_getParameter(fg, FG_DMASTATUS, &value, 0) == 0 ? value : -1;
+  };
   const auto wait = [&](int n, int s) { return Fg_getLastPicNumberBlockingEx(fg, n, 0, s, 0); };
   const auto clock = [&] { return std::chrono::round<std::chrono::milliseconds>(time).count(); };
-  const auto going = [&] { return Fg_getStatusEx(fg, board::kAcquiring, 0, 0, nullptr); };
+  const auto going = [&] { return Fg_getStatusEx(fg, VELMORA_STATUS_ACQUIRING, 0, 0, nullptr); };
   const struct {
     std::vector<int64_t> results, expected;
   } rows[] = {
@@ -53,9 +58,15 @@ TEST_F(Board, AnswersWithItsCodes) {
       {{Fg_getLastErrorNumber(fg), Fg_FreeGrabber(nullptr)}, {-2084, -2050}},
       {{KorvRegisterWrite(session.device, 33, 0), stop(), wait(1, 1)}, {-2090, -2111, -2111}},
       {{start(4, 9), start(0, 0), start(0, 9), start(0, 9)}, {-2081, -2087, 0, -2110}},
-      // Six pictures at 30 Hz take a fifth of a second; a tenth never comes.
-      {{wait(6, 5), clock(), going(), wait(10, 2), clock()}, {6, 1200, 1, -2120, 3200}},
-      {{going(), stop(), Fg_getLastPicNumberEx(fg, 0, 0)}, {0, 0, 9}},
+      // Six pictures at 30 Hz take a fifth of a second, nine are all; a tenth never comes.
+      {{wait(6, 5), clock(), going(), wait(9, 5), going()}, {6, 1200, 1, 9, 0}},
+      {{clock(), wait(10, 2), clock()}, {1300, -2120, 3300}},
+      {{going(), dmaStatus(), stop(), number(), stop(), number()}, {0, 0, 0, 9, -2111, 9}},
+      // Once more, from the first picture on; stopped before the last.
+      {{start(0, 9), number(), dmaStatus(), wait(2, 5), going()}, {0, 0, 1, 2, 1}},
+      {{stop(), stop(), dmaStatus(), going(), number(), stop(4)}, {0, -2111, 0, 0, 2, -2081}},
+      {{wait(2, 1), wait(3, 1), start(0, -1), going(), wait(1, -1)}, {2, -2111, 0, 1, -2087}},
+      {{set(FG_APC_STOP_TIMEOUT, &length, 0), set(FG_DMASTATUS, &length, 0)}, {0, -2084}},
   };
   for (const auto& row : rows) EXPECT_EQ(row.results, row.expected) << &row - rows;
 }
@@ -129,9 +140,7 @@ TEST_F(Board, JournalTellsAccessesAndFaultsInOrder) {
   Fg_setParameterWithType(fg, red, &gain, 0, 5);
   Fg_getParameterIdByName(fg, "Nothing");
   Fg_AcquireEx(fg, 0, 10, 0, nullptr);
-  std::string lines;
-  for (const auto& access : board::takeJournal()) lines += board::describe(access) + "\n";
-  EXPECT_EQ(lines, R"(set Device1_Process0_Buffer_XLength[1] = 8 failed: -77
+  EXPECT_EQ(takeLines(), R"(set Device1_Process0_Buffer_XLength[1] = 8 failed: -77
 get Device1_Process0_Buffer_XLength[1] failed: -77
 set Device1_Process0_Buffer_XLength[1] = 1000
 get Device1_Process0_Buffer_XLength[1] -> 1000

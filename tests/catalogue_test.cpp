@@ -1,48 +1,16 @@
 // The description tree of every port as a tool finds it through the exports, node by node.
-#include <fmt/format.h>
-#include <gtest/gtest.h>
-
-#include <fstream>
 #include <optional>
-#include <string>
 
-#include "tests/applet_fixture.h"
-#include "tests/external_design.h"
+#include "tests/applet_test.h"
 #include "velmora/register_info.h"
 
 namespace {
 
-using fixture::Applet;
-using fixture::EnvironmentVariable;
-using fixture::ExternalDesign;
-using fixture::kNoDefaults;
-using fixture::kPorts;
+using namespace fixture;
 
-/// A text in ASCII and quotes: the micro sign is the single byte B5.
+/// A text in quotes; the micro sign is the single byte B5.
 std::string quoted(const char* text) {
-  if (!text) return "null";
-  std::string result = "\"";
-  for (; *text; ++text) {
-    const auto byte = static_cast<unsigned char>(*text);
-    result += byte < 0x80 ? std::string(1, *text) : fmt::format("\\x{:X}", byte);
-  }
-  return result + '"';
-}
-
-/// Doubles appear in their shortest exact form: equal texts are equal bits.
-std::string range(const char* kind, const auto& limits) {
-  return fmt::format("{} {}..{} step {}", kind, limits.min, limits.max, limits.inc);
-}
-
-std::string limitsOf(const RegisterInfo& node) {
-  const auto& value = node.value;
-  if (node.kind == REGISTER_INFO_UINT) return range("uint", value.uint32);
-  if (node.kind == REGISTER_INFO_INT) return range("int", value.int32);
-  if (node.kind == REGISTER_INFO_UINT64) return range("uint64", value.uint64);
-  if (node.kind == REGISTER_INFO_INT64) return range("int64", value.int64);
-  if (node.kind == REGISTER_INFO_DOUBLE) return range("double", value.real);
-  if (node.kind == REGISTER_INFO_STRING) return "string " + quoted(value.string.value);
-  return node.kind == REGISTER_INFO_ENUM ? "enum" : fmt::format("kind {}", node.kind);
+  return text ? '"' + replaced(text, "\xB5", "\\xB5") + '"' : "null";
 }
 
 /// Lists a parameter; its id is the one that its name leads to.
@@ -50,9 +18,9 @@ std::string listValue(Applet& applet, const RegisterInfo& node, const std::strin
   EXPECT_EQ(node.visible, 1U) << node.paramName;
   EXPECT_EQ(Fg_getParameterIdByName(applet.fg(), node.paramName), node.id) << node.paramName;
   std::string text = fmt::format(
-      "{}{} {}{} {}, access {}, qualifier {}{}\n", indent, node.paramName,
+      "{}{} {}{} {}, qualifier {}{}\n", indent, node.paramName,
       node.id > 1000000 ? "" : fmt::format("{} ", node.id),  // Beyond, ids depend on the design.
-      quoted(node.name), limitsOf(node), node.accessMode, node.qualifier,
+      quoted(node.name), limitsOf(node), node.qualifier,
       node.unit ? ", unit " + quoted(node.unit) : "");
   if (node.kind != REGISTER_INFO_ENUM) return text;
   const auto& entries = node.value.enumeration;
@@ -87,9 +55,8 @@ std::string listing(Applet& applet, unsigned port) {
 /// The lines of a file that hold for a port.
 std::string expected(unsigned port, const char* file = "catalogue.txt") {
   static const std::string kLaterPortsOnly = " (ports 1 to 3)";
-  std::ifstream in(std::string(TEST_DATA "/") + file);
   std::string text;
-  for (std::string line; std::getline(in, line);) {
+  for (const std::string& line : linesOf(contentOf(std::string(TEST_DATA "/") + file))) {
     const auto note = line.find(kLaterPortsOnly);
     if (port != 0 || note == std::string::npos) text += line.substr(0, note) + '\n';
   }
@@ -98,16 +65,13 @@ std::string expected(unsigned port, const char* file = "catalogue.txt") {
 
 TEST(Catalogue, DescribesEveryPortNodeByNode) {
   Applet applet(kNoDefaults);
-  for (unsigned port = 0; port < kPorts; ++port) {
-    SCOPED_TRACE(port);
-    EXPECT_EQ(listing(applet, port), expected(port));
-  }
+  for (unsigned port = 0; port < kPorts; ++port) EXPECT_EQ(listing(applet, port), expected(port));
   for (const int port : {-1, 4}) EXPECT_EQ(Fg_getParameterInfo(applet.fg(), port), nullptr);
 }
 
 TEST(Catalogue, DirectAccessIsDescribedWhenEnabledRegistersFirstOnTheLastPort) {
-  const ExternalDesign design(fixture::kEveryKindOfRecord);
-  for (const bool registers : {false, true}) {
+  const ExternalDesign design(everyKindOfRecord());
+  for (const bool registers : {false, true})
     for (const bool parameters : {false, true}) {
       std::optional<EnvironmentVariable> dra, dkta;
       if (registers) dra.emplace("KORV_ENABLE_DRA", "TRUE");
@@ -122,7 +86,6 @@ TEST(Catalogue, DirectAccessIsDescribedWhenEnabledRegistersFirstOnTheLastPort) {
         EXPECT_EQ(listing(applet, port), text);
       }
     }
-  }
 }
 
 TEST(Catalogue, DirectAccessIsNotDescribedWhenTheDesignHasNothingToOffer) {

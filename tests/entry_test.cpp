@@ -1,23 +1,16 @@
-#include <gtest/gtest.h>
 #include <pthread.h>
-#include <stdlib.h>
 
 #include <cstdio>
-#include <filesystem>
 #include <iterator>
 #include <new>
 #include <set>
-#include <sstream>
-#include <utility>
 
-#include "tests/applet_fixture.h"
-#include "tests/external_design.h"
+#include "tests/applet_test.h"
 #include "tests/loaded_runtime.h"
 
 namespace {
 
-using fixture::Applet;
-using fixture::Lines;
+using namespace fixture;
 using Steps = std::vector<std::pair<std::string, int>>;
 
 // A logger asks for its level once, when it is made.
@@ -83,9 +76,9 @@ TEST(Entry, TakesItsStepsInOrder) {
     }
     EXPECT_EQ(steps, (Steps{{"call HapLoadDesignFromBuffer(2662941 bytes)", 1},
                             {"call Fg_InitHandle" + init, 1},
-                            {"HapGetEvent", 44 + 1},
-                            {"Fg_getParameterIdByName", 258},
-                            {"HapGetRegisterByName", 32}}));
+                            {"HapGetEvent", kDesignEvents + 1},
+                            {"Fg_getParameterIdByName", kDesignParameters},
+                            {"HapGetRegisterByName", kDesignRegisters}}));
   }
 }
 
@@ -126,26 +119,10 @@ TEST(Entry, RefusalsReleaseEverything) {
   }
 }
 
-TEST(Entry, ExternalDesignReplacesTheEmbeddedOne) {
-  for (const std::string records : {"", "# missing", "damaged"}) {
-    const fixture::ExternalDesign external(records);
-    if (records == "# missing") std::filesystem::remove("Velmora.hap");
-    Applet applet;
-    EXPECT_EQ(applet.opened(), records.empty());
-    EXPECT_EQ(applet.error(), records.empty() ? 0 : -100);
-    const auto journal = board::takeJournal();
-    EXPECT_TRUE(board::describe(journal.at(0))
-                    .starts_with("call HapLoadHapFileWithType(Velmora.hap, board type 3652)"));
-    EXPECT_EQ(journal.size() > 1, records.empty());
-    applet.close();
-    EXPECT_TRUE(allReleased());
-  }
-}
-
 /// As if there were no memory left for whatever the step does. The first one follows a refusal.
 TEST(Entry, LetsNoExceptionOut) {
-  const fixture::EnvironmentVariable registers("KORV_ENABLE_DRA", "1");
-  const fixture::EnvironmentVariable parameters("KORV_ENABLE_DKTA", "1");
+  const EnvironmentVariable registers("KORV_ENABLE_DRA", "1");
+  const EnvironmentVariable parameters("KORV_ENABLE_DKTA", "1");
   board::failNamed("Fg_InitHandleSlaveAware", -2052);
   for (const char* step : {"Fg_getLastErrorNumber", "HapGetEvent", "HapGetNrOfRegister",
                            "Fg_getParameterInfo", "Fg_getParameterIdByName", "HapGetRegisterByName",

@@ -1,17 +1,14 @@
-#include <gtest/gtest.h>
-
 #include <array>
 #include <functional>
 #include <type_traits>
-#include <vector>
 
-#include "tests/applet_fixture.h"
+#include "tests/applet_test.h"
 #include "tests/fakes/recording_runtime.h"
 #include "tests/loaded_runtime.h"
 
 namespace {
 
-using fixture::Applet;
+using namespace fixture;
 using Export = std::function<int64_t(Fg_Struct*)>;
 
 /// A call of an export with these arguments after the frame grabber, its result as a number.
@@ -105,7 +102,7 @@ TEST(Forwarding, WithoutAnInstanceNothingIsCalled) {
 TEST(Forwarding, RuntimeSeesItsHandleAndTheArguments) {
   const Library runtime = loadRuntime("recording");
   auto& recording = *static_cast<RecordingRuntime*>(dlsym(runtime.get(), "recordingRuntime"));
-  Applet applet(fixture::kNoDefaults);
+  Applet applet(kNoDefaults);
   ASSERT_TRUE(applet.opened());
   recording.lastError = -77;
   for (const RuntimeCall& call : kRuntimeCalls)
@@ -157,9 +154,8 @@ TEST(Forwarding, MissingFunctionsAreNotAvailable) {
     clearError(applet);
     EXPECT_EQ(row.call(applet.fg()), row.result);
     EXPECT_EQ(applet.lastError(), row.lastError);
-    for (int index = 0; index < 85; ++index) {
+    for (const int id : applet.ids()) {
       std::array<char, 1024> value{};
-      const int id = Fg_getParameterId(applet.fg(), index);
       EXPECT_LE(Fg_getParameterWithType(applet.fg(), id, &value, 3, 2), 0);
       EXPECT_LE(Fg_setParameterWithType(applet.fg(), id, &value, 3, 2), 0);
     }
@@ -171,7 +167,7 @@ TEST(Forwarding, MissingFunctionsAreNotAvailable) {
 }
 
 TEST(Forwarding, ShadingIsNotSupported) {
-  Applet applet(fixture::kNoDefaults);
+  Applet applet(kNoDefaults);
   for (const Export& call : kShadingCalls) {
     clearError(applet);
     EXPECT_EQ(call(applet.fg()), -2130) << &call - kShadingCalls.data();

@@ -1,18 +1,15 @@
-#include <gtest/gtest.h>
 #include <malloc.h>
 #include <png.h>
 #include <unistd.h>
 
 #include <climits>
-#include <sstream>
 #include <string_view>
-#include <vector>
 
-#include "tests/applet_fixture.h"
+#include "tests/applet_test.h"
 
 namespace {
 
-using fixture::Applet;
+using namespace fixture;
 
 constexpr uint64_t kUntouched = 0xABCDABCDABCDABCD;
 char marker;
@@ -42,10 +39,10 @@ TEST(Info, HandlesAreThoseOfTheLatestStartUp) {
   board::failNamed("Fg_InitHandleSlaveAware", -2052, 1);
   EXPECT_FALSE(Applet().opened());
   EXPECT_EQ(designOf(nullptr), 0U);
-  Applet first(fixture::kNoDefaults);
+  Applet first(kNoDefaults);
   const uint64_t design = designOf(first.device());
   EXPECT_NE(design, 0U);
-  Applet second(fixture::kNoDefaults);
+  Applet second(kNoDefaults);
   EXPECT_NE(designOf(second.device()), design);
 }
 
@@ -67,29 +64,17 @@ void expectAnswer(int property, int result, uint64_t out = kUntouched, bool writ
 }
 
 TEST(Info, PropertiesAnswerWithOrWithoutPlacesToWrite) {
-  const std::pair<int, std::vector<int>> numbers[] = {
-      {0, {0x350, 0x410, 0x415, 0x870, 0x890, 0xa00, 0xc00, 0xd00}},
-      {4, {0x700, 0x750, 0x760, 0x1200}},
-      {1, {0xb00}},
-      {131073, {0x800}},
-      {3652, {0x880}},
-      // Beside and between the known ones.
-      {-2130, {0, -1, INT_MIN, INT_MAX, 0x34f, 0x351, 0x416, 0x1080, 0x1101, 0x1270}}};
-  for (const auto& [result, properties] : numbers)
-    for (const int property : properties) expectAnswer(property, result);
-  const std::pair<int, const char*> texts[] = {
-      {0x413, "ea8d16eb-c9c3-20a3-8f42-bc3daf387855"},
-      {0x414, ""},
-      {0x1000,
-       "Acquisition Applet with 8 bit image processing (per color component) and white balancing "
-       "for four GigE Vision Bayer area scan cameras."},
-      {0x1010, "Imagelets:Area"},
-      {0x1020,
-       "class=standard,family=legacy,type=quad,sensortype=area,color=bayer,interface=gige,lag=1"},
-      {0x1050, "Velmora"},
-      {0x1060, "2.1.2.3"},
-      {0x1070, "2.1.2.3.20190221.013019"}};
-  for (const auto& [property, text] : texts) expectAnswer(property, 0, kUntouched, true, text);
+  for (const std::string& line : linesOf(contentOf(TEST_DATA "/info.txt"))) {
+    if (line.starts_with('#')) continue;
+    std::istringstream words(line);
+    std::string property, text;
+    int result = 0;
+    std::getline(words >> property >> result >> std::ws, text);
+    const bool written = !text.empty();
+    if (text == "\"\"") text.clear();
+    expectAnswer(std::stoi(property, nullptr, 0), result, kUntouched, written,
+                 written ? text.c_str() : nullptr);
+  }
   expectAnswer(0x411, 0, 1872, true);
   expectAnswer(0x412, 0, 2662941, true);
   expectAnswer(0x900, 0, kUntouched & 0xFFFFFFFF00000000);  // The lower half alone.
@@ -111,19 +96,12 @@ TEST(Info, MappingQueriesKnowFourPorts) {
 }
 
 TEST(Info, ValueNamesHaveTheirNumbers) {
-  std::istringstream rows(
-      "MONO8 0 MONO8_SIGNED 1 MONO10 2 MONO10_PACKED 3 MONO12 4 MONO12_PACKED 5 MONO14 7 MONO16 6 "
-      "FG_COL24 2 FG_LEFT_ALIGNED 1 FG_RIGHT_ALIGNED 0 FG_CAMPORT 0 FG_GENERATOR 1 FG_ON 1 "
-      "FG_OFF 0 FG_YES 1 FG_NO 0 FG_APPLY 1 GreenFollowedByRed 3 GreenFollowedByBlue 0 "
-      "RedFollowedByGreen 2 BlueFollowedByGreen 1 ATM_GENERATOR 1 ATM_EXTERNAL 2 ATM_SOFTWARE 4 "
-      "ATM_SYNCHRONIZED 3 TS_ACTIVE 0 TS_ASYNC_STOP 1 TS_SYNC_STOP 2 TRGINSRC_0 0 TRGINSRC_1 1 "
-      "TRGINSRC_2 2 TRGINSRC_3 3 TRGINSRC_4 4 TRGINSRC_5 5 TRGINSRC_6 6 TRGINSRC_7 7 "
-      "LOW_ACTIVE 1 HIGH_ACTIVE 0 IS_BUSY 1 IS_NOT_BUSY 0 PULSEGEN0 0 PULSEGEN1 1 GND 4 VCC 5 "
-      "NOT_PULSEGEN0 6 NOT_PULSEGEN1 7 INPUT_BYPASS 10 NOT_INPUT_BYPASS 11");
-  int count = 0;
-  std::string name;
-  for (int value = 0; rows >> name >> value; ++count) EXPECT_EQ(valueOf(name), value) << name;
-  EXPECT_EQ(count, 49);
+  const Lines rows = linesOf(contentOf(TEST_DATA "/value_names.txt"));
+  EXPECT_FALSE(rows.empty());
+  for (const std::string& row : rows)
+    EXPECT_EQ(
+        fmt::format("{} {}", row.substr(0, row.find(' ')), valueOf(row.substr(0, row.find(' ')))),
+        row);
   for (const char* unknown : {"", "mono14", "MONO", "MONO8 ", " MONO8", "FG_ONE", "TRGINSRC_8"})
     EXPECT_EQ(valueOf(unknown), -2070) << unknown;
   EXPECT_EQ(Info(0x1100, 0, 0, nullptr, nullptr), -2070);

@@ -145,6 +145,11 @@ TEST(ParameterInfo, EnumerationEntriesAreReplacedOrRefused) {
   const auto& entries = node->value.enumeration;
   EXPECT_STREQ(entries.names[1], "Inverted");
   EXPECT_TRUE(entries.values[1] == -7 && !entries.identifiers[1] && !entries.names[0]);
+  node = registry.addInfoEnum(group, "Mode", "FG_MODE", -1, 7, 1, 1, nullptr, 5, 0);
+  EXPECT_EQ(node->value.enumeration.entryCount, 0U);
+  registry.setParamName(node, std::string("FG_OTHER").c_str());
+  EXPECT_STREQ(node->paramName, "FG_OTHER");
+  registry.setParamName(nullptr, "FG_OTHER");
 }
 
 }  // namespace

@@ -30,9 +30,9 @@ class GenApiDocument : public testing::Test {
     registry_.addInfoUInt(parent, name, paramName, 0, 1000, 0, access, 1, 1, "Hz", 9, kProcess);
   }
   static std::string plain(const std::string& description, const std::string& name,
-                           const std::string& access = "RW") {
-    return "<IntReg Name=\"" + name + "_Reg\">|<Address>9</Address>|<Length>4</Length>|" +
-           "<AccessMode>" + access + "</AccessMode>|<pPort>DevicePort</pPort>|" +
+                           const std::string& access = "RW", const std::string& length = "4") {
+    return "<IntReg Name=\"" + name + "_Reg\">|<Address>9</Address>|<Length>" + length +
+           "</Length>|" + "<AccessMode>" + access + "</AccessMode>|<pPort>DevicePort</pPort>|" +
            "<Sign>Signed</Sign>|<Endianess>LittleEndian</Endianess>|</IntReg>|" +
            "<Integer Name='" + name + "'>|<Description>" + description + "</Description>|" +
            "<pValue>" + name + "_Reg</pValue>|<Min>0</Min>|<Max>1000</Max>|</Integer>~";
@@ -56,22 +56,22 @@ class GenApiDocument : public testing::Test {
 
 TEST_F(GenApiDocument, GroupsBecomeCategoriesOfTheRootInDocumentOrder) {
   RegisterInfo* older = group("Trigger");
-  RegisterInfo* input = group("1 In_put\xE4", older);
+  RegisterInfo* input = group("1 AZaz_09@[`{/:^\xE4", older);
   add(group("Stat-istics", input), "a", "FG_A");
   add(older, "b", "FG_B");
   add(group("", older), "c", "FG_C");
   RegisterInfo* newer = group("Output");
   add(newer, "e", "FG_E");
-  add(input, "f", "FG_F");
+  add(input, "f", "FG_TRANSFER_LEN");  // Wider than its description tells.
   add(group("Statistics", newer), "g", "1FG_'G");
   expectDocument(
-      plain("e", "FG_E") + plain("g", "1FG_&apos;G") + plain("a", "FG_A") + plain("f", "FG_F") +
-          plain("b", "FG_B") + plain("c", "FG_C"),
-      "<pFeature>Output</pFeature>|<pFeature>Statistics</pFeature>|<pFeature>In_put</pFeature>|"
+      plain("e", "FG_E") + plain("g", "1FG_&apos;G") + plain("a", "FG_A") +
+          plain("f", "FG_TRANSFER_LEN", "RW", "8") + plain("b", "FG_B") + plain("c", "FG_C"),
+      "<pFeature>Output</pFeature>|<pFeature>Statistics</pFeature>|<pFeature>AZaz_09</pFeature>|"
       "<pFeature>Trigger</pFeature>|<pFeature>FG_C</pFeature>|</Category>|"
       "<Category Name='Output'  >|<pFeature>FG_E</pFeature>|</Category>|"
       "<Category Name='Statistics'  >|<pFeature>FG_G</pFeature>|<pFeature>FG_A</pFeature>|"
-      "</Category>|<Category Name='In_put'  >|<pFeature>FG_F</pFeature>|</Category>|"
+      "</Category>|<Category Name='AZaz_09'  >|<pFeature>FG_TRANSFER_LEN</pFeature>|</Category>|"
       "<Category Name='Trigger'  >|<pFeature>FG_B</pFeature>|</Category>|");
 }
 

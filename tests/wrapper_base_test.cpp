@@ -1,5 +1,6 @@
 /// What the exports do not show of the base: the layout of its virtual table, calls before
 /// start-up, the plain event lookup, and the operations that no export reaches.
+#include <dlfcn.h>
 #include <gtest/gtest.h>
 
 #include <array>
@@ -12,6 +13,7 @@
 #include "external/dervin.h"
 #include "parameters/fg_kt_wrapper_impl.h"
 #include "tests/temporary_directory.h"
+#include "wrapper/wrapper_function_table.h"
 
 namespace velmora {
 namespace {
@@ -79,6 +81,23 @@ TEST(WrapperBase, EventsHaveTheMasksOfTheirIndices) {
     EXPECT_EQ(wrapper.FgKtWrapper::Fg_getEventMask(name.c_str()), mask);
     EXPECT_STREQ(wrapper.FgKtWrapper::Fg_getEventName(mask), mask ? name.c_str() : nullptr);
   }
+}
+
+/// The runtime's tools know the table by position.
+TEST(WrapperBase, FunctionTableHasItsPositions) {
+  void* const library = dlopen("libvorn5.so", RTLD_NOW);
+  WrapperFunctionTable table;
+  table.bind(library);
+  std::string found = "# Positions of the runtime's functions in the wrapper function table.\n";
+  for (std::size_t position = 0; position < 42; ++position) {
+    Dl_info symbol = {};
+    const auto function = table[RuntimeEntry<void()>{{position, ""}}];
+    if (function && dladdr(reinterpret_cast<void*>(function), &symbol))
+      found += std::to_string(position) + ' ' + symbol.dli_sname + '\n';
+  }
+  std::ifstream expected(TEST_DATA "/runtime_symbols.txt");
+  EXPECT_EQ(found, std::string(std::istreambuf_iterator<char>(expected), {}));
+  dlclose(library);
 }
 
 TEST(AppletImplementation, RefusesWhatItDoesNotOffer) {

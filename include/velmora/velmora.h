@@ -34,6 +34,7 @@
 #include "velmora/handles.h"
 #include "velmora/info.h"
 #include "velmora/register_info.h"
+#include "velmora/status.h"
 
 #ifdef __cplusplus
 extern "C" {
@@ -83,6 +84,7 @@ int64_t Fg_getLastPicNumberEx(Fg_Struct* fg, uint32_t dma, int64_t memory);
 /// Waits up to `timeout` seconds for picture number `picture`.
 int64_t Fg_getLastPicNumberBlockingEx(Fg_Struct* fg, int64_t picture, uint32_t dma, int32_t timeout,
                                       int64_t memory);
+/// The state `param` of channel `dma`; `velmora/status.h` has what the virtual board knows.
 int64_t Fg_getStatusEx(Fg_Struct* fg, uint32_t param, int64_t data, int32_t dma, void* memory);
 /// @}
 
