@@ -55,7 +55,7 @@ class Fg_ConfigFileParser {
   /// @return false if the name is not that of a configuration file (the file that was open stays
   /// open), or the file is a pipe or device or cannot be opened.
   bool setSaveFile(const char* name);
-  /// Closes the file; the destructor does otherwise.
+  /// Closes the file, as the destructor does otherwise.
   /// @return whether everything written since it was opened has reached the file; true if none is
   /// open.
   bool close();

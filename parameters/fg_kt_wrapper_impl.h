@@ -19,8 +19,8 @@
 namespace velmora {
 
 /// The applet: translates the SDK parameters of four camera ports onto one design. `Std_entry`
-/// calls the start-up operations below in order, on one thread; afterwards the tables are
-/// fixed and sets and gets run one at a time under the call lock.
+/// calls the start-up operations below in order, on one thread; afterwards the tables are fixed and
+/// sets and gets run one at a time under the call lock.
 class FgKtWrapperImpl : public FgKtWrapper {
  public:
   FgKtWrapperImpl();

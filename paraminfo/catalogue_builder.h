@@ -29,7 +29,7 @@ struct CatalogueLine {
   const ValueDescription* value = nullptr;  ///< Null for a group.
 };
 
-/// Levels count from 0 up to one less than this.
+/// Number of levels, which count from 0.
 inline constexpr int kCatalogueLevels = 4;
 
 /// Adds a node for each line, in order, to `registry`, and the nodes of values to `nodes`. The

@@ -146,7 +146,7 @@ TEST(StartUp, RoutesThePortsAndAppliesTheDefaults) {
   }
 }
 
-/// A failure ends its own step. The setting behind it keeps its first value, which is the default.
+/// A failure ends its own step. The setting concerned keeps its first value, which is the default.
 TEST(StartUp, GoesOnWhateverWriteFails) {
   const ExternalDesign design(ownRecords());  // Loads faster than the image.
   constexpr unsigned kWrites = 4 * 9 + 32 + 4 * 52;

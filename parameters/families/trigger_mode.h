@@ -21,7 +21,7 @@ const TriggerMode& triggerMode(const Port& port);
 
 namespace trigger_mode {
 
-/// Both take the steps from the current mode and state to the new one.
+/// Both take the steps of the transition from the current mode and state.
 void setMode(Port& port, const ParameterRow& row, std::uint32_t mode);
 void setState(Port& port, const ParameterRow& row, std::uint32_t state);
 
