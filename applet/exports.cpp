@@ -1,4 +1,6 @@
-/// The exported functions that hand a call to the applet instance or past it to the runtime.
+/// The folder applet/ is the library's C interface. These exports call the applet instance or
+/// forward to the runtime.
+#include <cstdint>
 #include <cstring>
 
 #include "velmora/errors.h"
@@ -11,12 +13,12 @@ using namespace velmora;
 
 namespace {
 
-/// The instance behind a frame grabber: its first word.
+/// The applet instance, which is the first word of the outer handle.
 FgKtWrapper* instanceOf(Fg_Struct* fg) {
   return fg ? *reinterpret_cast<FgKtWrapper**>(fg) : nullptr;
 }
 
-/// Passes a call to the runtime's function on the inner handle and records how it went.
+/// Forwards a call to the runtime with the inner handle and records the outcome.
 template <class Result, class... Arguments>
 Result callRuntime(Fg_Struct* fg, RuntimeEntry<Result(Fg_Struct*, Arguments...)> entry,
                    Arguments... arguments) {
@@ -29,7 +31,7 @@ Result callRuntime(Fg_Struct* fg, RuntimeEntry<Result(Fg_Struct*, Arguments...)>
   return result;
 }
 
-/// Calls an operation of the instance.
+/// Calls an operation of the instance; returns `missing` when there is no instance.
 template <class Result, class... Parameters, class... Arguments>
 Result callApplet(Fg_Struct* fg, Result missing, Result (FgKtWrapper::*operation)(Parameters...),
                   Arguments... arguments) {
@@ -54,24 +56,26 @@ int Fg_getAppletId(Fg_Struct* fg, void* argument) {
   return callRuntime(fg, runtime::kGetAppletId, argument);
 }
 
-int Fg_AcquireEx(Fg_Struct* fg, uint32_t dma, int64_t pictures, int32_t flags, void* memory) {
+int Fg_AcquireEx(Fg_Struct* fg, std::uint32_t dma, std::int64_t pictures, std::int32_t flags,
+                 void* memory) {
   return callRuntime(fg, runtime::kAcquireEx, dma, pictures, flags, memory);
 }
 
-int Fg_stopAcquireEx(Fg_Struct* fg, uint32_t dma, int64_t memory, int32_t flags) {
+int Fg_stopAcquireEx(Fg_Struct* fg, std::uint32_t dma, std::int64_t memory, std::int32_t flags) {
   return callRuntime(fg, runtime::kStopAcquireEx, dma, memory, flags);
 }
 
-int64_t Fg_getLastPicNumberEx(Fg_Struct* fg, uint32_t dma, int64_t memory) {
+std::int64_t Fg_getLastPicNumberEx(Fg_Struct* fg, std::uint32_t dma, std::int64_t memory) {
   return callRuntime(fg, runtime::kGetLastPicNumberEx, dma, memory);
 }
 
-int64_t Fg_getLastPicNumberBlockingEx(Fg_Struct* fg, int64_t picture, uint32_t dma, int32_t timeout,
-                                      int64_t memory) {
+std::int64_t Fg_getLastPicNumberBlockingEx(Fg_Struct* fg, std::int64_t picture, std::uint32_t dma,
+                                           std::int32_t timeout, std::int64_t memory) {
   return callRuntime(fg, runtime::kGetLastPicNumberBlockingEx, picture, dma, timeout, memory);
 }
 
-int64_t Fg_getStatusEx(Fg_Struct* fg, uint32_t param, int64_t data, int32_t dma, void* memory) {
+std::int64_t Fg_getStatusEx(Fg_Struct* fg, std::uint32_t param, std::int64_t data, std::int32_t dma,
+                            void* memory) {
   return callRuntime(fg, runtime::kGetStatusEx, param, data, dma, memory);
 }
 
@@ -80,9 +84,9 @@ int Fg_setParameterWithType(Fg_Struct* fg, int id, const void* value, unsigned d
 }
 
 int Fg_getParameterWithType(Fg_Struct* fg, int id, void* value, unsigned dma, int type) {
-  // A 32-bit answer must read back as a 64-bit one.
+  // The caller reads 64 bits, of which most parameters write only 32.
   const bool wide = type == FG_PARAM_TYPE_INT64 || type == FG_PARAM_TYPE_UINT64;
-  if (wide && value && instanceOf(fg)) std::memset(value, 0, sizeof(uint64_t));
+  if (wide && value && instanceOf(fg)) std::memset(value, 0, sizeof(std::uint64_t));
   return callApplet(fg, kNoInstance, &FgKtWrapper::Fg_getParameterWithType, id, value, dma, type);
 }
 
@@ -124,17 +128,17 @@ int Fg_getParameterInfoXML(Fg_Struct* fg, int port, char* buffer, size_t* size) 
 
 RegisterInfo* Fg_getParameterInfo(Fg_Struct* fg, int port) {
   FgKtWrapper* applet = instanceOf(fg);
-  // Tools may only see descriptions where the runtime has them as well.
+  // Tools see descriptions only if the runtime offers them too.
   if (!applet || !applet->wrapperFg()[runtime::kGetParameterInfo] || !applet->vornFg())
     return nullptr;
   return applet->Fg_getParameterInfo(port);
 }
 
-uint64_t Fg_getEventMask(Fg_Struct* fg, const char* name) {
-  return callApplet<uint64_t>(fg, 0, &FgKtWrapper::Fg_getEventMask, name);
+std::uint64_t Fg_getEventMask(Fg_Struct* fg, const char* name) {
+  return callApplet<std::uint64_t>(fg, 0, &FgKtWrapper::Fg_getEventMask, name);
 }
 
-const char* Fg_getEventName(Fg_Struct* fg, uint64_t mask) {
+const char* Fg_getEventName(Fg_Struct* fg, std::uint64_t mask) {
   return callApplet<const char*>(fg, nullptr, &FgKtWrapper::Fg_getEventName, mask);
 }
 

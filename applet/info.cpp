@@ -1,4 +1,4 @@
-/// Answers about the applet that need no instance.
+/// `Info`: questions about the applet that need no instance.
 #include "velmora/info.h"
 
 #include <cstdint>
@@ -26,8 +26,8 @@ enum class Kind {
   kDevice,
   kDesign,
   kValueOfName,
-  kPerPort,   ///< The result, for a port.
-  kSamePort,  ///< The port itself: its process and DMA channel have the same number.
+  kPerPort,   ///< The result, if the index is a port.
+  kSamePort,  ///< The port: its process and DMA channel have the same number.
 };
 using enum Kind;
 
@@ -79,7 +79,7 @@ constexpr Property kProperties[] = {
     {VELMORA_INFO_RUNTIME_0D00, kResult, 0},
 };
 
-/// Output pointers; either may be null.
+/// Where `Info` stores its answer. A null pointer is ignored.
 struct Output {
   void* out;
   void** outPointer;
@@ -100,8 +100,8 @@ struct Output {
   }
 };
 
-/// Reads constant data only: hosts ask until the last instruction of the process, when the static
-/// objects of this library are gone.
+/// Reads constant data only: hosts may ask while the process exits, when the static objects of this
+/// library have been destroyed.
 int valueOf(std::string_view name) {
   for (const Enumeration& enumeration : kEnumerations)
     for (const EnumEntry& entry : enumeration)

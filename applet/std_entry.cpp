@@ -14,7 +14,7 @@ using namespace velmora;
 
 namespace {
 
-constexpr int kLoadArgument = 1;  // What both design loaders are given last.
+constexpr int kLoadArgument = 1;  // The reserved argument of both design loaders.
 
 LoadedDesign loadDesign() {
   if (std::getenv("__KORV_FORCE_EXTERNAL_HAP"))
@@ -23,8 +23,8 @@ LoadedDesign loadDesign() {
       HapLoadDesignFromBuffer(velmora_design_image, kDesignImageSize, kLoadArgument));
 }
 
-/// Opens the runtime, loads the design and creates the inner handle. The instance owns the design
-/// only when all of it went well.
+/// Opens the runtime, loads the design and creates the inner handle. The instance takes over the
+/// design only if all of this succeeds.
 int open(FgKtWrapper& applet, KTdevice* device, int flags) {
   if (const int code = applet.initializeDllFunctions("libvorn5.so"); code != VELMORA_OK)
     return code;
@@ -43,19 +43,19 @@ void start(FgKtWrapperImpl& applet, int flags) {
   if ((static_cast<unsigned>(flags) & unsigned{VELMORA_LEAVE_DESIGN}) == 0) applet.applyDefaults();
 }
 
-/// Gives the inner handle of a failed start back; what the runtime throws meanwhile is dropped.
+/// Releases the inner handle after a failed start and drops whatever the runtime throws.
 void releaseAfterFailure(FgKtWrapper& applet) {
   try {
     applet.releaseInnerHandle();
   } catch (abi::__forced_unwind&) {
     throw;
   } catch (...) {
-    // The start has failed already.
+    // The failure of the start is the one to report.
   }
 }
 
-/// Starts an instance up; null, with the code in `result`, when it is refused. Whatever is thrown
-/// leaves nothing behind.
+/// Creates and starts an instance; null on failure, with the code in `result`. Nothing stays
+/// allocated or open after a failure or an exception.
 std::unique_ptr<FgKtWrapperImpl> create(KTdevice* device, int flags, int& result) {
   auto applet = std::make_unique<FgKtWrapperImpl>();
   try {
@@ -77,7 +77,7 @@ void* Std_entry(KTdevice* device, int* error, int flags) {
   try {
     return static_cast<FgKtWrapper*>(create(device, flags, result).release());
   } catch (abi::__forced_unwind&) {
-    throw;  // The thread is being cancelled, which no handler may end.
+    throw;  // Thread cancellation, which a handler must rethrow.
   } catch (...) {
     result = VELMORA_NO_DESIGN;
     return nullptr;

@@ -1,5 +1,6 @@
-/// The applet through its exports on the virtual board. `runtimeSet` and `runtimeGet` are the
-/// board's own share: what a set or get that reaches the design costs without the applet.
+/// The folder bench/ measures time, which tests never assert. These benchmarks run the applet
+/// through its exports on the virtual board. `runtimeSet` and `runtimeGet` are the board's share:
+/// what a set or get that reaches the design costs without the applet.
 #include <benchmark/benchmark.h>
 #include <dlfcn.h>
 
@@ -19,7 +20,7 @@ struct QuietApplet : Applet {
   QuietApplet() { board::stopJournal(); }
 };
 
-/// The runtime's functions on a handle of their own.
+/// The runtime, on a handle of its own.
 class Runtime {
  public:
   explicit Runtime(KTdevice* device) : library_(dlopen("libvorn5.so", RTLD_NOW)) {

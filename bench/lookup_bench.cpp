@@ -1,4 +1,4 @@
-/// The lookup of a parameter by id, beside a search through a map and through a sorted list.
+/// Lookup of a parameter by id, compared with a map and with binary search in a sorted list.
 #include <benchmark/benchmark.h>
 
 #include <algorithm>

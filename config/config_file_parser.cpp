@@ -22,12 +22,12 @@ constexpr char kFileType[] = ".mcf";
 constexpr char kHeaderLine[] = "[Kamerasektion]\n";
 constexpr char kError[] = "Error";
 constexpr std::size_t kTextSize = 256;
-constexpr std::size_t kLineSize = kTextSize - 1;  ///< What is longer counts as several lines.
+constexpr std::size_t kLineSize = kTextSize - 1;  ///< Longer lines count as several.
 
 /// A line or a value with its terminating zero.
 using Text = std::array<char, kTextSize>;
 
-/// Opens a file; null for what cannot be rewound, never ends or blocks: pipes and devices.
+/// Opens a file; null for pipes and devices, which may block, never end or not rewind.
 std::FILE* openFile(const char* name, const char* mode) {
   struct stat status = {};
   const bool exists = stat(name, &status) == 0;
@@ -35,7 +35,7 @@ std::FILE* openFile(const char* name, const char* mode) {
   return std::fopen(name, mode);
 }
 
-/// The whole file; where reading fails, the lines before.
+/// The whole file; after a read error, the complete lines before it.
 std::string contentOf(std::FILE* file) {
   std::rewind(file);
   std::string content;
@@ -49,7 +49,7 @@ std::string contentOf(std::FILE* file) {
   return content;
 }
 
-/// Takes the next line off `rest`, as `std::fgets` does.
+/// Removes the next line, as `std::fgets` sees it, from `rest` and returns it.
 std::string_view takeLine(std::string_view& rest) {
   const auto lineFeed = rest.substr(0, kLineSize).find('\n');
   const std::string_view line = rest.substr(0, std::min(lineFeed, kLineSize - 1) + 1);
@@ -57,7 +57,7 @@ std::string_view takeLine(std::string_view& rest) {
   return line;
 }
 
-/// Hash of what stands before the first '=': the same for a key and all its lines.
+/// Hash of the text before the first '=': the same for a key and all its lines.
 std::size_t hashOfKey(std::string_view line) {
   return std::hash<std::string_view>()(line.substr(0, line.find('=')));
 }
@@ -66,7 +66,7 @@ bool contains(std::string_view text, std::string_view part) {
   return text.find(part) != std::string_view::npos;
 }
 
-/// Takes the next piece off `rest`; runs of separators count as one.
+/// Removes the next piece from `rest` and returns it; runs of separators count as one.
 std::string_view takePiece(std::string_view& rest, std::string_view separators) {
   const auto begin = rest.find_first_not_of(separators);
   rest.remove_prefix(begin == std::string_view::npos ? rest.size() : begin);
@@ -75,8 +75,8 @@ std::string_view takePiece(std::string_view& rest, std::string_view separators) 
   return piece;
 }
 
-/// The value in what follows the key of a line, without quotes and ';'. A line feed stays, unless
-/// there is nothing else.
+/// The value in the rest of a line after its key, without quotes and ';'. A line feed is kept
+/// unless there is nothing else.
 std::string_view valueOf(std::string_view rest) {
   const std::string_view value = takePiece(rest, "=;'");
   return value.starts_with('\r') || value.starts_with('\n') ? std::string_view() : value;
@@ -84,7 +84,7 @@ std::string_view valueOf(std::string_view rest) {
 
 void copyText(std::string_view text, char* value) { value[text.copy(value, kTextSize - 1)] = '\0'; }
 
-/// A number as a file holds it, cut at 31 characters.
+/// A number as it is written to a file, cut at 31 characters.
 [[gnu::format(printf, 1, 2)]] std::array<char, 32> numberText(const char* format, ...) {
   std::array<char, 32> text;
   va_list arguments;
@@ -96,6 +96,8 @@ void copyText(std::string_view text, char* value) { value[text.copy(value, kText
 }
 
 }  // namespace
+
+// Traces and messages are as hosts know them, with their misspellings and wrong function names.
 
 Fg_ConfigFileParser::Fg_ConfigFileParser(Fg_Log* log, const char* fileName, bool readOnly)
     : log_(log) {
@@ -180,12 +182,12 @@ void Fg_ConfigFileParser::writeConfigFileUInt64Key(const char* key, std::uint64_
 }
 
 void Fg_ConfigFileParser::writeConfigFileInt64Key(const char* key, std::int64_t value) {
-  trace("Fg_ConfigFileParser::writeConfigFileUInt64Key");  // Named as hosts know it.
+  trace("Fg_ConfigFileParser::writeConfigFileUInt64Key");
   writeConfigFileValue(key, numberText("%" PRIi64, value).data());
 }
 
 void Fg_ConfigFileParser::writeConfigFileDoubleKey(const char* key, double value) {
-  trace("Fg_ConfigFileParser::wrtiteConfigFileDoubleKey");  // Spelled as hosts know it.
+  trace("Fg_ConfigFileParser::wrtiteConfigFileDoubleKey");
   writeConfigFileValue(key, numberText("%.12g", value).data());
 }
 
@@ -296,7 +298,7 @@ void Fg_ConfigFileParser::trace(const char* text) const {
 
 void Fg_ConfigFileParser::write(std::initializer_list<std::string_view> pieces) {
   if (!file_) return;
-  std::fseek(file_.get(), 0, SEEK_CUR);  // Needed between a read and a write of an update.
+  std::fseek(file_.get(), 0, SEEK_CUR);  // C requires it between a read and a write.
   for (const std::string_view piece : pieces) {
     if (std::fwrite(piece.data(), 1, piece.size(), file_.get()) != piece.size()) {
       writeFailed_ = true;

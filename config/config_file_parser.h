@@ -1,3 +1,4 @@
+/// The folder config/ is the file format of applet configurations.
 #pragma once
 
 #include <cstdint>
@@ -29,15 +30,16 @@ class Fg_Log;
 /// file's order, then `close`) or one load (constructed with the name, then the readers in any
 /// order). It is used by one thread. Nothing throws but `std::bad_alloc`.
 ///
-/// Reading is as lenient as the files in the field need it: a key that its section lacks is taken
+/// Reading is as lenient as files in the field require: a key that its section lacks is taken
 /// from a later section, numbers are not validated, and a line of more than 255 characters counts
 /// as several lines. The keys and markers of the readers and the keys and values of the writers
 /// may be null: then nothing is found, or nothing written.
 class Fg_ConfigFileParser {
  public:
-  /// Opens an existing configuration file; there is no open file when it is none, a pipe or device,
-  /// or cannot be opened. A file opened for reading only is read here, once: the readers do not see
-  /// later changes. One opened for update is read again by every reader.
+  /// Opens an existing configuration file. No file is open afterwards if the name is not that of a
+  /// configuration file, or the file is a pipe or device or cannot be opened. A file opened for
+  /// reading only is read here, once: the readers do not see later changes. One opened for update
+  /// is read again by every reader.
   /// @param log receives a trace of every operation; not owned, may be null.
   /// @param fileName file to open; null opens none.
   /// @param readOnly whether the file is opened for reading only, or for update.
@@ -49,13 +51,13 @@ class Fg_ConfigFileParser {
   bool checkFileType(const char* name) const;
   /// Whether the file can be opened for reading; false for a null name.
   bool checkFileExist(const char* name) const;
-  /// Creates or empties a file to write to; one that was open before is closed.
-  /// @return false when the name is not that of a configuration file (the file that was open stays
-  /// so), is a pipe or device, or the file cannot be opened.
+  /// Creates or empties a file to write to, and closes the one that was open.
+  /// @return false if the name is not that of a configuration file (the file that was open stays
+  /// open), or the file is a pipe or device or cannot be opened.
   bool setSaveFile(const char* name);
-  /// Closes the file, which happens at destruction otherwise.
-  /// @return whether all that was written since it was opened has reached the file; true when none
-  /// is open.
+  /// Closes the file, as the destructor does otherwise.
+  /// @return whether everything written since it was opened has reached the file; true if none is
+  /// open.
   bool close();
 
   /// @name Writers
@@ -116,8 +118,8 @@ class Fg_ConfigFileParser {
   /// @}
 
   /// @name Conversions
-  /// They stop at the first character that is no part of a number and do not detect errors: where
-  /// there is no number the `int` and the `double` become 0 and the 64-bit integers stay unchanged.
+  /// They stop at the first character that is not part of a number and do not detect errors:
+  /// without a number the `int` and the `double` become 0 and the 64-bit integers stay unchanged.
   /// Signed 64-bit integers may be hexadecimal (0x) or octal (leading 0); the decimal separator of
   /// a double is that of the process's locale. The result is always 0.
   /// @{
@@ -144,8 +146,8 @@ class Fg_ConfigFileParser {
   std::size_t endOfSectionLine(const char* marker);
   /// Where the next line begins that starts with the key and '='; `npos` when there is none.
   std::size_t findKey(std::string_view key, std::size_t from) const;
-  /// Lets a write to a file open for update go on after the line at a position in `lines_` and some
-  /// more.
+  /// In a file open for update, continues after the line at `position` in `lines_` and `linesMore`
+  /// further lines.
   void goOnAfter(std::size_t position, int linesMore);
   void write(std::initializer_list<std::string_view> pieces);
   void writeLine(const char* key, const char* opening, const char* value, const char* closing);
@@ -158,13 +160,13 @@ class Fg_ConfigFileParser {
 
   File file_;
   Fg_Log* log_;
-  /// Lines of the file as last read, each after a zero; none holds a zero itself.
+  /// Lines of the file as last read, each preceded by a zero; a line contains none.
   std::string lines_;
   /// Whether the lines stay as they were read.
   bool linesFixed_ = false;
-  /// Lines with a '=', in order: hash of what stands before it, position in `lines_`.
+  /// Lines with a '=', sorted: hash of the text before it, position in `lines_`.
   std::vector<std::pair<std::size_t, std::size_t>> keyLines_;
-  /// Section looked for last and, until lines are read again, where its line ends.
+  /// Section last looked for and, until the lines are read again, where its line ends.
   std::string marker_;
   std::optional<std::size_t> sectionLineEnd_;
   bool writeFailed_ = false;

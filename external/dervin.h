@@ -1,4 +1,5 @@
-/// Design runtime `libdervin.so`: loads an FPGA design and describes its registers and events.
+/// The folder external/ declares the libraries around the applet. This one is the design runtime
+/// `libdervin.so`, which loads an FPGA design and describes its registers and events.
 #pragma once
 
 #include <stddef.h>

@@ -5,8 +5,8 @@
 
 namespace velmora {
 
-/// All symbols at once, the library's own definitions first. The address and thread sanitizers
-/// refuse deep binding, so their builds do without.
+/// Resolve all symbols at once, preferring the library's own definitions. The address and thread
+/// sanitizers refuse deep binding, so their builds do without.
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 inline constexpr int kOpenLibraryFlags = RTLD_NOW;
 #else

@@ -1,5 +1,5 @@
 /// Acquisition runtime `libvorn5.so`: types of the functions that the applet binds by name. They
-/// take the runtime's own (inner) handle first; results are negative exactly on error unless noted.
+/// take the runtime's own (inner) handle first; negative results are errors unless noted.
 #pragma once
 
 #include "velmora/handles.h"
@@ -14,7 +14,7 @@ typedef Fg_Struct* VornInitHandleSlaveAware(const char* hapName, KTdevice*, fpga
                                             int flags);
 typedef Fg_Struct* VornInitHandle(const char* hapName, KTdevice*, fpga_design*);
 typedef int VornFreeGrabber(Fg_Struct*);
-/// Last error of the handle; of the failed init right after it, for a null handle.
+/// Last error of the handle; for a null handle, that of the init that has just failed.
 typedef int VornGetLastErrorNumber(Fg_Struct*);
 
 /// Id of a design parameter; 0 or negative when the name does not exist.

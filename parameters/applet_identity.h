@@ -6,7 +6,7 @@
 
 namespace velmora {
 
-/// What the applet is, in the words and numbers that tools and files see.
+/// The applet's identity, as tools and files show it.
 inline constexpr const char* kAppletName = "Velmora";
 inline constexpr const char* kVendorName = "Brightfold";
 inline constexpr const char* kConfigurationVersion = "2.3";

@@ -1,4 +1,4 @@
-/// The applet's sections of a configuration file.
+/// The port sections of a configuration file.
 #include "config/config_file_parser.h"
 #include "parameters/fg_kt_wrapper_impl.h"
 #include "parameters/table/parameter_table.h"
@@ -52,7 +52,8 @@ void FgKtWrapperImpl::saveParameters(Fg_ConfigFileParser& parser) {
 
 bool FgKtWrapperImpl::loadParameters(Fg_ConfigFileParser& parser) {
   for (Port& port : ports_) {
-    // First the settings alone, so that every check below sees the file's values of its partners.
+    // First only the settings, so that the checks below see the file's values of related
+    // parameters.
     for (const ParameterRow& row : listedParameters()) {
       if (!row.storedBeforeLoad) continue;
       const auto store = [](auto& setting, auto value) { setting = value; };

@@ -24,7 +24,7 @@ namespace {
 constexpr int kLogRefusal = 4;
 constexpr int kWidestWord = 32;
 
-/// Reads a value where the caller keeps it; the pointer need not be aligned.
+/// Reads the caller's value; the pointer need not be aligned.
 template <class T>
 T load(const void* value) {
   T result;
@@ -141,7 +141,7 @@ void FgKtWrapperImpl::setParameter(int id, const void* value, unsigned dma) {
 
 void FgKtWrapperImpl::getParameter(int id, void* value, unsigned dma, int type) {
   const ParameterRow* row = findParameter(id);
-  // The number of processes is the applet's, whatever the channel.
+  // The number of processes does not depend on the channel, which need not exist.
   Port* port = id == FG_NR_OF_PROCESSES ? &ports_.front() : portOf(dma);
   if (!port) {
     logRefusal("trying to get SDK parameter '", id, "' on unknown process ", dma, "!");
@@ -187,13 +187,13 @@ int FgKtWrapperImpl::Fg_getParameterId(int index) {
 
 int FgKtWrapperImpl::Fg_getNrOfParameter() { return names_.count(); }
 
-uint64_t FgKtWrapperImpl::Fg_getEventMask(const char* name) {
-  const uint64_t mask = events_.maskOf(name);
+std::uint64_t FgKtWrapperImpl::Fg_getEventMask(const char* name) {
+  const std::uint64_t mask = events_.maskOf(name);
   setError(mask ? VELMORA_OK : VELMORA_INVALID_ARGUMENT);
   return mask;
 }
 
-const char* FgKtWrapperImpl::Fg_getEventName(uint64_t mask) {
+const char* FgKtWrapperImpl::Fg_getEventName(std::uint64_t mask) {
   const char* name = events_.nameOf(mask);
   setError(name ? VELMORA_OK : VELMORA_INVALID_ARGUMENT);
   return name;

@@ -1,7 +1,10 @@
+/// The folder parameters/ is the applet proper: the table of parameters (table/), what setting and
+/// getting them does (families/), and how that reaches the FPGA design (design/).
 #pragma once
 
 #include <array>
 #include <atomic>
+#include <cstdint>
 #include <map>
 #include <string>
 
@@ -16,8 +19,8 @@
 namespace velmora {
 
 /// The applet: translates the SDK parameters of four camera ports onto one design. `Std_entry`
-/// calls the start-up operations below in their order, on one thread; afterwards the tables are
-/// fixed and sets and gets run one at a time under the call lock.
+/// calls the start-up operations below in order, on one thread; afterwards the tables are fixed and
+/// sets and gets run one at a time under the call lock.
 class FgKtWrapperImpl : public FgKtWrapper {
  public:
   FgKtWrapperImpl();
@@ -26,15 +29,14 @@ class FgKtWrapperImpl : public FgKtWrapper {
 
   /// @name Start-up, in this order
   /// @{
-  /// Names with their indexes and ids, those of direct access included when enabled, and the
-  /// events.
+  /// Lists the names and events, names of direct access included when enabled.
   void buildTables();
-  /// The design's own ids of everything that is driven. Names that the design lacks are logged.
+  /// Looks up the design's ids of all names in use. Names that the design lacks are logged.
   void resolveParameterIds();
   void initParameterInfo() override;
-  /// Parks and then routes the outputs of port after port. A failure ends it and has no effect.
+  /// Parks and then routes the outputs, port by port. A failure ends this step, not the start-up.
   void routePorts();
-  /// Writes every default to the design. A failure has no effect on what comes next.
+  /// Writes every default to the design. A failure does not stop the writes that follow.
   void applyDefaults();
   /// @}
 
@@ -57,8 +59,8 @@ class FgKtWrapperImpl : public FgKtWrapper {
   const char* Fg_getParameterName(int index) override;
   int Fg_getParameterId(int index) override;
   int Fg_getNrOfParameter() override;
-  uint64_t Fg_getEventMask(const char* name) override;
-  const char* Fg_getEventName(uint64_t mask) override;
+  std::uint64_t Fg_getEventMask(const char* name) override;
+  const char* Fg_getEventName(std::uint64_t mask) override;
   const char* getVendorName() override;
   const char* getAppletName() override;
   const char* getAppletVersion() override;
@@ -75,7 +77,7 @@ class FgKtWrapperImpl : public FgKtWrapper {
   void logRefusal(const Pieces&... pieces);
   void logMissing(const char* what, const std::string& name);
 
-  /// Asked for by any thread; the logging facility gives all of them the same one.
+  /// Any thread may store it; `Logging` gives all of them the same one.
   std::atomic<korv::tools::logging::Logger*> logger_{nullptr};
   korv::templates::platform::CriticalSection callLock_;
   HandedOutStrings strings_;

@@ -7,13 +7,13 @@
 
 namespace velmora {
 
-/// Strings that callers hold until they give them back. Releasing does not take the call lock, so
-/// the set has a lock of its own.
+/// Strings that callers hold until they give them back. Releasing one does not take the call lock,
+/// so this class has a lock of its own.
 class HandedOutStrings {
  public:
-  /// A copy of `text` for the caller, valid until it is given back or this object goes.
+  /// A copy of `text` for the caller, valid until it is given back or this object is destroyed.
   char* handOut(std::string_view text);
-  /// Releases a string; false when it is not handed out.
+  /// Releases a string; false when it was not handed out.
   bool takeBack(const void* handed);
 
  private:

@@ -12,8 +12,8 @@
 
 namespace velmora {
 
-/// The last value written to each camera-simulator register of a port. The initial values stand for
-/// a design that nobody has written to.
+/// The last value written to each camera-simulator register of a port. The initial values are
+/// those of a design that has not been written to.
 class SimulatorRegisterCache {
  public:
   SimulatorRegisterCache();
@@ -28,8 +28,8 @@ class SimulatorRegisterCache {
   std::array<std::uint64_t, kSimulatorRegisters> values_{};
 };
 
-/// One camera port: its settings, its way to the design and the description nodes that its setters
-/// move. The parameter families work on a port; there is nothing else that tells ports apart.
+/// One camera port: its settings, its access to the design and the description nodes that its
+/// setters update. The parameter families work on a port; nothing else distinguishes ports.
 struct Port {
   Port(const FgKtWrapper& wrapper, const DesignIds& ids, HandedOutStrings& handedOut,
        unsigned portIndex)
@@ -42,17 +42,17 @@ struct Port {
   HandedOutStrings& strings;
   std::vector<RegisterInfo*> nodes;  ///< By parameter index; may be null.
 
-  /// Writes a register of the camera simulator and keeps the value.
+  /// Writes a register of the camera simulator and caches the value.
   void writeRegister(DesignId id, std::uint64_t value);
 
-  /// @name Moves what the description of a listed parameter shows
-  /// Nothing happens for a parameter without a node.
+  /// @name Updates the description of a listed parameter
+  /// A parameter without a node is ignored.
   /// @{
   void describeMinimum(int parameterId, std::uint32_t minimum);
   void describeMinimum(int parameterId, double minimum);
   void describeMaximum(int parameterId, std::uint32_t maximum);
   void describeAccess(int parameterId, int accessMode);
-  /// Opens all parameters that can be set again once a trigger transition is complete.
+  /// Makes those parameters writable again that a complete trigger transition reopens.
   void describeReopened();
   /// @}
 

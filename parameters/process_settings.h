@@ -68,7 +68,7 @@ struct ProcessSettings {
   std::uint32_t digitalOutput = 3;
 };
 
-/// Names the setting behind a parameter; empty for parameters that keep none.
+/// Refers to the setting of a parameter; empty for a parameter without one.
 struct Field {
   std::uint32_t ProcessSettings::*integer = nullptr;
   double ProcessSettings::*real = nullptr;
@@ -77,7 +77,7 @@ struct Field {
   constexpr Field(std::uint32_t ProcessSettings::*member) : integer(member) {}
   constexpr Field(double ProcessSettings::*member) : real(member) {}
 
-  /// The setting, of the type of the second argument.
+  /// The setting of the second argument's type.
   std::uint32_t& of(ProcessSettings& settings, std::uint32_t) const { return settings.*integer; }
   double& of(ProcessSettings& settings, double) const { return settings.*real; }
 };

@@ -57,7 +57,7 @@ void FgKtWrapperImpl::initParameterInfo() {
   for (Port& port : ports_) {
     const int process = static_cast<int>(port.index);
     describe(catalogue(), *parameterInfo(), parameterNodes(), process);
-    // The runtime's tools expect the two groups of the last port the other way round.
+    // The runtime's tools expect the two groups of the last port in the opposite order.
     const bool registersFirst = port.index == kPorts - 1;
     if (registersFirst && directRegisterAccess_) describeRegisters(*this, process);
     describeDesignParameters(*this, process, designParameters_);
@@ -76,9 +76,9 @@ void FgKtWrapperImpl::routePorts() {
       trigger_outputs::route(port);
     }
   } catch (abi::__forced_unwind&) {
-    throw;  // The thread is being cancelled.
+    throw;  // Thread cancellation.
   } catch (...) {
-    // The ports that are left keep the design's own routing until their outputs are set.
+    // The remaining ports keep the design's own routing until their outputs are set.
   }
 }
 
@@ -88,7 +88,7 @@ void FgKtWrapperImpl::applyDefaults() {
     try {
       ports_[name.port].writeRegister(name.id, 0);
     } catch (int) {
-      // The next registers do not depend on it.
+      // The other registers do not depend on it.
     }
   }
   const ProcessSettings defaults;

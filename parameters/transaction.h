@@ -4,8 +4,8 @@
 
 namespace velmora {
 
-/// Changes a setting for as long as the design accepts it: stores the new value at once and
-/// restores the previous one on leaving the scope unless it was committed.
+/// Changes a setting provided that the design accepts it: stores the new value at once and restores
+/// the previous one at the end of the scope unless it was committed.
 template <class T>
 class Transaction {
  public:

@@ -40,13 +40,13 @@ RegisterInfo* addValue(const ValueDescription& v, RegisterInfo* parent, Fg_Param
   return nullptr;
 }
 
-/// Does nothing for a value that is no enumeration.
+/// Does nothing unless the value is an enumeration.
 void addEntries(RegisterInfo* node, const ValueDescription& value, int process) {
   int index = 0;
   for (const EnumEntry& entry : value.limits.entries(static_cast<unsigned>(process))) {
     const int code = Fg_ParameterInfo::addEnumNameValue(node, index++, entry.display, entry.value,
                                                         entry.identifier);
-    if (code != VELMORA_OK) throw std::bad_alloc();  // An entry must not stay without a text.
+    if (code != VELMORA_OK) throw std::bad_alloc();  // No entry may be left without a text.
   }
 }
 

@@ -1,4 +1,4 @@
-/// What a parameter accepts, as data that can be checked against and described to tools.
+/// What a parameter accepts, as data: for checking values and for describing it to tools.
 #pragma once
 
 #include <cstdint>
@@ -44,7 +44,7 @@ struct Limits {
     return false;
   }
 
-  /// Not-a-number lies outside every range.
+  /// NaN lies outside every range.
   constexpr bool accepts(double value, unsigned) const {
     return value >= real.min && value <= real.max;
   }

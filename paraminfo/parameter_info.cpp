@@ -8,7 +8,7 @@
 
 #include "velmora/errors.h"
 
-// The layout that readers in other programs count on.
+// Readers in other programs rely on this layout.
 static_assert(sizeof(RegisterInfo) == 128);
 static_assert(offsetof(RegisterInfo, index) == 4);
 static_assert(offsetof(RegisterInfo, name) == 8);

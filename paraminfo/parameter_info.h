@@ -1,4 +1,5 @@
-/// Registry of parameter descriptions: one forest of `RegisterInfo` nodes per process.
+/// The folder paraminfo/ describes parameters to tools, as nodes and as a GenApi document. This
+/// header is the registry: one forest of `RegisterInfo` nodes per process.
 #pragma once
 
 #include <cstdint>
@@ -12,7 +13,7 @@ namespace velmora {
 /// Describes the parameters of every process (camera port) as groups and value nodes.
 ///
 /// The registry owns every node with its texts and arrays until the node's process is destroyed or
-/// initialised anew; a parent only refers to its children. Texts given to an add operation are
+/// initialised again; a parent only refers to its children. Texts given to an add operation are
 /// copied, null stays null. Nodes may be read and their ranges rewritten in place, but not freed or
 /// relinked.
 ///
@@ -50,7 +51,7 @@ class Fg_ParameterInfo {
   /// @param paramName SDK parameter name.
   /// @param inc step between values; 0 when there is none.
   /// @param accessMode `RegisterInfoAccess` bits.
-  /// @param qualifier carried for the runtime's tools.
+  /// @param qualifier for the runtime's tools.
   /// @param visible nonzero: part of the GenApi document.
   /// @param unit unit text, may be null.
   /// @param id SDK parameter id.
@@ -84,10 +85,10 @@ class Fg_ParameterInfo {
                             int entryCount, int accessMode, int qualifier, int visible,
                             const char* unit, int id, int process);
 
-  /// Sets an entry of an enumeration, in place of what it held.
+  /// Sets an entry of an enumeration, replacing what it held.
   /// @param symbolicName identifier of the value, such as "FG_ON"; may be null.
   /// @return 0; -500, with the entry unchanged, when the display text is null or cannot be copied,
-  ///         the node is no enumeration or has no such entry.
+  ///         or the node is not an enumeration with such an entry.
   static int addEnumNameValue(RegisterInfo* enumeration, int entryIndex, const char* displayText,
                               int value, const char* symbolicName);
 
@@ -146,7 +147,7 @@ class Fg_ParameterInfo {
 
   Process* find(int process);
   const Process* find(int process) const;
-  /// The process when it takes a node below `parent` (null: a root group), else null.
+  /// The process if it accepts a node below `parent` (null: a root group), else null.
   Process* openProcess(int process, const RegisterInfo* parent);
 
   static NodePtr createNode(RegisterInfoKind kind, const Attributes& attributes);

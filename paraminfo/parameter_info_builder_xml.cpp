@@ -66,7 +66,7 @@ void writeInteger(ParameterInfoGeneratorXML& generator, const RegisterInfo& node
   generator.infoGenerate(node, std::uint64_t{0}, wide(range.min), wide(range.max), wide(range.inc));
 }
 
-/// Whether the node's kind has an element, which then is written.
+/// Writes the node's element; false when its kind has none.
 bool writeParameter(std::ostream& out, const RegisterInfo& node) {
   ParameterInfoGeneratorXML generator(out);
   switch (node.kind) {

@@ -19,17 +19,16 @@ struct ParameterInfoBuilderXMLPrivate;
 /// Parameters of kinds that have no element, and those under "Direct Register Access", are left
 /// out.
 ///
-/// Made for one document. Only reads the registry; builders for different documents are
-/// independent.
+/// A builder makes one document. It only reads the registry; builders are independent.
 class ParameterInfoBuilderXML {
  public:
-  /// `registry` and `modelName`, which may be null for none, must outlive the builder.
+  /// `registry` and `modelName`, which may be null, must outlive the builder.
   ParameterInfoBuilderXML(Fg_ParameterInfo& registry, const char* modelName, int process);
   virtual ~ParameterInfoBuilderXML();
   ParameterInfoBuilderXML(const ParameterInfoBuilderXML&) = delete;
   ParameterInfoBuilderXML& operator=(const ParameterInfoBuilderXML&) = delete;
 
-  /// The complete document. Without parameters for a process that does not exist or is empty.
+  /// The complete document, without parameters if the process does not exist or is empty.
   std::string build();
 
  private:

@@ -6,12 +6,13 @@ namespace {
 constexpr int kIntegerLength = 4;
 constexpr int kWideLength = 8;
 constexpr int kStringLength = 4096;
-/// The one integer parameter whose register is wider than its description tells.
+/// The one integer parameter whose register is wider than its description says.
 constexpr std::string_view kWideInteger = "FG_TRANSFER_LEN";
 
 constexpr const char* kRegisterSuffix = "_Reg";
+constexpr const char* kEndianness = "Endianess";  // As the GenApi schema spells it.
 
-/// By the readable and the writable bit.
+/// Indexed by the readable and writable bits.
 constexpr const char* kAccessModes[] = {"", "RO", "WO", "RW"};
 
 const char* entity(char character) {
@@ -31,7 +32,7 @@ const char* entity(char character) {
   }
 }
 
-// The classification of <cctype> depends on the process's locale, which is the host's business.
+// The classification of <cctype> depends on the process's locale, which the host sets.
 constexpr bool isLetter(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); }
 constexpr bool isDigitOrUnderscore(char c) { return (c >= '0' && c <= '9') || c == '_'; }
 
@@ -81,7 +82,7 @@ void ParameterInfoGeneratorXML::infoGenerate(const RegisterInfo& node, std::uint
   const bool wide = node.paramName && node.paramName == kWideInteger;
   infoGenerate(node, wide ? kWideLength : kIntegerLength);
   element("Sign", "Signed");
-  element("Endianess", "LittleEndian");
+  element(kEndianness, "LittleEndian");
   out_ << "</IntReg>\n";
 
   out_ << "<Integer Name='" << escaped(node.paramName) << "'>\n";
@@ -97,7 +98,7 @@ void ParameterInfoGeneratorXML::infoGenerate(const RegisterInfo& node, double /*
                                              double max, double /*inc*/) {
   startRegister("FloatReg", node, kRegisterSuffix);
   infoGenerate(node, kWideLength);
-  element("Endianess", "LittleEndian");
+  element(kEndianness, "LittleEndian");
   out_ << "</FloatReg>\n";
 
   out_ << "<Float Name=\"" << escaped(node.paramName) << "\">\n";
@@ -130,7 +131,7 @@ void ParameterInfoGeneratorXML::infoGenerate(const RegisterInfo& node, int /*val
   startRegister("IntReg", node, kRegisterSuffix);
   infoGenerate(node, kIntegerLength);
   element("Sign", "Unsigned");
-  element("Endianess", "LittleEndian");
+  element(kEndianness, "LittleEndian");
   out_ << "</IntReg>";
 }
 

@@ -15,12 +15,13 @@ namespace velmora {
 /// pass unchanged: display texts are Latin-1 and the readers of these documents expect them so.
 std::string xmlStringFilter(std::string_view text);
 
-/// The part of `text` that may stand in a GenApi node name: ASCII letters, and, but for the first
-/// byte, digits and '_'.
+/// The characters of `text` that a GenApi node name may contain: ASCII letters and, except in first
+/// place, digits and '_'.
 std::string xmlNameFilter(std::string_view text);
 
 /// Writes the register and the feature of a parameter. Each overload ends without a line feed,
-/// except for the common register lines. Numbers are formatted as the stream's locale says.
+/// except for the common register lines. Numbers follow the stream's locale. The current `value` is
+/// ignored: a description does not contain it.
 class ParameterInfoGeneratorXML {
  public:
   /// `out` must outlive the generator.
@@ -29,16 +30,15 @@ class ParameterInfoGeneratorXML {
   /// The lines that all registers share: the parameter's id as address, `length` in bytes, access
   /// and port.
   void infoGenerate(const RegisterInfo& node, int length);
-  /// Integer register and feature. The numbers are written as signed ones for a signed node; an
-  /// increment of 0 is left out. A description has no use for the current value.
+  /// Integer register and feature. The numbers of a signed node are written as signed; an increment
+  /// of 0 is left out.
   void infoGenerate(const RegisterInfo& node, std::uint64_t value, std::uint64_t min,
                     std::uint64_t max, std::uint64_t inc);
-  /// Float register and feature. GenApi floats have no increment; the current value is of no use.
+  /// Float register and feature. GenApi floats have no increment.
   void infoGenerate(const RegisterInfo& node, double value, double min, double max, double inc);
   /// String register, which is its own feature.
   void infoGenerate(const RegisterInfo& node);
-  /// Enumeration and its register. `entries` are identifiers by value; the current value is of no
-  /// use.
+  /// Enumeration and its register. `entries` are identifiers by value.
   void infoGenerate(const RegisterInfo& node, int value, const std::map<int, std::string>& entries);
 
  private:

@@ -7,13 +7,13 @@
 
 namespace velmora {
 
-/// Finds the description node of a parameter: process, then SDK id. Filled once while the catalogue
-/// is built. Setters do not search here; each port keeps the nodes that it moves.
+/// Finds the description node of a parameter by process and SDK id. Filled while the catalogue is
+/// built. Setters do not search here; each port keeps the nodes that it updates.
 class ParameterNodes {
  public:
   explicit ParameterNodes(int processes);
 
-  /// Enters a node under its own process and id; null is ignored.
+  /// Adds a node under its process and id; null is ignored.
   /// @return the node.
   RegisterInfo* add(RegisterInfo* node);
   /// The node, or null when the process or the id is unknown.

@@ -1,8 +1,8 @@
-# Shared by the scripts: where the project lies, what it needs, how it is built. To be sourced.
+# Sourced by the other scripts: enters the project's folder, installs what it needs and builds it.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
-# Debian packages, each with a file that shows that it is installed.
+# Debian packages, each with a file that exists if the package is installed.
 demo_packages=(
   "g++:/usr/bin/g++"
   "cmake:/usr/bin/cmake"

@@ -61,7 +61,7 @@ std::optional<std::string> baseDirectoryFromEnvironment() {
   return std::nullopt;
 }
 
-/// The base directory of this library, searched on the first call.
+/// The base directory of this library, looked up on the first call.
 std::optional<std::string> baseDirectory() {
   static std::atomic<std::uint32_t> flag{0};
   static std::optional<std::optional<std::string>> searched;
@@ -90,7 +90,7 @@ LibraryRecord openInstalledLibrary(std::string_view baseDirectory, std::string_v
   record.path.append(baseDirectory).append("/lib64/lib").append(name).append(".so");
   errno = 0;
   record.handle = dlopen(record.path.c_str(), velmora::kOpenLibraryFlags);
-  // The loader reports want of memory like a missing library.
+  // The loader reports a lack of memory like a missing library.
   if (!record.handle && errno == ENOMEM) throw std::bad_alloc();
   if (!record.handle) {
     const char* error = dlerror();

@@ -1,4 +1,5 @@
-/// Where the logging dispatcher library lies and how it is opened.
+/// The folder support/ holds what is not about parameters: locks, singletons and logs. This header
+/// finds and opens the logging dispatcher library.
 #pragma once
 
 #include <optional>
@@ -7,11 +8,11 @@
 
 namespace korv::tools::logging {
 
-/// A library that was asked of the dynamic loader.
+/// The result of opening a library.
 struct LibraryRecord {
   void* handle = nullptr;  ///< Loader handle; null when the library could not be opened.
   std::string path;
-  std::string error;  ///< The loader's words when `handle` is null.
+  std::string error;  ///< The loader's message when `handle` is null.
 };
 
 /// Path of the file that holds the calling library, as the dynamic loader knows it; empty when it
@@ -20,10 +21,10 @@ std::string ownLibraryPath();
 
 /// Installation directory of the software around the file `libraryPath`, without a trailing '/'
 /// (so the root directory is the empty text). It is the directory that contains the innermost
-/// directory of the path called bin, dll, Hardware Applets, lib or lib64 in any case. A path
-/// without such a directory, or of 1024 bytes or more, leaves it to the environment variables
-/// "KORVDIR5_64" and, when that is unset, "KORVDIR5", of which at most 1023 characters count.
-/// Nothing when these are unset too.
+/// directory of the path called bin, dll, Hardware Applets, lib or lib64, in upper or lower case.
+/// Without such a directory, or for a path of 1024 bytes or more, it is the value of the
+/// environment variable "KORVDIR5_64" or, when that is unset, "KORVDIR5", of which at most 1023
+/// characters count. Nothing when these are unset too.
 std::optional<std::string> findBaseDirectory(std::string_view libraryPath);
 
 /// Opens the library `name` of the installation at `baseDirectory`, that is

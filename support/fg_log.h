@@ -7,12 +7,12 @@
 
 namespace velmora {
 
-/// Writes to one standard stream. The log is dormant: `OpenLogFile` opens nothing, so the output
+/// Writes to a C stream. The log is dormant: `OpenLogFile` opens nothing, so the output
 /// functions write nothing unless a derived class provides a stream. Not for use by several threads
 /// at a time.
 class Fg_Log {
  public:
-  /// `name` labels the log at its place of use; it is not written.
+  /// `name` labels the log in the source; it is not written.
   explicit Fg_Log(const char* name);
   Fg_Log(const Fg_Log&) = delete;
   Fg_Log& operator=(const Fg_Log&) = delete;
@@ -23,7 +23,7 @@ class Fg_Log {
   /// Flushes and closes an open stream; nothing is written afterwards.
   void CloseLogFile();
 
-  /// Head of a log: whose it is, what it contains and when it began.
+  /// Writes the head of a log: whose it is, what it contains and when it began.
   void WriteWelcome();
   /// Current local time in the form "Thu Jan  1 00:00:00 1970\n".
   std::string GetTimestamp();

@@ -11,7 +11,7 @@
 
 namespace korv::templates::patterns {
 
-/// Keeps the list of all singletons, newest first, and destroys them in that order at the end.
+/// Keeps the list of all singletons, newest first, and destroys them in that order at exit.
 class GuardedSingletonBase {
  public:
   GuardedSingletonBase(const GuardedSingletonBase&) = delete;
@@ -21,10 +21,10 @@ class GuardedSingletonBase {
  protected:
   GuardedSingletonBase() = default;
 
-  /// Puts `singleton` into the list, which destroys it at the end.
+  /// Adds `singleton` to the list, to be destroyed at exit.
   static void record(GuardedSingletonBase* singleton);
-  /// Arranges the destruction of the list, once. Destructors of the process run in the reverse of
-  /// this order, so whatever a singleton uses is to be loaded before the call.
+  /// Arranges for the list to be destroyed at exit, once. Static objects are destroyed in reverse
+  /// order, so whatever a singleton uses must be loaded before this call.
   static void destroyAtExit();
   /// True once the list is being destroyed. Code that still runs then, such as destructors of other
   /// libraries, gets fresh singletons that were not started.
@@ -39,14 +39,14 @@ class GuardedSingletonBase {
 };
 
 /// Base of the singleton class `T`. `T` needs a default constructor that does not use the singleton
-/// and a member `bool start()`, which may and which tells whether it succeeded; both may be private
-/// when this class is a friend.
+/// and a member `bool start()`, which may use it and returns whether it succeeded; both may be
+/// private when this class is a friend.
 template <class T>
 class GuardedSingleton : public GuardedSingletonBase {
  public:
-  /// The one instance, in memory of its own that cannot run out. It is created and started on the
-  /// first call, while other threads wait; calls that its start makes on the same thread get the
-  /// instance as it is. So do callers when the start fails; the next call tries it again.
+  /// The one instance, in static memory. It is created and started on the first call, while other
+  /// threads wait; calls that its start makes on the same thread get the instance as it is. So do
+  /// callers when the start fails; the next call tries again.
   static T& instance() {
     T* ready = ready_.load(std::memory_order_acquire);
     return ready ? *ready : create();
@@ -60,7 +60,7 @@ class GuardedSingleton : public GuardedSingletonBase {
     alignas(T) static std::byte memory[sizeof(T)];
     const platform::SpinLockVariableGuard guard(flag_, &owner_);
     if (!slot_) record(slot_ = new (memory) T);
-    // A guard without the flag: this is a call from within the start.
+    // A guard that does not hold the flag means a call from within the start.
     if (guard.held() && !ready_.load(std::memory_order_relaxed) && (isOver() || slot_->start())) {
       destroyAtExit();
       ready_.store(slot_, std::memory_order_release);
@@ -75,7 +75,7 @@ class GuardedSingleton : public GuardedSingletonBase {
     slot_ = nullptr;
   }
 
-  // Constant-initialised, so that an instance can be asked for at any time of the process.
+  // Constant-initialised, so that an instance is available at any time in the process.
   inline static std::atomic<std::uint32_t> flag_{0};
   inline static std::atomic<pthread_t> owner_{0};
   inline static T* slot_ = nullptr;

@@ -13,7 +13,7 @@ GenericLock::~GenericLock() noexcept(false) {  // NOLINT(bugprone-exception-esca
 GenericLockGuard::GenericLockGuard(GenericLock& lock) : Guard(&lock, false) {
   const bool taken = lock_->enter();
   if (lock_->isMarkedLocked()) {
-    // The outer holder on this thread still needs the lock; only what this call took goes back.
+    // The outer holder on this thread still needs the lock; release only what this call took.
     if (taken) lock_->leave();
     throw std::logic_error("GenericLock object got lock but is already marked as locked");
   }

@@ -13,7 +13,7 @@ namespace korv::templates::patterns {
 template <class LockPointer>
 class Guard;
 
-/// What all guards have in common: the lock, and whether leaving the scope gives it back. The
+/// What all guards share: the lock, and whether to release it at the end of the scope. The
 /// destructor may throw because guards of a `GenericLock` report misuse.
 template <class Lock>
 class Guard<Lock*> {
@@ -45,7 +45,7 @@ class GenericLock {
   virtual bool enter() = 0;
   /// Takes the lock if it is free; never waits. True when this call took it.
   virtual bool tryEnter() = 0;
-  /// Gives the lock back; to be called by the thread that took it.
+  /// Releases the lock; to be called by the thread that took it.
   virtual void leave() = 0;
 
   /// The mark, for guards. Only the thread that holds the lock may look at it or change it.
@@ -61,9 +61,9 @@ class GenericLockGuard : public Guard<GenericLock*> {
  public:
   /// Enters the lock and marks it; throws `std::logic_error` when it is already marked, that is
   /// when another guard of the calling thread holds it. The lock is then as it was before. A hold
-  /// that the thread took with `enter` itself passes to the guard, which gives it back at its end.
+  /// that the thread took with `enter` itself passes to the guard.
   explicit GenericLockGuard(GenericLock& lock);
-  /// The same with a lock that the guard deletes at its end. A lock that is already marked is not
+  /// The same with a lock that the guard finally deletes. A lock that is already marked is not
   /// deleted: the guard that holds it still refers to it.
   explicit GenericLockGuard(std::unique_ptr<GenericLock> lock);
   /// Leaves the lock; throws `std::logic_error` when the mark was cleared.
@@ -88,7 +88,7 @@ class RecursiveMutex {
   void lock();
   /// To be called by the holder, once per `lock`.
   void unlock();
-  /// How many times the holder has locked the mutex; 0 when nobody holds it. For the holder only.
+  /// How many times the holder has locked the mutex; 0 when it is free. For the holder only.
   std::uint32_t holds() const { return holds_; }
 
  private:
@@ -104,13 +104,13 @@ class RecursiveMutexGuard : public patterns::Guard<RecursiveMutex*> {
   ~RecursiveMutexGuard() noexcept override { lock_->unlock(); }
 };
 
-/// Lock of one thread at a time that notices when its holder enters it again: `enter` then returns
-/// false instead of blocking for ever.
+/// Lock for one thread at a time that detects re-entry by its holder: `enter` then returns false
+/// instead of blocking for ever.
 class CriticalSection : public patterns::GenericLock {
  public:
   CriticalSection();
-  /// Uses a caller-owned mutex, which must be initialised and outlive this object. It notices
-  /// re-entry only if it is of the error-checking type.
+  /// Uses a caller-owned mutex, which must be initialised and outlive this object. Re-entry is
+  /// detected only if it is of the error-checking type.
   explicit CriticalSection(pthread_mutex_t& mutex) : foreign_(true), mutex_(&mutex) {}
   ~CriticalSection() noexcept(false) override;
 
@@ -140,7 +140,7 @@ class ReadWriteLock {
 
   void lockRead();
   void lockWrite();
-  /// Gives back what the calling thread took last.
+  /// Releases what the calling thread took last.
   void unlock();
 
  private:
@@ -161,14 +161,14 @@ class ReadWriteLockGuard : public patterns::Guard<ReadWriteLock*> {
 class SpinLockVariableGuard {
  public:
   /// Waits until the flag is free, yielding the processor between tries. With an `owner` (0 when
-  /// there is none), a thread that holds the flag already passes without taking it again.
+  /// there is none), a thread that already holds the flag passes without taking it again.
   explicit SpinLockVariableGuard(std::atomic<std::uint32_t>& flag,
                                  std::atomic<pthread_t>* owner = nullptr);
   SpinLockVariableGuard(const SpinLockVariableGuard&) = delete;
   SpinLockVariableGuard& operator=(const SpinLockVariableGuard&) = delete;
   virtual ~SpinLockVariableGuard();
 
-  /// False when the thread held the flag already.
+  /// False when the thread already held the flag.
   bool held() const { return held_; }
 
  private:

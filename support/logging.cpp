@@ -36,12 +36,12 @@ void Logging::attach() {
   if (!library_) return;
   const auto* descriptor = static_cast<const LoggingDispatcherDescriptor*>(
       dlsym(library_->handle, "logging_dispatcher_descriptor"));
-  // Without the register function there is nothing that could be called.
+  // Without the register function there is nothing to call.
   if (!descriptor || !descriptor->registerLogging) {
     library_.reset();
     return;
   }
-  // Kept before the call, so that a dispatcher that detaches from within it stays detached.
+  // Set before the call, so that a dispatcher that detaches from within it stays detached.
   descriptor_ = descriptor;
   descriptor->registerLogging(this, &Logging::detach, &Logging::setLevel, &getLogger_, &log_);
 }

@@ -26,8 +26,8 @@
 
 namespace korv::tools::logging {
 
-/// Runs a step of logging and tells whether it succeeded. The exceptions of the dispatcher's code
-/// and of memory running out end here; the cancellation of a thread passes.
+/// Runs a step of logging and returns whether it succeeded. Exceptions of the dispatcher and of
+/// memory running out end here; thread cancellation passes through.
 template <class Step>
 bool attempt(const Step& step) {
   try {
@@ -46,15 +46,14 @@ class Logger {
   /// Whether this may be the default logger, which is not worth keeping: a later
   /// `Logging::getLogger` may give a better one.
   bool isDefault() const { return handle_ == 0; }
-  /// Whether a message of `level` from the calling thread is wanted. To be asked before the text is
-  /// built; `log` does not ask.
+  /// Whether a message of `level` from the calling thread is wanted. To be checked before the text
+  /// is built; `log` does not check.
   bool isEnabled(int level);
   /// Hands a text to the dispatcher, if there is one. The last two arguments are 0 for texts.
   void log(int level, const char* text, int argument, std::uint64_t data);
   /// The lowest level that is enabled from now on.
   void setLevel(int threshold) { threshold_.store(threshold, std::memory_order_relaxed); }
-  /// Mutes the calling thread for this logger, or lets it be heard again. Returns whether it could
-  /// be heard before.
+  /// Mutes or unmutes the calling thread for this logger. Returns whether it was enabled before.
   bool setThreadEnabled(bool enabled);
 
  private:
@@ -73,8 +72,8 @@ class Logging final : public templates::patterns::GuardedSingleton<Logging> {
   /// library is unloaded.
   static Logger* getLogger(const char* name);
 
-  /// True once the process is ending: loggers that were asked for before are gone or going, those
-  /// asked for from now on are silent.
+  /// True once the process is exiting: loggers obtained before are gone or about to go, those
+  /// obtained from now on are silent.
   static bool ended() { return isOver(); }
 
   /// Releases the loggers and unregisters from the dispatcher.

@@ -1,4 +1,5 @@
-/// An applet opened on a virtual board, for programs that use it through the exports.
+/// The folder tests/ checks the applet through its exports and some classes on their own. This
+/// fixture is an applet opened on a virtual board.
 #pragma once
 
 #include <cstdint>

@@ -12,7 +12,7 @@
 namespace {
 
 /// Calls `use` for every parameter at or below the node.
-template <typename Use>
+template <class Use>
 void forEachParameter(const RegisterInfo* node, Use use) {
   if (node->kind != REGISTER_INFO_GROUP) return use(*node);
   const auto& group = node->value.group;

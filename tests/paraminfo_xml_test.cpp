@@ -37,7 +37,7 @@ class GenApiDocument : public testing::Test {
            "<Integer Name='" + name + "'>|<Description>" + description + "</Description>|" +
            "<pValue>" + name + "_Reg</pValue>|<Min>0</Min>|<Max>1000</Max>|</Integer>~";
   }
-  /// The document behind its header, with '|' for a line feed and '~' for the end of a block.
+  /// The document after its header, with '|' for a line feed and '~' for the end of a block.
   std::string body() {
     std::string text = ParameterInfoBuilderXML(registry_, "A&B", kProcess).build();
     EXPECT_NE(text.find("ModelName=\"A&amp;B\"\n"), std::string::npos);

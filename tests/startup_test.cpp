@@ -63,7 +63,7 @@ TEST(StartUp, RoutesThePortsAndAppliesTheDefaults) {
   }
 }
 
-/// A failure ends its own step. The setting behind it keeps its first value, which is the default.
+/// A failure ends its own step. The setting concerned keeps its first value, which is the default.
 TEST(StartUp, GoesOnWhateverWriteFails) {
   const ExternalDesign design(ownRecords());  // Loads faster than the image.
   for (unsigned k = 1;; ++k) {

@@ -1,4 +1,4 @@
-/// Saving and loading a configuration file around the applet's own settings.
+/// Saves and loads configuration files; the applet contributes its own settings.
 #include <clocale>
 #include <cstring>
 
@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::size_t kValueSize = 256;
 
-/// Whether the file's header is that of this applet.
+/// Whether the file's header is that of this applet. The keys are the file format's.
 bool isConfigurationOf(const char* appletName, Fg_ConfigFileParser& parser) {
   char text[kValueSize];
   int activePort = 0;
@@ -33,7 +33,7 @@ int FgKtWrapper::Fg_saveConfig(Fg_Struct*, const char* file) {
   parser.writeConfigFileIntKey("LoadAppletId", getLoadAppletId());
   parser.writeConfigFileIntKey("AktivePort", 0);
   saveParameters(parser);
-  // A full disk shows only here; a file that is not whole must not count as saved.
+  // A full disk shows only here; a truncated file must not count as saved.
   return fgError().setErr(parser.close() ? VELMORA_OK : VELMORA_CONFIG_NOT_SAVED);
 }
 

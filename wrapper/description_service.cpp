@@ -1,4 +1,4 @@
-/// Handing a port's GenApi document to the caller's buffer.
+/// Copies a port's GenApi document into the caller's buffer.
 #include <algorithm>
 #include <string>
 

@@ -7,7 +7,7 @@
 namespace velmora {
 
 /// Last error of an applet instance. Exports of different threads record here at the same time, so
-/// the number is atomic; which of two simultaneous results stays is up to the threads.
+/// the number is atomic; of two simultaneous results either may be kept.
 class Fg_Error {
  public:
   /// Stores `error` and returns it.

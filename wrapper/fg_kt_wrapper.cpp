@@ -43,14 +43,14 @@ Handle* accessHolder(std::atomic<Handle*>& holder, Handle* handle) {
 struct FgKtWrapper::Private {
   explicit Private(int processes) : registry(processes), nodes(processes) {}
 
-  /// A runtime function applied to the inner handle; `missing` when either is not there.
+  /// Calls a runtime function on the inner handle; returns `missing` when either is null.
   template <class Signature, class Result, class... Arguments>
   Result call(RuntimeEntry<Signature> entry, Result missing, Arguments... arguments) const {
     Signature* function = table[entry];
     return function && inner ? function(inner, arguments...) : missing;
   }
 
-  // The runtime library is closed first, then the design is unloaded, then the rest is released.
+  // Destroyed last to first: the runtime library is closed, then the design is unloaded.
   Fg_ParameterInfo registry;
   ParameterNodes nodes;
   Fg_Error error;

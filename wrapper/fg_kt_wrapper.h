@@ -1,3 +1,5 @@
+/// The folder wrapper/ is the part of an applet that does not depend on the design: the binding to
+/// the acquisition runtime and the services that every applet shares.
 #pragma once
 
 #include <cstddef>
@@ -20,10 +22,10 @@ class ParameterNodes;
 
 /// Applet-independent base of an applet instance: binds the acquisition runtime, owns the inner
 /// handle, the design, the last error and the parameter descriptions, and offers the services that
-/// every applet shares. The runtime's tools know the order of the virtual operations; do not change
-/// it.
+/// every applet shares. The runtime's tools rely on the order of the virtual operations; do not
+/// change it.
 ///
-/// An instance is brought up by `initializeDllFunctions`, `runFgInit` and `initHandles`, in this
+/// An instance is started by `initializeDllFunctions`, `runFgInit` and `initHandles`, in this
 /// order, on one thread. Nothing here takes a lock.
 class FgKtWrapper {
  public:
@@ -34,7 +36,7 @@ class FgKtWrapper {
 
   /// The class's logger, created on first use and kept.
   virtual korv::tools::logging::Logger& logger();
-  /// Reads the applet's settings; false at the first key that is missing.
+  /// Reads the applet's settings; stops at the first missing key and returns false.
   virtual bool loadParameters(Fg_ConfigFileParser& parser) = 0;
   /// Writes the applet's settings.
   virtual void saveParameters(Fg_ConfigFileParser& parser) = 0;
@@ -42,7 +44,7 @@ class FgKtWrapper {
   virtual int mapDmaToFormat(int dma) = 0;
   virtual int setDmaAlignment(int dma, int alignment) = 0;
   virtual int getDmaAlignment(int dma) = 0;
-  /// Closes the runtime, then unloads the design. The inner handle is not released here.
+  /// Closes the runtime, then unloads the design. Does not release the inner handle.
   virtual ~FgKtWrapper();
   /// Describes the applet's parameters in the registry.
   virtual void initParameterInfo() = 0;
@@ -58,7 +60,7 @@ class FgKtWrapper {
   /// Checks that a configuration file is this applet's, then `loadParameters`. Returns 0, -2076 or
   /// -5000; both failures record -5000.
   virtual int Fg_loadConfig(Fg_Struct* fg, const char* file);
-  /// Copies a port's GenApi document into the caller's buffer, or tells its size.
+  /// Copies a port's GenApi document into the caller's buffer, or returns its size.
   virtual int Fg_getParameterInfoXML(Fg_Struct* fg, int port, char* buffer, std::size_t* size);
   virtual ShadingMaster* Fg_AllocShading(int, int) { return nullptr; }
   virtual int Fg_FreeShading(ShadingMaster*) { return VELMORA_NOT_SUPPORTED; }
@@ -84,15 +86,14 @@ class FgKtWrapper {
   virtual const char* getAppletVersion() = 0;
   virtual int getLoadAppletId() = 0;
 
-  /// Opens the runtime library and binds its functions. 0, or -2031, recorded and logged.
+  /// Opens the runtime library and binds its functions. Returns 0, or -2031, recorded and logged.
   int initializeDllFunctions(const char* libraryName);
-  /// Creates the inner handle on a loaded design. 0, -2031, or the runtime's code; failures are
-  /// recorded and logged.
+  /// Creates the inner handle on a loaded design. Returns 0, -2031 or the runtime's code; failures
+  /// are recorded and logged.
   int runFgInit(const char* hapName, KTdevice* device, fpga_design* design, int flags);
-  /// Records both; from now on the instance unloads the design.
+  /// Stores both; from now on the instance owns the design.
   void initHandles(KTdevice* device, fpga_design* design);
-  /// Gives the inner handle back to the runtime. The runtime's result; 0 when there is nothing to
-  /// call.
+  /// Releases the inner handle. Returns the runtime's result; 0 when there is nothing to call.
   int releaseInnerHandle();
 
   const WrapperFunctionTable& wrapperFg() const;
@@ -110,10 +111,10 @@ class FgKtWrapper {
 
   void setError(int code) { fgError().setErr(code); }
   int Fg_getLastErrorNumber() const { return fgError().getErrorNumberBuffer(); }
-  /// The runtime's last error for the inner handle; -12 when it cannot be asked.
+  /// The runtime's last error for the inner handle; -12 when that is not available.
   int Fg_getLastErrorNumberKt() const;
 
-  /// Id of a design parameter; below 1 when there is none, -12 when the runtime cannot be asked.
+  /// Id of a design parameter; below 1 when there is none, -12 without the runtime's function.
   int getParameterIdByName(const char* name) const;
 
   /// @name Design-level access through the runtime on the inner handle

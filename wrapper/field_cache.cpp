@@ -5,7 +5,7 @@
 namespace velmora {
 namespace {
 
-/// Where a record's first value lies in the cache; null without a cache or a record.
+/// A record's first value in the cache; null without a cache or a record.
 template <class Record>
 std::byte* findElement(void* cache, const Record* record, std::size_t width) {
   if (!cache || !record) return nullptr;
@@ -30,7 +30,7 @@ std::size_t valueWidth(std::int32_t type) {
   return type <= 2 ? sizeof(std::uint32_t) : sizeof(std::uint64_t);
 }
 
-/// The cache's side of an array record; nothing when the record has no values of a known type.
+/// An array record's part of the cache; empty when the record has no values of a known type.
 struct Elements {
   std::byte* begin = nullptr;
   std::size_t size = 0;

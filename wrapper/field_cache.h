@@ -1,5 +1,5 @@
 /// Copies the values of field parameters to and from a caller's cache: an array, aligned or not, of
-/// elements as wide as the values. The caller vouches for its size. A null cache, record or values
+/// elements as wide as the values. The caller guarantees its size. A null cache, record or values
 /// pointer copies nothing.
 #pragma once
 
@@ -19,8 +19,7 @@ struct FieldParameterDouble_s {
 };
 
 struct FieldParameterAccess {
-  std::int32_t
-      type;  ///< `FgParamTypes` code; 1 and 2 are 32 bits wide, 3, 4 and 5 are 64 bits wide.
+  std::int32_t type;    ///< `FgParamTypes`: 1 and 2 are 32 bits wide, 3 to 5 are 64.
   std::uint32_t index;  ///< First element, in elements of the value's width.
   std::uint32_t count;
   void* values;  ///< `count` values; owned by the caller.

@@ -26,7 +26,7 @@ std::uint64_t uptimeSeconds() {
   return static_cast<std::uint64_t>(info.uptime);
 }
 
-/// The next number to name a file after, for the whole process.
+/// The next number for a file name; the counter serves the whole process.
 std::uint64_t advanceCounter(std::uint64_t step) {
   static std::atomic<std::uint64_t> counter{0};
   return counter.fetch_add(step) + step;
@@ -40,7 +40,7 @@ void writeDigits(std::uint64_t number, char* digits) {
   }
 }
 
-/// The placeholder's first character; null when it does not stand right before the suffix.
+/// The placeholder's first character; null when it is not right before the suffix.
 char* findPlaceholder(char* nameTemplate, int suffixLength) {
   if (!nameTemplate || suffixLength < 0) return nullptr;
   const std::string_view name = nameTemplate;
@@ -64,7 +64,7 @@ int makeUniqueFile(char* nameTemplate, int suffixLength) {
     writeDigits(number, digits);
     const int file = open(nameTemplate, O_RDWR | O_CREAT | O_EXCL, S_IRUSR | S_IWUSR);
     if (file >= 0) return file;
-    if (errno != EEXIST && errno != EINTR) break;  // No other name would do better.
+    if (errno != EEXIST && errno != EINTR) break;  // Another name would fail too.
     number = advanceCounter(kStep);
   }
   nameTemplate[0] = '\0';

@@ -3,8 +3,7 @@
 namespace velmora {
 
 /// Creates a new file with a unique name, readable and writable by its owner only. Any thread.
-/// @param nameTemplate path with "XXXXXX" right before its suffix; the six characters become those
-/// of the name.
+/// @param nameTemplate path with "XXXXXX" right before its suffix; receives the file's name.
 /// @param suffixLength characters after "XXXXXX", such as 5 for ".tiff".
 /// @return the file's descriptor, open for reading and writing; -1 on failure with `errno` set:
 /// for an invalid argument the template stays as it was, otherwise it becomes empty.

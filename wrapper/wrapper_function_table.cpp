@@ -5,7 +5,7 @@
 namespace velmora {
 namespace {
 
-/// Every bound symbol in binding order; positions 0 to 3, 10, 17, 18 and 21 to 28 stay empty.
+/// Every bound symbol, in binding order.
 constexpr RuntimeSymbol kRuntimeSymbols[] = {
     runtime::kGetAppletId,
     runtime::kSetParameter,
@@ -36,8 +36,7 @@ constexpr RuntimeSymbol kRuntimeSymbols[] = {
     {41, "Shad_WriteActLine"},
 };
 
-/// Every symbol has a position of its own: one that is shared, left out or too large is a call of
-/// the wrong function.
+/// Every position is used once or listed as empty: a mistake would call the wrong function.
 consteval bool eachPositionOnce() {
   constexpr std::size_t kEmpty[] = {0, 1, 2, 3, 10, 17, 18, 21, 22, 23, 24, 25, 26, 27, 28};
   std::array<int, WrapperFunctionTable::kPositions> uses{};

@@ -7,14 +7,14 @@
 
 namespace velmora {
 
-/// A runtime function by name, and its position in the wrapper function table, which the runtime's
-/// tools know.
+/// The name of a runtime function and its position in the wrapper function table. The runtime's
+/// tools rely on the positions.
 struct RuntimeSymbol {
   std::size_t position;
   const char* name;
 };
 
-/// One that the applet calls, with its type.
+/// A runtime function that the applet calls, with its type.
 template <class Signature>
 struct RuntimeEntry : RuntimeSymbol {};
 
@@ -48,7 +48,7 @@ class WrapperFunctionTable {
  public:
   static constexpr std::size_t kPositions = 42;
 
-  /// Looks up every symbol in an open library. Missing symbols are no failure.
+  /// Looks up every symbol in an open library. Missing ones stay null.
   void bind(void* library);
 
   /// The function of an entry, or null.

@@ -1,5 +1,5 @@
-/// Result codes. 0 is success. The applet passes the codes of the acquisition runtime, the design
-/// runtime and the register library on unchanged.
+/// Result codes. 0 is success. The applet passes on the codes of the acquisition runtime, the
+/// design runtime and the register library unchanged.
 #pragma once
 
 enum VelmoraError {
@@ -9,10 +9,10 @@ enum VelmoraError {
   VELMORA_TRIGGER_BUSY = -60,   ///< Software trigger while busy with the queue off.
   VELMORA_NO_DESIGN = -100,     ///< Design refused, or the runtime refused it without a code.
   VELMORA_BUFFER_TOO_SMALL = -500,     ///< Buffer missing or too small; a text could not be copied.
-  VELMORA_NO_INSTANCE = -2001,         ///< Null frame grabber or no applet instance behind it.
+  VELMORA_NO_INSTANCE = -2001,         ///< Null frame grabber, or one without an applet instance.
   VELMORA_NO_RUNTIME = -2031,          ///< Runtime library missing or without an init function.
   VELMORA_INVALID_ARGUMENT = -2070,    ///< Null value, unknown id, process, name, index or string.
-  VELMORA_NOT_REPRESENTABLE = -2075,   ///< A count that fits no register.
+  VELMORA_NOT_REPRESENTABLE = -2075,   ///< A count that does not fit its register.
   VELMORA_NO_CONFIG_FILE = -2076,      ///< Configuration file missing or of another type.
   VELMORA_NO_DESCRIPTION = -2075,      ///< No parameter description for the port.
   VELMORA_NOT_A_STRING_TYPE = -2078,   ///< String release with a type other than 22.
@@ -21,14 +21,14 @@ enum VelmoraError {
   VELMORA_NOT_SUPPORTED = -2130,       ///< Shading, unknown `Info` property.
   VELMORA_NOT_SOFTWARE_MODE = -2140,   ///< Software trigger outside `ATM_SOFTWARE`.
   VELMORA_TRIGGER_NOT_ACTIVE = -2141,  ///< Software trigger outside `TS_ACTIVE`.
-  VELMORA_CONFIG_NOT_LOADED = -5000,   ///< Another applet's file, a key missing, a process failed.
+  VELMORA_CONFIG_NOT_LOADED = -5000,   ///< Another applet's file, or a missing key.
   VELMORA_CONFIG_NOT_SAVED = -5001,    ///< Configuration file cannot be written.
   VELMORA_OUT_OF_RANGE = -6000,        ///< Value outside its range or enumeration.
   VELMORA_STEP_VIOLATION = -7080,      ///< Value breaks a step rule.
   VELMORA_KEY_NOT_FOUND = -8000        ///< Configuration parser: section or key not found.
 };
 
-/// Codes of the virtual board's libraries. Those of a real board may have others.
+/// Codes of the virtual board's libraries. A real board may use others.
 enum VelmoraBoardError {
   VELMORA_BOARD_NO_HANDLE = -2050,           ///< Null or unknown handle, or null device.
   VELMORA_BOARD_NO_DESIGN = -2051,           ///< Handle requested without a device or a design.

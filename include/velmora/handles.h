@@ -1,5 +1,4 @@
-/// What a host, the applet and the board's libraries have in common: opaque handles and the number
-/// of ports.
+/// Opaque handles and the number of ports, shared by hosts, the applet and the board's libraries.
 #pragma once
 
 /// Camera ports of the applet, each with a DMA channel of the same number.
@@ -7,7 +6,7 @@ enum { VELMORA_PORTS = 4 };
 
 typedef struct KTdevice KTdevice;            ///< Board device; owned by the host.
 typedef struct fpga_design fpga_design;      ///< Loaded FPGA design; owned by the design runtime.
-typedef struct ShadingMaster ShadingMaster;  ///< Shading data; no applet of this kind creates one.
+typedef struct ShadingMaster ShadingMaster;  ///< Shading data; this applet creates none.
 
 /// Frame grabber. The outer handle belongs to the host and its first word is the applet instance:
 /// `struct Fg_Struct { void* applet; };` is all a host needs. The inner handle is the acquisition

@@ -6,9 +6,9 @@
 /// - block: `*outPointer` becomes the address of the first byte, `out` the size as a `uint64_t`.
 /// - handle: `out` becomes the pointer as a `uint64_t`; 0 before the first successful start-up.
 ///
-/// Texts and blocks are the library's: they stay valid while it is loaded and must not be changed
-/// or freed. Handles are those of the latest successful start-up and may outlive what they stand
-/// for. `index` and `sub` are read by the port mapping only.
+/// Texts and blocks belong to the library: they stay valid while it is loaded and must not be
+/// changed or freed. Handles are those of the latest successful start-up; what they refer to may
+/// have been released since. Only the port mapping reads `index` and `sub`.
 #pragma once
 
 enum VelmoraInfo {
@@ -25,15 +25,15 @@ enum VelmoraInfo {
   VELMORA_INFO_VERSION = 0x1060,        ///< Text: four numbers, "2.1.2.3".
   VELMORA_INFO_BUILD_VERSION = 0x1070,  ///< Text: the version, date and time of the build.
 
-  /// Result: the number behind a value name of `velmora/values.h`, such as "FG_ON"; -2070 when
-  /// there is none. Here `out` is the input, a `const char*`; case matters.
+  /// Result: the value of a name in `velmora/values.h`, such as "FG_ON"; -2070 when there is none.
+  /// Here `out` is the input, a `const char*`; case matters.
   VELMORA_INFO_VALUE_OF_NAME = 0x1100,
 
   VELMORA_INFO_PORTS = 0x1200,  ///< Result: 4, the number of camera ports.
 
   /// @name Port mapping; `index` is the port
-  /// Result: as below for the ports 0 to 3, -2070 for others. What those with a constant answer
-  /// count is known to the runtime only.
+  /// Result: as below for ports 0 to 3, -2070 for others. Only the runtime knows what the constant
+  /// answers count.
   /// @{
   VELMORA_INFO_PORT_1210 = 0x1210,  ///< 1.
   VELMORA_INFO_PORT_1220 = 0x1220,  ///< 1.

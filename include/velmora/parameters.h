@@ -1,11 +1,11 @@
 /// SDK parameter ids, stable across designs, in the order of the applet's parameter list.
 ///
-/// The comments tell the kind of the value, its unit and range, and the access. The kinds, each
+/// The comments give the kind of the value, its unit and range, and the access. The kinds, each
 /// with the `type` to pass to `Fg_setParameterWithType` and `Fg_getParameterWithType`:
 /// - uint32, or an enumeration of `velmora/values.h`: 32 bits, `FG_PARAM_TYPE_INT32`;
 /// - double: 64 bits, `FG_PARAM_TYPE_DOUBLE`;
 /// - text: a `char*` that `Fg_freeParameterStringWithType` takes back, `FG_PARAM_TYPE_STRING`;
-/// - runtime's own: the acquisition runtime answers, in a `type` that it accepts.
+/// - runtime's own: answered by the acquisition runtime, in a `type` that it accepts.
 ///
 /// A limit that names another parameter moves with that parameter's value on the same port. A
 /// double may have any value in its range; the design may round it. us stands for microseconds.
@@ -97,7 +97,7 @@ enum VelmoraParameter {
   FG_TRIGGER_QUEUE_FILLLEVEL_EVENT_OFF_THRESHOLD = 300241,  ///< uint32, pulses, 2 to 2047,
                                                             ///< read/write.
 
-  // Delay and width have to be shorter than the downscale times the period of the frame rate.
+  // Delay and width must be shorter than the downscale times the period of the frame rate.
   FG_TRIGGER_PULSEFORMGEN0_DOWNSCALE = 300216,        ///< uint32, phase + 1 to 7, read/write.
   FG_TRIGGER_PULSEFORMGEN0_DOWNSCALE_PHASE = 300217,  ///< uint32, 0 to downscale - 1, read/write.
   FG_TRIGGER_PULSEFORMGEN0_DELAY = 300218,            ///< double, us, 0 to 34000000, read/write.
@@ -122,6 +122,6 @@ enum VelmoraParameter {
                                                     ///< read/write.
   FG_DIGIO_OUTPUT = 14020,                          ///< uint32, bit mask, 0 to 3, read/write.
 
-  // Get takes the name of a parameter from the value and answers with its description.
-  FG_PARAM_DESCR = 24114  ///< text, read only. Has no index and is not found by name.
+  // A get takes a parameter's name from the value and returns that parameter's description.
+  FG_PARAM_DESCR = 24114  ///< text, read only. Has no index; not found by name.
 };

@@ -22,20 +22,20 @@ enum RegisterInfoKind {
 enum RegisterInfoAccess {
   REGISTER_INFO_READABLE = 1,
   REGISTER_INFO_WRITABLE = 2,
-  REGISTER_INFO_RUNTIME_FLAG = 4  ///< Carried for the runtime's tools.
+  REGISTER_INFO_RUNTIME_FLAG = 4  ///< For the runtime's tools.
 };
 
 /// One node of the description forest of a process (camera port): a group with children or a
 /// parameter with its range. Every pointer is owned by the registry that created the node and stays
-/// valid until the applet instance is released. Readers must not change a node; the ranges and
-/// access modes of some nodes move while parameters are set.
+/// valid until the applet instance is released. Readers must not change a node; sets change
+/// the ranges and access modes of some nodes.
 struct RegisterInfo {
   uint32_t kind;        ///< `RegisterInfoKind`.
   uint32_t index;       ///< Position among the parent's children; not meaningful for root groups.
   char* name;           ///< Display text, single-byte characters.
   char* paramName;      ///< SDK parameter name; null for groups.
   uint32_t accessMode;  ///< `RegisterInfoAccess` bits; not set for groups.
-  uint32_t qualifier;   ///< Carried for the runtime's tools; not set for groups.
+  uint32_t qualifier;   ///< For the runtime's tools; not set for groups.
   uint32_t visible;     ///< Nonzero: part of the GenApi document; not set for groups.
   int32_t id;           ///< SDK parameter id; not set for groups.
   union {

@@ -33,7 +33,7 @@ enum BayerOrder {
   GreenFollowedByRed = 3
 };
 
-/// `FG_AREATRIGGERMODE`; `ATM_SYNCHRONIZED` exists on the ports 1 to 3 only.
+/// `FG_AREATRIGGERMODE`; `ATM_SYNCHRONIZED` exists on ports 1 to 3 only.
 enum AreaTriggerMode {
   ATM_GENERATOR = 1,
   ATM_EXTERNAL = 2,

@@ -1,31 +1,31 @@
-/// Exported functions of the acquisition applet `libVelmora.so`.
+/// The folder include/velmora/ is what hosts of the acquisition applet `libVelmora.so` include.
+/// This header declares the exported functions.
 ///
-/// Common to all functions that take an `Fg_Struct*`: it is the host's (outer) handle, whose first
-/// word is the instance that `Std_entry` returned. A null handle or a null first word is answered
-/// with -2001 (or null, or 0 where noted) and changes nothing. Results are 0 or positive on success
-/// and negative codes of `velmora/errors.h` or of the libraries around the applet on failure.
+/// An `Fg_Struct*` is the host's (outer) handle, whose first word is the instance that `Std_entry`
+/// returned. With a null handle or a null first word a function returns -2001 (or null, or 0 where
+/// noted) and changes nothing. Results are 0 or positive on success, and on failure negative codes
+/// of `velmora/errors.h` or of the libraries around the applet.
 ///
 /// Threads: `Std_entry` and `Fg_FreeGrabber` must not overlap other calls on the same handle. Sets
 /// and gets may come from any thread; they run one after the other. These must not overlap sets on
 /// the same handle, nor a load:
 /// - `Fg_loadConfig`, which must not overlap gets either;
-/// - `Fg_saveConfig`: beside a set that the design then refuses it would write the refused value;
-/// - `Fg_getParameterInfoXML` and readers of the nodes of `Fg_getParameterInfo`, since sets move
+/// - `Fg_saveConfig`, which could write the value of a set that the design then refuses;
+/// - `Fg_getParameterInfoXML` and readers of the nodes of `Fg_getParameterInfo`, since sets change
 ///   ranges and access modes.
 /// `Fg_saveConfig` and `Fg_loadConfig` set the locale of the whole process (`setlocale(LC_ALL,
-/// "English")`, without effect where no locale has this name); no other thread may be using it.
+/// "English")`, without effect if there is no such locale); no other thread may be using it.
 /// `Info` may be called at any time from any thread, also while the process exits.
 ///
-/// Exceptions: a C host sees none as long as the rules above are kept, memory lasts and the
+/// Exceptions: a C host sees none while it keeps the rules above, memory does not run out and the
 /// libraries around the applet throw nothing. Otherwise these leave an export:
-/// - `std::logic_error` out of a set or get that is called from within a set or get on the same
-///   handle and thread (by a runtime that calls back);
-/// - `std::bad_alloc` and other errors of the standard library out of any export but `Info` and
-///   `Std_entry`; a set has then restored the stored setting and released the lock;
-/// - whatever a library around the applet throws. Integers become the code of a set or get of the
-///   applet's own parameters, but leave the others unchanged: the pass-through of ids above 2000000
-///   and of register ids, every string release, and the acquisition calls. From `Std_entry`
-///   nothing leaves but the cancellation of the calling thread.
+/// - `std::logic_error` from a set or get that is called within a set or get on the same handle and
+///   thread (by a runtime that calls back);
+/// - `std::bad_alloc` and other errors of the standard library, except from `Info` and `Std_entry`;
+///   a set has then restored the stored setting and released the lock;
+/// - whatever a library around the applet throws, except that an integer becomes the result of a
+///   set or get of the applet's own parameters (not of ids above 2000000 or register ids), and
+///   that only the cancellation of the calling thread leaves `Std_entry`.
 #pragma once
 
 #include <stddef.h>
@@ -48,7 +48,7 @@ enum VelmoraStartFlag {
 /// Creates an applet instance: opens the acquisition runtime `libvorn5.so`, loads the design (the
 /// embedded image, or the file "Velmora.hap" when the environment variable
 /// "__KORV_FORCE_EXTERNAL_HAP" exists), creates the runtime's handle on it and writes the defaults.
-/// @param device the host's board device; handed on, never looked into.
+/// @param device the host's board device; passed on, never looked into.
 /// @param error receives 0, -2031 (no usable runtime), -100 (no design) or the runtime's code; may
 ///        be null.
 /// @param flags handed to the runtime; the applet itself reads `VELMORA_LEAVE_DESIGN` only.
@@ -62,7 +62,7 @@ void* Std_entry(KTdevice* device, int* error, int flags);
 int Fg_FreeGrabber(Fg_Struct* fg);
 
 /// Answers a question about the applet itself; needs no instance.
-/// @param property a `VelmoraInfo`; `velmora/info.h` tells what each one answers.
+/// @param property a `VelmoraInfo`; `velmora/info.h` says what each one answers.
 /// @param index port of the mapping properties, 0 to 3.
 /// @param sub second index of the mapping properties, 0.
 /// @param out receives sizes and handles as unsigned 64-bit; holds the name for
@@ -76,7 +76,7 @@ int Info(int property, int index, int sub, void* out, void** outPointer);
 /// lacks the function.
 /// @{
 int Fg_getAppletId(Fg_Struct* fg, void* argument);
-/// Starts DMA channel `dma`; `pictures` to acquire, -1 for no end; `memory` is the runtime's.
+/// Starts DMA channel `dma` for `pictures` pictures, -1 for no limit; `memory` is the runtime's.
 int Fg_AcquireEx(Fg_Struct* fg, uint32_t dma, int64_t pictures, int32_t flags, void* memory);
 int Fg_stopAcquireEx(Fg_Struct* fg, uint32_t dma, int64_t memory, int32_t flags);
 /// Number of the last picture on channel `dma`, from 1; 0 before the first.
@@ -108,7 +108,7 @@ int Fg_setParameterWithType(Fg_Struct* fg, int id, const void* value, unsigned d
 int Fg_getParameterWithType(Fg_Struct* fg, int id, void* value, unsigned dma, int type);
 
 /// Releases a string of a type-22 get. `value` is the string itself. Any thread.
-/// @return 0; -2078 for a type other than 22; -2070 for a string that is not handed out.
+/// @return 0; -2078 for a type other than 22; -2070 for a string that was not handed out.
 int Fg_freeParameterStringWithType(Fg_Struct* fg, int id, void* value, unsigned dma, int type);
 
 /// Number of listed parameters: 85, plus the direct-access names when enabled.
@@ -125,21 +125,20 @@ int Fg_getParameterIdByName(Fg_Struct* fg, const char* name);
 /// cannot be read from the design is left out.
 /// @return 0; -5001 (recorded) when the file cannot be written, or exists and is no regular file.
 int Fg_saveConfig(Fg_Struct* fg, const char* file);
-/// Reads a file written by `Fg_saveConfig` and applies it port by port: first every setting of the
-/// port is stored, but for trigger mode and state, then each one is set in the order of the list. A
-/// value that is refused does not end the load: the design keeps what it had, while a get returns
-/// the file's value. What was applied before a failure stays.
+/// Reads a file written by `Fg_saveConfig` and applies it port by port: first all settings of the
+/// port except trigger mode and state are stored, then each one is set in the order of the list. A
+/// refused value does not end the load: the design keeps what it had, while a get returns the
+/// file's value. What was applied before a failure stays.
 ///
-/// A good file can be refused value by value because of what the design held before it: the frame
-/// rate is checked against the pulse widths and delays that the design still has, which come later
-/// in the list. Loading the same file again settles it, since the design then has the file's
-/// widths.
+/// Even a good file can have values refused because of what the design held before: the frame rate
+/// is checked against the pulse widths and delays in the design, which come later in the list.
+/// Loading the file again cures this, since the design then has the file's widths and delays.
 /// @return 0; -2076 (and -5000 recorded) when there is no such file; -5000 for another applet's
 ///         file or a missing key.
 int Fg_loadConfig(Fg_Struct* fg, const char* file);
 
 /// Renders the GenApi XML document of `port`. With a null `buffer` only the size is stored.
-/// @param size in: bytes at `buffer`; out: bytes needed, with the terminating zero. Unchanged on
+/// @param size in: bytes at `buffer`; out: bytes needed, terminating zero included. Unchanged on
 ///        failure.
 /// @return 0; -500 buffer too small or null `size`; -2075 no such port. Recorded.
 int Fg_getParameterInfoXML(Fg_Struct* fg, int port, char* buffer, size_t* size);
@@ -156,7 +155,7 @@ const char* Fg_getEventName(Fg_Struct* fg, uint64_t mask);
 /// Result recorded by the latest call that records one.
 int Fg_getLastErrorNumber(Fg_Struct* fg);
 
-/// @name Shading; not offered by this applet: -2130, a null object
+/// @name Shading, which this applet does not offer: -2130, or a null object
 /// @{
 ShadingMaster* Fg_AllocShading(Fg_Struct* fg, int a, int b);
 int Fg_FreeShading(Fg_Struct* fg, ShadingMaster* shading);
@@ -170,10 +169,10 @@ int Shad_FreeAccess(Fg_Struct* fg, ShadingMaster* shading);
 int Shad_WriteActLine(Fg_Struct* fg, ShadingMaster* shading, int line);
 /// @}
 
-/// Creates a file of a unique name for reading and writing, mode 0600.
+/// Creates a file with a unique name, open for reading and writing, mode 0600.
 /// @param nameTemplate ends in "XXXXXX" and a suffix; receives the name, or becomes empty when no
 ///        file could be created.
-/// @param suffixLength characters after the X run.
+/// @param suffixLength characters after "XXXXXX".
 /// @return the file's descriptor; -1 on failure.
 int mkstemps(char* nameTemplate, int suffixLength);
 

@@ -1,3 +1,5 @@
+/// The folder parameters/design/ is the applet's view of the FPGA design: ids, values, events, and
+/// direct access.
 #pragma once
 
 #include <cstdint>
@@ -8,8 +10,8 @@ namespace velmora {
 
 class FgKtWrapper;
 
-/// A port's way to the design and the runtime. Every failure is thrown as the integer code that the
-/// access returned; ids are not tested, so that a name the design lacks yields the design's error.
+/// A port's access to the design and the runtime. Every failure is thrown as the integer code that
+/// the access returned; ids are not checked, so that a missing name yields the design's error.
 class DesignAccess {
  public:
   DesignAccess(const FgKtWrapper& wrapper, const DesignIds& ids, unsigned port)
@@ -18,7 +20,7 @@ class DesignAccess {
   /// Writes a design parameter of this port.
   void write(DesignId id, std::uint32_t value) const { writeOfPort(port_, id, value); }
   void write(DesignId id, double value) const;
-  /// Writes a design parameter of another port, on this port's DMA channel.
+  /// Writes a design parameter of any port, on this port's DMA channel.
   void writeOfPort(unsigned port, DesignId id, std::uint32_t value) const;
   /// Reads a design parameter of this port.
   std::uint32_t read(DesignId id) const;
@@ -26,7 +28,7 @@ class DesignAccess {
   /// Writes a register of this port's camera simulator.
   void writeRegister(DesignId id, std::uint64_t value) const;
 
-  /// Sets and gets the runtime's own parameters of this port's DMA channel.
+  /// Sets and gets the runtime's own parameters on this port's DMA channel.
   void setRuntime(int id, std::uint32_t value) const;
   std::uint32_t getRuntime(int id) const;
   void getRuntime(int id, void* value, int type) const;

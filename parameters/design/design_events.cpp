@@ -14,7 +14,7 @@ constexpr int kMaskBits = 64;
 constexpr std::int32_t kReported = 1;
 constexpr unsigned kTriggerInputs = 8;
 
-/// What is needed of a design event. The design runtime may reuse its record for the next one.
+/// What is kept of a design event: the design runtime may reuse its record for the next one.
 struct Event {
   std::string name;  ///< Empty for an event without a name, which is not reported.
   bool reported;
@@ -32,8 +32,8 @@ std::vector<Event> eventsOf(fpga_design* design) {
   return events;
 }
 
-/// An SDK event and the design event behind it. {c} stands for the camera, {L} for its port letter,
-/// {i} for a trigger input, {M} for the camera's half of the monitoring events.
+/// An SDK event and the design event it maps to. {c} stands for the camera, {L} for its port
+/// letter, {i} for a trigger input, {M} for the camera's half of the monitoring events.
 struct SdkEvent {
   const char* name;
   const char* designName;

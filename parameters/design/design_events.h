@@ -10,13 +10,13 @@
 
 namespace velmora {
 
-/// The events that a design reports, under the SDK's names where it has one. An event's mask is its
-/// position in the design's event list, so masks follow the design. Filled at start-up and only
+/// The events that a design reports, under the SDK's names where there are any. An event's mask is
+/// its position in the design's event list, so masks follow the design. Filled at start-up and only
 /// read afterwards.
 class DesignEvents {
  public:
   /// Reads the design's event list.
-  /// @return the design events that SDK events need and the design lacks; one for each of them.
+  /// @return the design events that the design lacks, one for each SDK event that needs one.
   std::vector<std::string> read(fpga_design* design);
 
   /// Mask of an event by SDK or design name; 0 when there is none.

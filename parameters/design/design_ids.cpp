@@ -24,8 +24,8 @@ struct Pattern {
 
 using D = DesignId;
 
-/// All names in resolution order: block after block, within a block port after port. The order
-/// shows in the log of a design that lacks names and in the clearing of the registers at start-up.
+/// All names in resolution order: block by block, and within a block port by port. The order shows
+/// in the log of a design that lacks names and in the clearing of the registers at start-up.
 constexpr Pattern kPatterns[] = {
     {D::kOutputSelect0, "{T}TriggerCam{n}_TriggerOutput_Select0_Select_Select"},
     {D::kOutputSelect1, "{T}TriggerCam{n}_TriggerOutput_Select1_Select_Select", Ports::kAll,
@@ -118,7 +118,7 @@ constexpr Pattern kPatterns[] = {
     {D::kGeneratorRoll, "CamGenRoll{n}"},
 };
 
-/// What is named no time or twice would be written by another one's id.
+/// An id without a name, or with two, would access the wrong thing.
 consteval bool eachIdOnce() {
   for (std::size_t id = 0; id < kDesignIds; ++id)
     if (std::ranges::count(kPatterns, static_cast<DesignId>(id), &Pattern::id) != 1) return false;

@@ -107,10 +107,10 @@ inline constexpr std::size_t kSimulatorRegisters =
 
 constexpr bool isRegister(DesignId id) { return id >= kFirstRegister; }
 
-/// A name that the applet drives.
+/// A name in the design that the applet uses.
 struct DesignName {
   DesignId id;
-  unsigned port;  ///< Of the port that it belongs to; 0 for a name that all ports share.
+  unsigned port;  ///< Port that it belongs to; 0 for a name that all ports share.
   bool shared;
   std::string text;
 };
@@ -119,8 +119,7 @@ struct DesignName {
 std::vector<DesignName> designNames();
 
 /// The design's own ids of the names, resolved once at start-up. An id below 1 means that the
-/// design lacks the name; it is kept, and the access that uses it fails with the design's own
-/// error.
+/// design lacks the name; it is kept, and accesses that use it fail with the design's own error.
 class DesignIds {
  public:
   void set(const DesignName& name, int id);

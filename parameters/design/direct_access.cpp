@@ -13,7 +13,7 @@
 namespace velmora {
 namespace {
 
-/// Whether a design's id can be moved into the ids of a family of direct access.
+/// Whether a design id with an offset added to it is still an `int`.
 constexpr bool hasSdkId(int id, int offset) {
   return id <= std::numeric_limits<int>::max() - offset;
 }

@@ -10,15 +10,15 @@ namespace velmora {
 
 class FgKtWrapper;
 
-/// Direct access reaches the design past the SDK parameters: `DRA_` names its registers, `DKTA_`
-/// its own parameters. SDK ids of the two families lie above these numbers.
+/// Direct access bypasses the SDK parameters: `DRA_` names are the design's registers, `DKTA_`
+/// names its own parameters. Their SDK ids are the design's ids plus these offsets.
 inline constexpr int kRegisterIdOffset = 1000000;
 inline constexpr int kDesignParameterIdOffset = 2000000;
 
 inline constexpr const char* kRegisterPrefix = "DRA_";
 inline constexpr const char* kDesignParameterPrefix = "DKTA_";
 
-/// Whether an environment variable switches a family on: "yes", "true", "on" or "1" in any case.
+/// Whether an environment variable is "yes", "true", "on" or "1", in upper or lower case.
 bool isEnabled(const char* environmentVariable);
 
 struct DesignRegister {
@@ -26,12 +26,11 @@ struct DesignRegister {
   int id;
 };
 
-/// The registers of a design in its own order, without those whose SDK id would be no `int`.
+/// The registers of a design in its own order, except those whose SDK id would not fit in an `int`.
 std::vector<DesignRegister> designRegisters(fpga_design* design);
 
-/// The design's own parameters by name with their ids, as far as the runtime describes them and
-/// knows their names. Field parameters are left out, and what would have an SDK id that is no
-/// `int`.
+/// Names and ids of the design's own parameters, as far as the runtime describes them and knows
+/// their names. Field parameters and those whose SDK id would not fit in an `int` are left out.
 std::map<std::string, int> designParameters(const FgKtWrapper& wrapper);
 
 }  // namespace velmora

@@ -35,7 +35,7 @@ std::unordered_map<int, Match> parametersById(const std::vector<ForestGroup>& fo
   return matches;
 }
 
-/// Mirrors nodes of the runtime's forest; their groups each at most once, when they are needed.
+/// Mirrors nodes of the runtime's forest, and each of their groups when it is first needed.
 class Mirror {
  public:
   Mirror(Fg_ParameterInfo& registry, int process, RegisterInfo* root,
@@ -46,7 +46,7 @@ class Mirror {
         forest_(forest),
         groups_(forest.size()) {}
 
-  /// The mirror of a parameter under an SDK id, in the mirror of its group.
+  /// Adds the mirror of a parameter, under an SDK id, to the mirror of its group.
   RegisterInfo* add(const Match& match, int id);
 
  private:
@@ -59,7 +59,7 @@ class Mirror {
   std::vector<RegisterInfo*> groups_;
 };
 
-/// Made together with the groups around it.
+/// Created on first use, together with the groups that contain it.
 RegisterInfo* Mirror::group(std::size_t position) {
   if (position == ForestGroup::kNoParent) return root_;
   RegisterInfo*& mirror = groups_[position];
@@ -154,10 +154,10 @@ void describeRegisters(const FgKtWrapper& wrapper, int process) {
     const bool readOnly = HapGetRegisterDirection(design, reg.id) == 0;
     const std::string display = reg.name + " (" + std::to_string(bits) + ")";
     const std::string name = kRegisterPrefix + reg.name;
-    const auto add = [&](auto add, auto max) {
-      return (registry.*add)(group, display.c_str(), name.c_str(), 0, max, 1,
-                             readOnly ? kReadOnly : kWritable, kQualifier, kVisible, nullptr,
-                             reg.id + kRegisterIdOffset, process);
+    const auto add = [&](auto addInfo, auto max) {
+      return (registry.*addInfo)(group, display.c_str(), name.c_str(), 0, max, 1,
+                                 readOnly ? kReadOnly : kWritable, kQualifier, kVisible, nullptr,
+                                 reg.id + kRegisterIdOffset, process);
     };
     const std::uint64_t max =
         bits >= 64 ? ~std::uint64_t{0} : (std::uint64_t{1} << (bits & 63)) - 1;

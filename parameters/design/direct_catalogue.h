@@ -8,12 +8,12 @@ namespace velmora {
 
 class FgKtWrapper;
 
-/// The design's own parameters, mirrored from the runtime's description.
-/// @param idsByName those to mirror, with the design's ids. Nothing happens for none.
+/// Describes the design's own parameters by mirroring the runtime's description.
+/// @param idsByName those to mirror, with the design's ids; nothing is added when it is empty.
 void describeDesignParameters(const FgKtWrapper& wrapper, int process,
                               const std::map<std::string, int>& idsByName);
 
-/// The design's registers.
+/// Describes the design's registers.
 void describeRegisters(const FgKtWrapper& wrapper, int process);
 
 }  // namespace velmora

@@ -21,7 +21,7 @@ struct ForestGroup {
 /// listed with the same parent.
 std::vector<ForestGroup> breadthFirst(const RegisterInfo* firstRoot);
 
-/// Whether nodes of this kind can be listed and described: values, but no fields.
+/// Whether nodes of this kind can be listed and described: single values, no fields.
 bool isPlainValue(std::uint32_t kind);
 
 }  // namespace velmora

@@ -6,7 +6,7 @@
 
 namespace velmora {
 
-/// The pattern of a design name with each mark, such as "{n}", replaced by its text, once.
+/// A pattern with the first occurrence of each mark, such as "{n}", replaced by its text.
 inline std::string expandMarks(std::string pattern,
                                std::initializer_list<std::pair<const char*, std::string>> marks) {
   for (const auto& [mark, text] : marks)

@@ -34,8 +34,7 @@ constexpr PixelUnits pixelUnits(std::uint32_t cameraPixelFormat) {
 /// it a period would not hold a single active cycle.
 double smallestFor(double partner) { return std::ceil(kClockMegahertz / 2 / partner); }
 
-/// Ends the set unless the value is at least what its partner needs, and not above `max`. The
-/// comparisons fail for a value that is not a number.
+/// Fails unless the value is at least what its partner needs, and not above `max`. NaN fails too.
 void requireBetween(double partner, double value, double max) {
   if (!(smallestFor(partner) <= value && value <= max)) fail(VELMORA_OUT_OF_RANGE);
 }

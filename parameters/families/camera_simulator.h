@@ -5,7 +5,7 @@
 
 namespace velmora::camera_simulator {
 
-/// The register counts lines from 0; height 0 wraps.
+/// The register holds the height minus 1; a height of 0 wraps around.
 void setHeight(Port& port, const ParameterRow& row, std::uint32_t height);
 /// Width and line gap, in pixels: either one rewrites both line registers, so that the pair always
 /// matches the settings.

@@ -1,4 +1,4 @@
-/// What the input and the pulse form generators have in common: letting every n-th pulse pass.
+/// Shared by the trigger input and the pulse form generators: letting every n-th pulse pass.
 #pragma once
 
 #include <cstdint>
@@ -7,8 +7,8 @@
 
 namespace velmora {
 
-/// The downscale n, and the phase that tells which pulse of a series passes, from 0. Each bounds
-/// the other, and tools see the bounds move.
+/// The downscale n, and the phase that selects which pulse of a series passes, from 0. Each limits
+/// the other, and the described limits follow.
 struct Downscaler {
   std::uint32_t ProcessSettings::*downscale;
   std::uint32_t ProcessSettings::*phase;
@@ -17,8 +17,7 @@ struct Downscaler {
   DesignId downscaleId;
   DesignId selectedPulseId;  ///< The design counts the pulses of a series from 1.
 
-  /// @param check runs with the new downscale stored, before the design is written; it may end the
-  ///        set.
+  /// @param check runs with the new downscale stored, before the design is written; it may fail.
   template <class Check>
   void setDownscale(Port& port, const ParameterRow& row, std::uint32_t value,
                     const Check& check) const {

@@ -1,5 +1,5 @@
-/// What the families share. A family is what setters and getters of related parameters do: plain
-/// functions on a port, which rows of the table name.
+/// The folder parameters/families/ is what setters and getters of related parameters do: plain
+/// functions on a port, which the rows of the table refer to. This header is what they share.
 #pragma once
 
 #include <cstdint>

@@ -15,10 +15,10 @@ constexpr std::uint32_t kOffsetFrameHeight = 65533;
 /// A size or an offset, and the partner that it shares the frame with.
 struct RegionSide {
   DesignId design;
-  std::uint32_t frame;                      ///< Bound of the value and its partner together.
+  std::uint32_t frame;                      ///< Limit of the value and its partner together.
   std::uint32_t ProcessSettings::*partner;  ///< The partner's setting.
   int partnerId;                            ///< The partner's parameter.
-  std::uint32_t partnerFrame;               ///< The same bound from the partner's side.
+  std::uint32_t partnerFrame;               ///< The same limit from the partner's side.
 };
 
 using S = ProcessSettings;
@@ -31,7 +31,7 @@ constexpr RegionSide kXOffset{DesignId::kXOffset, kOffsetFrameWidth, &S::width, 
 constexpr RegionSide kYOffset{DesignId::kYOffset, kOffsetFrameHeight, &S::height, FG_HEIGHT,
                               kFrameHeight};
 
-/// What `used` leaves of `frame`; nothing rather than a wrapped number.
+/// What `used` leaves of `frame`; 0 rather than a number that wrapped around.
 constexpr std::uint32_t remaining(std::uint32_t frame, std::uint32_t used) {
   return used < frame ? frame - used : 0;
 }

@@ -8,7 +8,7 @@ namespace velmora::image_path {
 /// The runtime's own image timeout.
 void setTimeout(Port& port, const ParameterRow& row, std::uint32_t timeout);
 
-/// @name Region of interest, in pixels: a size and its offset bound each other
+/// @name Region of interest, in pixels: a size and its offset limit each other
 /// @{
 void setWidth(Port& port, const ParameterRow& row, std::uint32_t width);
 void setHeight(Port& port, const ParameterRow& row, std::uint32_t height);

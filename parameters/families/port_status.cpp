@@ -26,7 +26,7 @@ Reading read(const Port& port) {
   return {fillLevel, overflow, port.design.getRuntime(FG_CAMSTATUS_EXTENDED)};
 }
 
-/// Which quarter of the buffer the fill level (percent) lies in.
+/// The quarter of the buffer, from 0, that the fill level (percent) is in.
 constexpr std::uint32_t quarter(std::uint32_t fillLevel) {
   return std::min(fillLevel / 25, std::uint32_t{3});
 }

@@ -11,7 +11,7 @@ bool fits(double frameRate, double delay, double width, double downscale) {
   return period > delay / downscale && period > width / downscale && period > 0;
 }
 
-/// Whether a period of the frame rate exceeds the times that the design has.
+/// Whether the frame rate leaves room for the delay and width in the design.
 bool fitsInDesign(const Port& port, double frameRate, const Generator& generator) {
   const double delayInDesign = delay(port, generator);
   const double widthInDesign = width(port, generator);

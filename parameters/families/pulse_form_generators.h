@@ -9,7 +9,7 @@
 
 namespace velmora::pulse_form_generators {
 
-/// Where a generator's settings, design parameters and SDK parameters are found.
+/// The settings, design parameters and SDK parameters of a generator.
 struct Generator {
   Downscaler downscaler;
   double ProcessSettings::*delay;
@@ -36,8 +36,8 @@ inline constexpr Generator kGenerator1{
     DesignId::kPulseForm1Delay,
     DesignId::kPulseForm1Width};
 
-/// Ends the set or transition unless pulses of a frame rate (Hz) are far enough apart for the delay
-/// and width that both generators have in the design.
+/// Fails unless pulses at a frame rate (Hz) are far enough apart for the delays and widths that
+/// both generators have in the design.
 void requirePeriod(const Port& port, double frameRate);
 
 void setDownscale(Port& port, const ParameterRow& row, std::uint32_t value, const Generator&);

@@ -4,7 +4,7 @@
 
 namespace velmora {
 
-/// The status word that the four cameras share, three bits a camera.
+/// The status word that the four cameras share, three bits per camera.
 class QueueStatus {
  public:
   explicit constexpr QueueStatus(std::uint32_t word) : word_(word) {}

@@ -10,10 +10,10 @@ namespace velmora::software_trigger {
 namespace {
 
 constexpr std::uint32_t kPulse = 2;
-/// The design takes a software pulse every ten ticks.
+/// The design accepts one software pulse in ten ticks.
 constexpr std::chrono::nanoseconds kPulseDistance{160};
 
-/// Waits without yielding: the shortest sleep is several hundred times as long.
+/// Busy-waits: the shortest sleep is several hundred times as long.
 void waitFor(std::chrono::nanoseconds time) {
   const auto end = std::chrono::steady_clock::now() + time;
   while (std::chrono::steady_clock::now() < end) {

@@ -5,11 +5,11 @@
 
 namespace velmora::software_trigger {
 
-/// Sends pulses, one after the other; stops at the first refused pulse.
+/// Sends pulses one by one; fails when the design refuses one, which leaves out the rest.
 void send(Port& port, const ParameterRow& row, std::uint32_t pulses);
 
 std::uint32_t isBusy(const Port& port);
-/// Pulses still to come, after their multiplication.
+/// Pulses still to come, counted after multiplication.
 std::uint32_t queueFillLevel(const Port& port);
 
 }  // namespace velmora::software_trigger

@@ -3,7 +3,7 @@
 #include <cstdint>
 
 /// Conversions between the SDK's units and those of the trigger block, which counts ticks of 16 ns
-/// and debounces in units of three ticks. The order of the operations decides about the last bit.
+/// and debounces in units of three ticks. The order of the operations determines the last bit.
 namespace velmora::time_base {
 
 inline constexpr double kTickSeconds = 16e-9;
@@ -24,18 +24,18 @@ constexpr double microsecondsFromDebounceUnits(std::uint32_t units) {
   return units * 16.0 * 3 / 1000;
 }
 
-/// Minimum period of the generator in the design's terms: ticks, of which the generator itself
-/// takes nine. The result wraps above some 6.9 MHz, where less than nine are left; rates end below.
+/// Minimum period of the generator as the design counts it: in ticks, less the nine that the
+/// generator itself takes. It would wrap around above 6.9 MHz, beyond the range of the frame rate.
 constexpr std::uint32_t minimumPeriod(double hertz) {
   return static_cast<std::uint32_t>(static_cast<std::uint64_t>(1 / (kTickSeconds * hertz)) - 9);
 }
 
-/// A frame rate taken to ticks and back, without rounding to whole ticks.
+/// A frame rate converted to ticks and back, without rounding to whole ticks.
 constexpr double frameRateOverTicks(double hertz) {
   return 1 / ((1 / (hertz * kTickSeconds)) * kTickSeconds);
 }
 
-/// Frequency of pulses that are `ticks` apart; 0 while no pulse was measured.
+/// Frequency of pulses that are `ticks` apart; 0 when none was measured.
 constexpr double hertzFromPeriod(std::uint32_t ticks) {
   return ticks == 0 ? 0.0 : 1 / (ticks * kTickSeconds);
 }

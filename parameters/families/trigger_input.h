@@ -1,11 +1,11 @@
-/// What conditions the pulses of a port's trigger input.
+/// Conditioning of the pulses at a port's trigger input.
 #pragma once
 
 #include "parameters/families/family.h"
 
 namespace velmora::trigger_input {
 
-/// In µs. The debouncer is one for all ports: the last write wins.
+/// In µs. All ports share one debouncer: the last write wins.
 void setDebounce(Port& port, const ParameterRow& row, double time);
 double debounce(const Port& port);
 

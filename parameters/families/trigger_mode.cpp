@@ -29,13 +29,13 @@ consteval bool eachModeAtItsIndex() {
 }
 static_assert(eachModeAtItsIndex());
 
-/// Stores a new mode or state and takes the steps that lead there, which see it stored.
+/// Stores a new mode or state, then takes the steps that lead to it; they see the new value.
 void changeTo(Port& port, std::uint32_t& setting, std::uint32_t value) {
   using trigger_transitions::Situation;
   const auto& settings = port.settings;
   const Situation from{settings.triggerMode, settings.triggerState};
   Transaction change(setting, value);
-  Transaction rate(port.settings.frameRate);  // Steps may store it anew.
+  Transaction rate(port.settings.frameRate);  // Steps may change it.
   for (const auto step :
        trigger_transitions::steps(from, {settings.triggerMode, settings.triggerState}))
     step(port);

@@ -1,4 +1,4 @@
-/// Area trigger mode and trigger state of a port, and what tells the modes apart.
+/// Area trigger mode and trigger state of a port, and how the modes differ.
 #pragma once
 
 #include <cstdint>
@@ -7,10 +7,10 @@
 
 namespace velmora {
 
-/// What an area trigger mode does to the parameters around it.
+/// How an area trigger mode affects other parameters.
 struct TriggerMode {
   std::uint32_t value;
-  bool queuesInput = false;  ///< Pulses from outside the generator pass the queue and its monitor.
+  bool queuesInput = false;  ///< Input and software pulses pass through the queue and its monitor.
   bool programsQueue = false;         ///< The queue mode reaches the design.
   bool takesSoftwarePulses = false;   ///< Software pulses are accepted.
   bool showsSoftwareTrigger = false;  ///< Tools see the software trigger as writable.
@@ -21,7 +21,7 @@ const TriggerMode& triggerMode(const Port& port);
 
 namespace trigger_mode {
 
-/// Both take the steps of the transition from what is to what shall be.
+/// Both take the steps of the transition from the current mode and state.
 void setMode(Port& port, const ParameterRow& row, std::uint32_t mode);
 void setState(Port& port, const ParameterRow& row, std::uint32_t state);
 

@@ -8,7 +8,7 @@ namespace velmora::trigger_monitor {
 std::uint32_t exceededPeriodLimits(const Port& port);
 std::uint32_t missingFrame(const Port& port);
 
-/// @name Frequencies of the input in Hz; 0 while nothing was measured
+/// @name Frequencies of the input in Hz; 0 when none was measured
 /// @{
 double frequency(const Port& port);
 double minFrequency(const Port& port);

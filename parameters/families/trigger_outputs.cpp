@@ -8,7 +8,7 @@ namespace {
 /// Inputs of the design's output multiplexers.
 enum Select : std::uint32_t { kGenerator0 = 0, kGenerator1 = 1, kBypass = 2, kConstant = 3 };
 
-/// How an output source is made: a multiplexer input and whether it is inverted.
+/// How a source reaches an output: by a multiplexer input, inverted or not.
 struct OutputSourceRoute {
   std::uint32_t source;
   std::uint32_t select;

@@ -1,5 +1,5 @@
 /// What leaves a port's trigger path: the two trigger outputs, the camera action command, and the
-/// digital outputs that belong to single ports but are reachable from all.
+/// digital outputs that belong to single ports but can be set on all.
 #pragma once
 
 #include <cstdint>
@@ -10,7 +10,7 @@
 
 namespace velmora::trigger_outputs {
 
-/// An output: the setting that names its source, the multiplexer and the inverter after it.
+/// An output: the setting that selects its source, the multiplexer and the inverter after it.
 struct Output {
   std::uint32_t ProcessSettings::*source;
   DesignId select;
@@ -25,12 +25,13 @@ inline constexpr Output kOutput0{&ProcessSettings::outputSelect0, DesignId::kOut
 inline constexpr Output kOutput1{&ProcessSettings::outputSelect1, DesignId::kOutputSelect1,
                                  DesignId::kOutputInvert1};
 
-/// Puts both trigger outputs at a constant level; their inverters stay, and with them the level.
+/// Switches both trigger outputs to the constant input. The inverters, left as they are, determine
+/// the level.
 void park(Port& port);
-/// Applies the stored sources. Fails with -6000 for a stored value that is no source.
+/// Applies the stored sources. Fails with -6000 when a stored value is not a source.
 void route(Port& port);
 
-/// While the port is stopped asynchronously a source is only stored.
+/// During an asynchronous stop the source is only stored.
 void setSource(Port& port, const ParameterRow& row, std::uint32_t source, const Output& output);
 template <const Output& output>
 void setSource(Port& port, const ParameterRow& row, std::uint32_t source) {

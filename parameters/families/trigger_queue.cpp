@@ -9,7 +9,7 @@
 namespace velmora::trigger_queue {
 
 void setMultiplyPulses(Port& port, const ParameterRow& row, std::uint32_t factor) {
-  // The selected pulse must never lie beyond the series.
+  // The selected pulse must never exceed the length of the series.
   const bool grows = factor > port.settings.multiplyPulses;
   setThrough(port, row, factor, [&] {
     port.design.write(grows ? DesignId::kSequenceDownscale : DesignId::kSequenceSelectedPulse,
@@ -27,7 +27,7 @@ void clearSequenceDownscale(Port& port) {
 
 void setMode(Port& port, const ParameterRow& row, std::uint32_t mode) {
   const std::uint32_t depth = mode == FG_ON ? kDepth : kDepthOff;
-  Transaction rate(port.settings.frameRate);  // Programming the period stores it anew.
+  Transaction rate(port.settings.frameRate);  // Programming the period may change it.
   setThrough(port, row, mode, [&] {
     if (!triggerMode(port).programsQueue) return;
     if (mode == FG_ON)

@@ -5,12 +5,12 @@
 
 namespace velmora::trigger_queue {
 
-/// Pulses that the queue holds.
+/// How many pulses the queue holds, and how many are accepted while it is off.
 inline constexpr std::uint32_t kDepth = 2040;
 inline constexpr std::uint32_t kDepthOff = 1;
 
 void setMultiplyPulses(Port& port, const ParameterRow& row, std::uint32_t factor);
-/// Starts the next sequence anew.
+/// Restarts the sequence.
 void clearSequenceDownscale(Port& port);
 
 void setMode(Port& port, const ParameterRow& row, std::uint32_t mode);
@@ -18,7 +18,7 @@ std::uint32_t fillLevel(const Port& port);
 
 /// Pulses that wait or are in progress, as the design counts them.
 std::uint32_t pendingPulses(const Port& port);
-/// Whether the generator has a pulse in progress or one that waits.
+/// Whether a pulse waits or is in progress.
 bool busy(const Port& port);
 
 }  // namespace velmora::trigger_queue

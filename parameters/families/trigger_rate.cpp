@@ -8,7 +8,7 @@
 namespace velmora::trigger_rate {
 namespace {
 
-/// Minimum period, in the design's terms, while pulses are not queued.
+/// Minimum period, as the design counts it, while pulses are not queued.
 constexpr std::uint32_t kUnlimitedPeriod = 10;
 
 const ParameterRow& ownRow() { return *findParameter(FG_TRIGGER_FRAMESPERSECOND); }

@@ -6,16 +6,16 @@
 namespace velmora::trigger_rate {
 
 void setFrameRate(Port& port, const ParameterRow& row, double rate);
-/// The stored rate taken over ticks and back.
+/// The stored rate converted to ticks and back.
 double frameRate(const Port& port);
 
 /// @name Programming the period of the stored rate
 /// @{
 /// As it is stored.
 void programAsStored(Port& port);
-/// Taken over ticks and back, and stored anew.
+/// Converted to ticks and back, which also becomes the stored rate.
 void programOverTicks(Port& port);
-/// No limit: what the generator takes for itself.
+/// The shortest possible period instead, which does not limit the rate.
 void programUnlimited(Port& port);
 /// @}
 

@@ -80,7 +80,7 @@ constexpr Steps kModeChangesWhileActive[kModes][kModes] = {
      kNothing},
 };
 
-/// Mode changes while stopped, the outputs already parked or not: only a slave has to be told.
+/// Mode changes while stopped. An asynchronous stop has parked the outputs already.
 constexpr Steps kToSynchronizedInSyncStop  = {park, slaveOn, generatorsOff};
 constexpr Steps kToSynchronizedInAsyncStop = {slaveOn, generatorsOff};
 constexpr Steps kToGeneratorWhileStopped   = {hold};

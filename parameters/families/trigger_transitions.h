@@ -21,11 +21,11 @@ struct Situation {
 
 using Step = void (*)(Port&);
 
-/// The steps from one situation to another that differ in at most one member; none when nothing has
-/// to be written.
+/// The steps from one situation to another, which differs in the mode or in the state, not in both.
+/// Empty when nothing has to be written.
 std::span<const Step> steps(Situation from, Situation to);
 
-/// Keeps the queue's pulses back, a step that start-up takes too.
+/// Holds the queue's pulses back; start-up takes this step too.
 void hold(Port& port);
 
 }  // namespace velmora::trigger_transitions

@@ -125,7 +125,7 @@ consteval const ParameterRow& rowOf(int id) {
   throw "a catalogue line without a row";
 }
 
-/// The lines with their rows, if they are well-formed.
+/// The lines with their rows; does not compile unless the lines are well-formed.
 consteval auto checkedLines() {
   std::array<CatalogueLine, std::size(kLines)> lines{};
   int groupsAbove = 0;  // The levels that have a group at this point.

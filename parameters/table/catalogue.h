@@ -6,8 +6,8 @@
 
 namespace velmora {
 
-/// The applet's own parameters as tools see them: groups and the parameters in them. What is shown
-/// of a parameter stands in its row.
+/// The applet's own parameters as tools see them: groups and the parameters in them. How one of
+/// them is shown is in its row.
 std::span<const CatalogueLine> catalogue();
 
 }  // namespace velmora

@@ -5,7 +5,7 @@
 
 namespace velmora {
 
-// The entries in the order in which they are described to tools; the order carries meaning there.
+// Entries are in the order in which tools see them and on which tools rely.
 
 inline constexpr EnumEntry kCameraPixelFormats[] = {
     {"Mono 8bit", MONO8, "MONO8"},    {"Mono 8bit signed", MONO8_SIGNED, "MONO8_SIGNED"},
@@ -91,7 +91,7 @@ inline constexpr EnumEntry kOutputSources[] = {
     {"Not Input Bypass", NOT_INPUT_BYPASS, "NOT_INPUT_BYPASS"},
 };
 
-/// The pulse form generators themselves, for statistics and events.
+/// Only the pulse form generators, for statistics and events.
 inline constexpr Enumeration kPulseFormGenerators = Enumeration(kOutputSources).first(2);
 
 /// Every enumeration: together they hold each value name of the applet once.

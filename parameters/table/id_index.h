@@ -6,8 +6,8 @@
 
 namespace velmora {
 
-/// Finds the row of a table by its id with one multiplication and one comparison: the ids are
-/// spread by a multiplier that is chosen, at compile time, so that no two of them meet.
+/// Finds the row of a table by its id with one multiplication and one comparison: a multiplier,
+/// searched at compile time, spreads the ids so that no two share a slot.
 template <std::size_t Rows>
 class IdIndex {
  public:

@@ -10,10 +10,10 @@
 namespace velmora {
 
 /// The names that applications can list, each at an index, with their ids. Filled at start-up and
-/// only read afterwards; names stay where they are.
+/// only read afterwards; pointers to names stay valid.
 class ParameterNames {
  public:
-  /// Lists a name at the next index. A name listed again takes the newer id.
+  /// Adds a name at the next index. A name that is added again takes the newer id everywhere.
   void add(std::string name, int id);
 
   int count() const { return static_cast<int>(byIndex_.size()); }

@@ -22,12 +22,12 @@ struct Port;
 class ParameterRow;
 
 /// Sets a parameter of a port: checks the value, stores it, writes the design. On failure the
-/// setting is as it was.
+/// setting is unchanged.
 template <class T>
 using Setter = void (*)(Port&, const ParameterRow&, T);
 
-/// Stores a parameter of a port at `value`, in the parameter's own width. Only text and forwarded
-/// parameters look at the caller's type.
+/// Stores the value of a port's parameter at `value`, in the parameter's own width. Only text and
+/// forwarded parameters use the caller's type.
 using Getter = void (*)(Port&, const ParameterRow&, void* value, int type);
 
 /// Name and id of an SDK parameter.
@@ -41,22 +41,21 @@ struct SdkParameter {
 /// @{
 inline constexpr int kReadOnly = REGISTER_INFO_READABLE;
 inline constexpr int kReadWrite = REGISTER_INFO_READABLE | REGISTER_INFO_WRITABLE;
-/// Closed by the runtime's tools at times.
+/// Writable unless the runtime's tools lock it.
 inline constexpr int kSwitched = kReadWrite | REGISTER_INFO_RUNTIME_FLAG;
 /// @}
 
 class ParameterRow : public ValueDescription {
  public:
   Field field{};
-  Setter<std::uint32_t> setInteger = nullptr;  ///< Of a 32-bit setting, else null.
-  Setter<double> setReal = nullptr;            ///< Of a double setting, else null.
+  Setter<std::uint32_t> setInteger = nullptr;  ///< Setter of a 32-bit setting, else null.
+  Setter<double> setReal = nullptr;            ///< Setter of a double setting, else null.
   Getter get = nullptr;
-  bool appliedAtStart = false;  ///< The default is written at start-up.
-  bool saved = false;           ///< Kept in configuration files.
-  bool loaded = false;          ///< Read back from them.
-  bool storedBeforeLoad =
-      false;             ///< A load stores all these before any setter checks its partners.
-  bool reopens = false;  ///< Can be set again once a trigger transition is complete.
+  bool appliedAtStart = false;      ///< The default is written at start-up.
+  bool saved = false;               ///< Kept in configuration files.
+  bool loaded = false;              ///< Read back from them.
+  bool storedBeforeLoad = false;    ///< Stored by a load before it calls any setter.
+  bool reopens = false;             ///< Can be set again once a trigger transition is complete.
   bool runtimeOwnsStrings = false;  ///< Strings of this id go back to the runtime.
   const char* description = "";
 
@@ -65,18 +64,18 @@ class ParameterRow : public ValueDescription {
   /// @name Parts of the sentence
   /// @{
 
-  /// The value goes to the design as it is, to a design parameter or a simulator register.
+  /// A set writes the value as it is, to a design parameter or a simulator register.
   constexpr ParameterRow& drives(DesignId id) {
     design_ = id;
     if (field.real) return setBy(writePlain<double>);
     return setBy(isRegister(id) ? writeRegister : writePlain<std::uint32_t>);
   }
-  /// The design acts on the value 2, whatever the command is called.
+  /// A set sends the design its command value, 2, whatever the caller's value is.
   constexpr ParameterRow& triggers(DesignId id) {
     design_ = id;
     return setBy(writeOneShot);
   }
-  /// The value does not reach the design.
+  /// A set does not write the design.
   constexpr ParameterRow& storedOnly() { return setBy(writeNothing); }
   constexpr ParameterRow& setBy(Setter<std::uint32_t> setter) {
     setInteger = setter;
@@ -87,12 +86,12 @@ class ParameterRow : public ValueDescription {
     return *this;
   }
 
-  /// What the design holds.
+  /// A get reads it from the design.
   constexpr ParameterRow& reads(DesignId id) {
     design_ = id;
     return getBy(readDesign);
   }
-  /// The result of a function of the port.
+  /// A get returns what a function of the port does.
   template <auto Read>
   constexpr ParameterRow& readBy() {
     return getBy(storeResult<Read>);
@@ -106,7 +105,7 @@ class ParameterRow : public ValueDescription {
     return *this;
   }
 
-  /// Changed by its setter alone, since the step from what is to what shall be counts.
+  /// A load does not store it first: its setter makes a transition from the current value.
   constexpr ParameterRow& stepped() {
     storedBeforeLoad = false;
     return *this;
@@ -144,7 +143,7 @@ class ParameterRow : public ValueDescription {
   }
   /// @}
 
-  /// A row that would not work does not compile: what is missing shows in the error.
+  /// An inconsistent row does not compile; the error shows what is wrong.
   consteval void check() const {
     if (!name || id <= 0) throw "a row needs a name and an id";
     if (!get) throw "a parameter that nothing reads";
@@ -182,16 +181,16 @@ class ParameterRow : public ValueDescription {
     std::memcpy(value, &kConstant, sizeof kConstant);
   }
 
-  /// For the functions above alone: whoever sets it says with which of them it is used.
+  /// Used by the functions above only.
   DesignId design_{};
 };
 
 /// The value last accepted.
 void getSetting(Port& port, const ParameterRow& row, void* value, int type);
-/// The runtime's own answer for the same id and type.
+/// The runtime's answer for the same id and type.
 void getForwarded(Port& port, const ParameterRow& row, void* value, int type);
 
-/// @name Beginnings of the sentence
+/// @name How a sentence begins
 /// @{
 
 constexpr ParameterRow reading(SdkParameter parameter, const Limits& limits = {}) {
@@ -208,7 +207,7 @@ constexpr ParameterRow forwarded(SdkParameter parameter) {
   return row.getBy(getForwarded).stringsOfRuntime();
 }
 
-/// A value that does something once: neither written at start-up nor saved.
+/// A value that triggers something: neither written at start-up nor saved.
 constexpr ParameterRow command(SdkParameter parameter, const Limits& limits, Field field) {
   ParameterRow row = reading(parameter, limits);
   row.field = field;

@@ -1,4 +1,4 @@
-/// All parameters, a row each. Included by the lookup and by the catalogue only.
+/// All parameters, one row each. Only the lookup and the catalogue include this.
 #pragma once
 
 #include <cstddef>
@@ -28,13 +28,13 @@ using D = DesignId;
 namespace pulse_form = pulse_form_generators;
 
 inline constexpr double kEpsilon = std::numeric_limits<double>::epsilon();
-/// The longest period that the generator's 32-bit counter can hold, one step below the exact value.
+/// The rate of the longest period that the generator's 32-bit counter holds, one step below exact.
 inline constexpr double kSmallestFrameRate = 0.01455191522836685;
 // Texts are single bytes to the runtime's tools, the micro sign among them.
 inline constexpr const char* kMicroseconds = "\xB5s";
 
-/// In index order; the last one is served without being listed. Some texts are spelled as hosts
-/// know them.
+/// In index order; the last one is served but not listed. Texts are spelled as hosts know them,
+/// mistakes included.
 inline constexpr ParameterRow kParameters[] = {
     setting(SDK(FG_TIMEOUT), range(2u, 2147483646u, 1u), &S::timeout)
         .setBy(image_path::setTimeout)

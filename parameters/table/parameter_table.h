@@ -1,3 +1,5 @@
+/// The folder parameters/table/ describes each SDK parameter in one row of a table. This header
+/// finds and uses the rows.
 #pragma once
 
 #include <cstddef>
@@ -12,10 +14,10 @@ namespace velmora {
 /// The listed parameters in index order.
 std::span<const ParameterRow> listedParameters();
 
-/// Index of a listed parameter; at least their number for any other id. A few nanoseconds.
+/// Index of a listed parameter; a number past the last index for any other id.
 std::size_t parameterIndex(int id);
 
-/// The row of a served parameter, listed or not; null for any other id. A few nanoseconds.
+/// The row of a served parameter, listed or not; null for any other id.
 const ParameterRow* findParameter(int id);
 
 /// The row of a listed parameter by exact name; null when there is none.
@@ -29,8 +31,7 @@ inline void set(Port& port, const ParameterRow& row, double value) {
   row.setReal(port, row, value);
 }
 
-/// A setter's failure has no effect on what comes next: what start-up and a configuration load
-/// need.
+/// Drops a setter's failure, as start-up and a configuration load do.
 template <class T>
 void setQuietly(Port& port, const ParameterRow& row, T value) {
   try {

@@ -12,20 +12,20 @@
 
 namespace velmora {
 
-/// Stores a value where the caller wants it; the caller's pointer need not be aligned.
+/// Stores a result through the caller's pointer, which need not be aligned.
 template <class T>
 void store(void* value, T result) {
   std::memcpy(value, &result, sizeof result);
 }
 
-/// Ends the set unless the row's limits accept the value.
+/// Fails unless the row's limits accept the value.
 template <class T>
 void requireAccepted(const Port& port, const ParameterRow& row, T value) {
   if (!row.limits.accepts(value, port.index)) fail(VELMORA_OUT_OF_RANGE);
 }
 
-/// The way of most setters: checks the value against the row's limits, stores it, and commits it
-/// when `write` has brought it to the design.
+/// What most setters do: checks the value against the row's limits, stores it, and commits it once
+/// `write` has written it to the design.
 template <class T, class Write>
 void setThrough(Port& port, const ParameterRow& row, T value, const Write& write) {
   requireAccepted(port, row, value);
