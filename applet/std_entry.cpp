@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "design/design_image.h"
+#include "external/release.h"
 #include "parameters/applet_identity.h"
 #include "parameters/fg_kt_wrapper_impl.h"
 #include "velmora/velmora.h"
@@ -43,17 +44,6 @@ void start(FgKtWrapperImpl& applet, int flags) {
   if ((static_cast<unsigned>(flags) & unsigned{VELMORA_LEAVE_DESIGN}) == 0) applet.applyDefaults();
 }
 
-/// Releases the inner handle after a failed start and drops whatever the runtime throws.
-void releaseAfterFailure(FgKtWrapper& applet) {
-  try {
-    applet.releaseInnerHandle();
-  } catch (abi::__forced_unwind&) {
-    throw;
-  } catch (...) {
-    // The failure of the start is the one to report.
-  }
-}
-
 /// Creates and starts an instance; null on failure, with the code in `result`. Nothing stays
 /// allocated or open after a failure or an exception.
 std::unique_ptr<FgKtWrapperImpl> create(KTdevice* device, int flags, int& result) {
@@ -64,7 +54,7 @@ std::unique_ptr<FgKtWrapperImpl> create(KTdevice* device, int flags, int& result
     start(*applet, flags);
     return applet;
   } catch (...) {
-    releaseAfterFailure(*applet);
+    releaseQuietly([&] { applet->releaseInnerHandle(); });
     throw;
   }
 }

@@ -1,6 +1,8 @@
 #include "config/config_file_parser.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <array>
@@ -29,10 +31,19 @@ using Text = std::array<char, kTextSize>;
 
 /// Opens a file; null for pipes and devices, which may block, never end or not rewind.
 std::FILE* openFile(const char* name, const char* mode) {
+  const auto usable = [](const struct stat& status) {
+    return S_ISREG(status.st_mode) || S_ISDIR(status.st_mode);
+  };
   struct stat status = {};
-  const bool exists = stat(name, &status) == 0;
-  if (exists && !S_ISREG(status.st_mode) && !S_ISDIR(status.st_mode)) return nullptr;
-  return std::fopen(name, mode);
+  if (stat(name, &status) == 0 && !usable(status)) return nullptr;
+  // Another process may have put a pipe there since: it must not block, and is looked at again.
+  const bool writes = *mode == 'w';
+  const int access = writes ? O_WRONLY | O_CREAT | O_TRUNC : mode[1] == '+' ? O_RDWR : O_RDONLY;
+  const int file = open(name, access | O_NONBLOCK | O_CLOEXEC, 0666);
+  if (file < 0) return nullptr;
+  std::FILE* stream = fstat(file, &status) == 0 && usable(status) ? fdopen(file, mode) : nullptr;
+  if (!stream) close(file);
+  return stream;
 }
 
 /// The whole file; after a read error, the complete lines before it.

@@ -2,6 +2,8 @@
 
 #include <dlfcn.h>
 
+#include "external/release.h"
+
 namespace korv::tools::logging {
 
 using templates::platform::ReadWriteLockGuard;
@@ -53,7 +55,7 @@ Logging::~Logging() {
   }
   const LoggingDispatcherDescriptor* descriptor = descriptor_.exchange(nullptr);
   if (descriptor && descriptor->unregisterLogging)
-    attempt([&] { descriptor->unregisterLogging(this); });
+    velmora::releaseQuietly([&] { descriptor->unregisterLogging(this); });
 }
 
 Logger* Logging::find(const char* name) {

@@ -7,12 +7,12 @@
 ///     logMessage(*logger, 4, "cannot retrieve KT id for KT parameter: '", name, "'");
 #pragma once
 
+#include <cxxabi.h>
 #include <pthread.h>
 
 #include <atomic>
 #include <concepts>
 #include <cstdint>
-#include <exception>
 #include <map>
 #include <optional>
 #include <set>
@@ -33,7 +33,9 @@ bool attempt(const Step& step) {
   try {
     step();
     return true;
-  } catch (const std::exception&) {
+  } catch (abi::__forced_unwind&) {
+    throw;
+  } catch (...) {
     return false;
   }
 }

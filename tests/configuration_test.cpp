@@ -95,6 +95,21 @@ TEST_F(Configuration, RefusedAndFailingValuesDoNotEndALoad) {
   EXPECT_EQ(board::value(applet.device(), "Device1_Process3_White_BayerInit", 3), 1);
 }
 
+/// The rate is checked against the width that the design still has.
+TEST_F(Configuration, LoadingAGoodFileAgainSettlesWhatWasBeforeIt) {
+  const char* const kPeriod =
+      "Device1_Process4_Trigger_TriggerCam0_Generators_Generator_MinimumPeriod_Number";
+  ASSERT_EQ(applet.set(FG_TRIGGER_FRAMESPERSECOND, 1000.0), VELMORA_OK);
+  ASSERT_EQ(save(file), VELMORA_OK);
+  ASSERT_EQ(applet.set(FG_TRIGGER_FRAMESPERSECOND, 8.0), VELMORA_OK);
+  ASSERT_EQ(applet.set(FG_TRIGGER_PULSEFORMGEN0_WIDTH, 50000.0), VELMORA_OK);
+  for (const double period : {7812490.0, 62490.0}) {
+    EXPECT_EQ(load(file), VELMORA_OK);
+    EXPECT_NEAR(applet.real(FG_TRIGGER_FRAMESPERSECOND).value, 1000.0, 1e-9);
+    EXPECT_NEAR(board::value(applet.device(), kPeriod, 0), period, 2);
+  }
+}
+
 TEST_F(Configuration, TellsFilesThatCannotBeReadOrWritten) {
   std::filesystem::create_directory(directory / "directory.mcf");
   std::filesystem::create_symlink("/dev/null", directory / "null.mcf");

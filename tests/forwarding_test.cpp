@@ -120,6 +120,18 @@ TEST(Forwarding, RuntimeSeesItsHandleAndTheArguments) {
   EXPECT_FALSE(applet.opened());
 }
 
+TEST(Forwarding, DesignParametersWhoseIdIsNoIntAreLeftOut) {
+  const EnvironmentVariable on("KORV_ENABLE_DKTA", "1");
+  const Library runtime = loadRuntime("recording");
+  auto& recording = *static_cast<RecordingRuntime*>(dlsym(runtime.get(), "recordingRuntime"));
+  for (const bool fits : {true, false}) {
+    recording.id = INT_MAX - 2000000 + (fits ? 0 : 1);
+    Applet applet(kNoDefaults);
+    EXPECT_EQ(Fg_getParameterIdByName(applet.fg(), "DKTA_Far"), fits ? INT_MAX : -2070);
+    EXPECT_EQ(applet.node(INT_MAX) != nullptr, fits);
+  }
+}
+
 /// Where a function is missing, what needs it says so, and everything else goes on.
 TEST(Forwarding, MissingFunctionsAreNotAvailable) {
   struct Row {

@@ -1,8 +1,10 @@
 /// What opening the applet does to the design, access by access, what happens when an access fails,
 /// and what is made of the names and events of a design.
 #include <dlfcn.h>
+#include <pthread.h>
 
 #include <array>
+#include <new>
 #include <optional>
 #include <set>
 
@@ -77,6 +79,37 @@ TEST(StartUp, GoesOnWhateverWriteFails) {
     ASSERT_EQ(accesses, startUp(true, k));
     expectInitialSettings(applet);
     if (accesses == startUp(true)) break;
+  }
+}
+
+/// While a table is built, in the routing of the ports, which drops every failure, and while a
+/// failed start gives everything back, which a cancellation does not interrupt.
+TEST(StartUp, LetsACancelledThreadEnd) {
+  for (const std::string step :
+       {"HapGetEvent", "Device1_Process4_Trigger_TriggerCam1_TriggerOutput_Select0_Select_Select",
+        "Fg_FreeGrabber", "HapUnloadHapFile"}) {
+    const bool failed = step == "Fg_FreeGrabber" || step == "HapUnloadHapFile";
+    KTdevice* const device = board::createDevice();
+    board::observe([&](const board::Access& access) {
+      if (failed && access.name == "HapGetEvent") throw std::bad_alloc();
+      if (access.name != step) return;
+      pthread_cancel(pthread_self());
+      pthread_testcancel();
+    });
+    const auto start = [](void* device) {
+      void* const applet = Std_entry(static_cast<KTdevice*>(device), nullptr, 0);
+      pthread_testcancel();
+      return applet;
+    };
+    pthread_t thread;
+    ASSERT_EQ(pthread_create(&thread, nullptr, start, device), 0);
+    void* result = nullptr;
+    pthread_join(thread, &result);
+    EXPECT_EQ(result, PTHREAD_CANCELED) << step;
+    board::observe({});
+    EXPECT_EQ(board::outstanding().handles, 0) << step;
+    EXPECT_EQ(board::outstanding().designs, 0) << step;
+    board::destroyDevice(device);
   }
 }
 

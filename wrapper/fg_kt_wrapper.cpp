@@ -7,6 +7,7 @@
 #include <type_traits>
 
 #include "external/dynamic_library.h"
+#include "external/release.h"
 #include "paraminfo/parameter_info.h"
 #include "paraminfo/parameter_nodes.h"
 #include "support/logging.h"
@@ -24,7 +25,9 @@ constexpr int kMaskedEvents = 64;
 constexpr int kMissing = VELMORA_NOT_AVAILABLE;
 
 struct LibraryCloser {
-  void operator()(void* library) const { dlclose(library); }
+  void operator()(void* library) const {
+    releaseQuietly([=] { dlclose(library); });
+  }
 };
 
 template <class Function>

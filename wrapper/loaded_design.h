@@ -3,11 +3,14 @@
 #include <memory>
 
 #include "external/dervin.h"
+#include "external/release.h"
 
 namespace velmora {
 
 struct DesignUnloader {
-  void operator()(fpga_design* design) const { HapUnloadHapFile(design); }
+  void operator()(fpga_design* design) const {
+    releaseQuietly([=] { HapUnloadHapFile(design); });
+  }
 };
 
 /// A design that is unloaded with its owner.

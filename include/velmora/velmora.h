@@ -58,6 +58,7 @@ void* Std_entry(KTdevice* device, int* error, int flags);
 
 /// Releases the runtime's handle and the instance, unloads the design and clears the first word of
 /// `fg`. Invalidates every node, name and string that the instance handed out.
+/// When the runtime throws instead, nothing is released and the call can be repeated.
 /// @return the runtime's result; 0 when it has no such function.
 int Fg_FreeGrabber(Fg_Struct* fg);
 
@@ -90,8 +91,8 @@ int64_t Fg_getStatusEx(Fg_Struct* fg, uint32_t param, int64_t data, int32_t dma,
 
 /// Sets SDK parameter `id` on port `dma` (0 to 3). The stored setting, which a get returns, is all
 /// or nothing: a refused set leaves it as it was. Some parameters take several writes to the design
-/// (a Bayer order two, a trigger mode up to a dozen); when one fails, those before it stay done,
-/// and setting the parameter again makes the design agree.
+/// (a Bayer order two, a trigger mode up to 20); when one fails, those before it stay done, and
+/// setting the same value again completes them.
 /// @param value the value in the parameter's own width: 32 bits for integers, 64 for doubles.
 /// @param type the caller's `FgParamTypes`; used only for ids that are passed through.
 /// @return 0; -2070 null value, unknown id or port; -12 read-only; -6000 out of range; -7080 step;

@@ -68,7 +68,8 @@ class ParameterRow : public ValueDescription {
   constexpr ParameterRow& drives(DesignId id) {
     design_ = id;
     if (field.real) return setBy(writePlain<double>);
-    return setBy(isRegister(id) ? writeRegister : writePlain<std::uint32_t>);
+    drivesRegister_ = isRegister(id);
+    return setBy(drivesRegister_ ? writeRegister : writePlain<std::uint32_t>);
   }
   /// A set sends the design its command value, 2, whatever the caller's value is.
   constexpr ParameterRow& triggers(DesignId id) {
@@ -79,10 +80,12 @@ class ParameterRow : public ValueDescription {
   constexpr ParameterRow& storedOnly() { return setBy(writeNothing); }
   constexpr ParameterRow& setBy(Setter<std::uint32_t> setter) {
     setInteger = setter;
+    setsInteger_ = true;
     return *this;
   }
   constexpr ParameterRow& setBy(Setter<double> setter) {
     setReal = setter;
+    setsReal_ = true;
     return *this;
   }
 
@@ -102,6 +105,7 @@ class ParameterRow : public ValueDescription {
   }
   constexpr ParameterRow& getBy(Getter getter) {
     get = getter;
+    isRead_ = true;
     return *this;
   }
 
@@ -145,22 +149,23 @@ class ParameterRow : public ValueDescription {
 
   /// An inconsistent row does not compile; the error shows what is wrong.
   consteval void check() const {
+    const bool set = setsInteger_ || setsReal_;
     if (!name || id <= 0) throw "a row needs a name and an id";
-    if (!get) throw "a parameter that nothing reads";
-    if ((field.integer || field.real) != writable()) throw "a setting needs a way to be set";
-    if (setInteger && !field.integer) throw "an integer setter stores into an integer field";
-    if (setReal && !field.real) throw "a real setter stores into a real field";
-    if (setInteger && setReal) throw "a setting is an integer or real";
-    if (setReal && limits.kind != Limits::Kind::kReal) throw "a real setting has a real range";
-    if (setInteger && limits.kind != Limits::Kind::kInteger &&
+    if (!isRead_) throw "a parameter that nothing reads";
+    if ((field.integer || field.real) != set) throw "a setting needs a way to be set";
+    if (setsInteger_ && !field.integer) throw "an integer setter stores into an integer field";
+    if (setsReal_ && !field.real) throw "a real setter stores into a real field";
+    if (setsInteger_ && setsReal_) throw "a setting is an integer or real";
+    if (setsReal_ && limits.kind != Limits::Kind::kReal) throw "a real setting has a real range";
+    if (setsInteger_ && limits.kind != Limits::Kind::kInteger &&
         limits.kind != Limits::Kind::kEnumeration)
       throw "an integer setting has an integer range or an enumeration";
     if (display && limits.kind == Limits::Kind::kNone) throw "what is shown has limits";
-    if (display && ((accessMode & REGISTER_INFO_WRITABLE) != 0) != writable())
+    if (display && ((accessMode & REGISTER_INFO_WRITABLE) != 0) != set)
       throw "what is shown as writable has a setter, and nothing else";
-    if (reopens && (!writable() || accessMode != kSwitched)) throw "only switched settings reopen";
-    if ((appliedAtStart || saved) && !writable()) throw "only settings are applied and saved";
-    if (isRegister(design_) && setInteger != writeRegister) throw "registers are only driven";
+    if (reopens && (!set || accessMode != kSwitched)) throw "only switched settings reopen";
+    if ((appliedAtStart || saved) && !set) throw "only settings are applied and saved";
+    if (isRegister(design_) != drivesRegister_) throw "registers are only driven";
   }
 
  private:
@@ -183,6 +188,12 @@ class ParameterRow : public ValueDescription {
 
   /// Used by the functions above only.
   DesignId design_{};
+
+  // What the sentence has said; compilers do not compare functions with null in constants.
+  bool isRead_ = false;
+  bool setsInteger_ = false;
+  bool setsReal_ = false;
+  bool drivesRegister_ = false;
 };
 
 /// The value last accepted.

@@ -44,3 +44,14 @@ int64_t Fg_getLastPicNumberBlockingEx(Fg* f, int64_t a, uint32_t b, int32_t c, i
 int64_t Fg_getStatusEx(Fg* f, uint32_t a, int64_t b, int32_t c, void* p) {
   return note<int64_t>(f, a, b, c, p);
 }
+int Fg_getParameterIdByName(Fg*, const char*) { return recordingRuntime.id; }
+RegisterInfo* Fg_getParameterInfo(Fg*, int) {
+  static char name[] = "Far";
+  static RegisterInfo parameter{}, group{};
+  static RegisterInfo* children[] = {&parameter};
+  parameter.kind = REGISTER_INFO_UINT;
+  parameter.name = parameter.paramName = group.name = name;
+  parameter.id = recordingRuntime.id;
+  group.value.group = {1, children, 1};
+  return &group;
+}
