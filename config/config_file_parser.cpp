@@ -39,7 +39,7 @@ std::FILE* openFile(const char* name, const char* mode) {
   // Another process may have put a pipe there since: it must not block, and is looked at again.
   const bool writes = *mode == 'w';
   const int access = writes ? O_WRONLY | O_CREAT | O_TRUNC : mode[1] == '+' ? O_RDWR : O_RDONLY;
-  const int file = open(name, access | O_NONBLOCK | O_CLOEXEC, 0666);
+  const int file = open(name, access | O_NONBLOCK | O_CLOEXEC, DEFFILEMODE);
   if (file < 0) return nullptr;
   std::FILE* stream = fstat(file, &status) == 0 && usable(status) ? fdopen(file, mode) : nullptr;
   if (!stream) close(file);
