@@ -1,6 +1,4 @@
 /// Creation and release of an applet instance.
-#include <cxxabi.h>
-
 #include <cstdlib>
 #include <memory>
 
@@ -8,6 +6,7 @@
 #include "external/release.h"
 #include "parameters/applet_identity.h"
 #include "parameters/fg_kt_wrapper_impl.h"
+#include "support/cancellation.h"
 #include "velmora/velmora.h"
 #include "wrapper/loaded_design.h"
 
@@ -66,9 +65,8 @@ void* Std_entry(KTdevice* device, int* error, int flags) {
   int& result = error ? *error : unread;
   try {
     return static_cast<FgKtWrapper*>(create(device, flags, result).release());
-  } catch (abi::__forced_unwind&) {
-    throw;  // Thread cancellation, which a handler must rethrow.
   } catch (...) {
+    rethrowCancellation();
     result = VELMORA_NO_DESIGN;
     return nullptr;
   }

@@ -1,6 +1,4 @@
 /// The applet's start-up, from the name tables to the defaults in the design.
-#include <cxxabi.h>
-
 #include "external/dervin.h"
 #include "parameters/design/direct_access.h"
 #include "parameters/design/direct_catalogue.h"
@@ -10,6 +8,7 @@
 #include "parameters/table/catalogue.h"
 #include "parameters/table/parameter_table.h"
 #include "paraminfo/parameter_nodes.h"
+#include "support/cancellation.h"
 #include "support/logging.h"
 
 namespace velmora {
@@ -75,9 +74,8 @@ void FgKtWrapperImpl::routePorts() {
       trigger_transitions::hold(port);
       trigger_outputs::route(port);
     }
-  } catch (abi::__forced_unwind&) {
-    throw;  // Thread cancellation.
   } catch (...) {
+    rethrowCancellation();
     // The remaining ports keep the design's own routing until their outputs are set.
   }
 }

@@ -7,7 +7,6 @@
 ///     logMessage(*logger, 4, "cannot retrieve KT id for KT parameter: '", name, "'");
 #pragma once
 
-#include <cxxabi.h>
 #include <pthread.h>
 
 #include <atomic>
@@ -20,6 +19,7 @@
 #include <string_view>
 
 #include "external/logging_dispatcher.h"
+#include "support/cancellation.h"
 #include "support/dispatcher_library.h"
 #include "support/guarded_singleton.h"
 #include "support/locks.h"
@@ -33,9 +33,8 @@ bool attempt(const Step& step) {
   try {
     step();
     return true;
-  } catch (abi::__forced_unwind&) {
-    throw;
   } catch (...) {
+    velmora::rethrowCancellation();
     return false;
   }
 }
