@@ -20,8 +20,9 @@
 /// libraries around the applet throw nothing. Otherwise these leave an export:
 /// - `std::logic_error` out of a set or get that is called from within a set or get on the same
 ///   handle and thread (by a runtime that calls back);
-/// - `std::bad_alloc` and other errors of the standard library out of any export but `Info` and
-///   `Std_entry`; a set has then restored the stored setting and released the lock;
+/// - `std::bad_alloc` and other errors of the standard library out of any export but `Info`,
+///   `Std_entry` and `Fg_getParameterInfoXML`; a set has then restored the stored setting and
+///   released the lock;
 /// - whatever a library around the applet throws. Integers become the code of a set or get of the
 ///   applet's own parameters, but leave the others unchanged: the pass-through of ids above 2000000
 ///   and of register ids, every string release, and the acquisition calls. From `Std_entry`
@@ -139,7 +140,8 @@ int Fg_loadConfig(Fg_Struct* fg, const char* file);
 /// Renders the GenApi XML document of `port`. With a null `buffer` only the size is stored.
 /// @param size in: bytes at `buffer`; out: bytes needed, with the terminating zero. Unchanged on
 ///        failure.
-/// @return 0; -500 buffer too small or null `size`; -2075 no such port. Recorded.
+/// @return 0; -500 buffer too small or null `size`; -501 out of memory; -2075 no such port.
+///         Recorded.
 int Fg_getParameterInfoXML(Fg_Struct* fg, int port, char* buffer, size_t* size);
 /// First root group of `port`'s description forest, owned by the instance; null when there is no
 /// such port.
