@@ -328,12 +328,18 @@ TEST_F(ToolRows, ExternalDesigns) {
   const std::string manifest = contentOf(DESIGN_MANIFEST);
   fs::create_directory(directory_ / "designs");
   writeText(directory_ / "designs/short.design", without(manifest, "Buffer_YLength"));
+  writeText(directory_ / "designs/mute.design", without(manifest, "Debounce8_Prescale_Period"));
   writeText(directory_ / "designs/damaged.design", manifest.substr(0, manifest.size() / 2));
   check({
       {"--board designs/short.design set FG_WIDTH=1000 FG_HEIGHT=8", "FG_WIDTH@0 = 1000\n",
        "velmora: FG_HEIGHT@0: refused: -2080, no such design or runtime parameter\n", 1},
       {"save here.mcf --board designs/short.design", "here.mcf: settings of 4 ports saved\n"},
       {"load here.mcf --board designs/short.design", "here.mcf: settings of 4 ports loaded\n"},
+      {"save partial.mcf --board designs/mute.design", "partial.mcf: settings of 4 ports saved\n",
+       AllOf(StartsWith("velmora: partial.mcf: without FG_TRIGGERIN_DEBOUNCE@0, which cannot be "
+                        "read\n"),
+             MatchesRegex("(.*FG_TRIGGERIN_DEBOUNCE@.*\n){4}")),
+       1},
       {"list --board designs/damaged.design", IsEmpty(),
        "velmora: the applet does not start with the design designs/damaged.design: -100, the "
        "design cannot be loaded or opened\n",

@@ -44,7 +44,8 @@ struct Acquisition {
 /// Acquires on several ports at the same time; reports pictures and rate of each.
 void acquirePictures(Session& session, const Acquisition& acquisition);
 
-/// Writes the settings of all ports to a configuration file.
+/// Writes the settings of all ports to a configuration file. A failure names each value that is
+/// left out, since it cannot be read.
 void saveConfiguration(Session& session, const std::string& file);
 /// Applies a configuration file. A failure names the first key or section that is missing.
 void loadConfiguration(Session& session, const std::string& file);

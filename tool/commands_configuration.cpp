@@ -4,7 +4,9 @@
 #include <algorithm>
 #include <array>
 #include <filesystem>
+#include <fstream>
 #include <iterator>
+#include <set>
 #include <string_view>
 
 #include "config/config_file_parser.h"
@@ -94,6 +96,25 @@ std::string reason(Session& session, const std::string& file) {
   return missing.empty() ? missingInPorts(session, parser) : missing;
 }
 
+/// The keys that a load looks for and a port's section of a saved file does not have.
+Failures missingInSaved(Session& session, const std::string& file) {
+  std::set<std::string> present;
+  std::ifstream stream(file);
+  std::string section;
+  for (std::string line; std::getline(stream, line);) {
+    if (line.starts_with('[')) section = line;
+    present.insert(section + line.substr(0, line.find('=')));
+  }
+  Failures missing;
+  const std::vector<std::string> keys = loadedKeys(session);
+  for (unsigned port = 0; port < kPorts; ++port)
+    for (const std::string& key : keys)
+      if (!present.contains(Fg_ConfigFileParser::getPortString(static_cast<int>(port)) + key))
+        missing.add(
+            Failure(fmt::format("{}: without {}@{}, which cannot be read", file, key, port)));
+  return missing;
+}
+
 }  // namespace
 
 void saveConfiguration(Session& session, const std::string& file) {
@@ -104,6 +125,7 @@ void saveConfiguration(Session& session, const std::string& file) {
                               named ? "" : "; its name has to contain .mcf"));
   }
   fmt::print("{}: settings of {} ports saved\n", file, kPorts);
+  missingInSaved(session, file).throwIfAny();
 }
 
 void loadConfiguration(Session& session, const std::string& file) {

@@ -120,8 +120,13 @@ int Fg_getParameterId(Fg_Struct* fg, int index);
 /// Id of the parameter called `name` (exact spelling), or -2070 (recorded).
 int Fg_getParameterIdByName(Fg_Struct* fg, const char* name);
 
-/// Writes all settings of the four ports to `file`, whose name must contain ".mcf". A value that
-/// cannot be read from the design is left out.
+/// Writes all settings of the four ports to `file`, whose name must contain ".mcf". A file that is
+/// there stays until the new content is whole: that is written beside it and takes its place, with
+/// the same mode and owner. Links are followed; another hard link keeps the old content. Only where
+/// the directory takes no such new file is the old one overwritten.
+///
+/// A value that cannot be read from the design is left out, which the result does not tell: 0 all
+/// the same. A file without one of the values that a load looks for does not load.
 /// @return 0; -5001 (recorded) when the file cannot be written, or exists and is no regular file.
 int Fg_saveConfig(Fg_Struct* fg, const char* file);
 /// Reads a file written by `Fg_saveConfig` and applies it port by port: first every setting of the
