@@ -120,6 +120,9 @@ TEST_F(Board, JournalTellsAccessesAndFaultsInOrder) {
   board::startJournal();
   board::failNamed(kLength, -77, 2);
   set(8), get(), set(1000), get();
+  board::failNamed(kLength, 77, 2);
+  set(16), get();
+  EXPECT_EQ(Fg_getLastErrorNumber(fg), 77);
   board::failAt(2, -78);
   board::failAtWrite(2, -79);
   get(), set(24), get(), write(9), write(~0ULL);
@@ -135,6 +138,9 @@ TEST_F(Board, JournalTellsAccessesAndFaultsInOrder) {
 get Device1_Process0_Buffer_XLength[1] failed: -77
 set Device1_Process0_Buffer_XLength[1] = 1000
 get Device1_Process0_Buffer_XLength[1] -> 1000
+set Device1_Process0_Buffer_XLength[1] = 16 failed: 77
+get Device1_Process0_Buffer_XLength[1] failed: 77
+call Fg_getLastErrorNumber() -> 77
 get Device1_Process0_Buffer_XLength[1] -> 1000
 set Device1_Process0_Buffer_XLength[1] = 24 failed: -78
 get Device1_Process0_Buffer_XLength[1] -> 1000

@@ -1,9 +1,11 @@
 /// The tool `velmora`, run as a user runs it.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 
 #include <algorithm>
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -19,6 +21,7 @@ namespace {
 
 namespace fs = std::filesystem;
 using testing::AllOf;
+using testing::AnyOf;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Matcher;
@@ -346,6 +349,20 @@ TEST_F(ToolRows, ExternalDesigns) {
        1},
   });
   EXPECT_TRUE(fs::exists(directory_ / "here.mcf"));
+}
+
+TEST_F(ToolTest, AStartThatASignalEndsLeavesNoDirectory) {
+  const std::string temporary = directory_ / "temporary";
+  fs::create_directory(temporary);
+  rlimit limit = {};
+  getrlimit(RLIMIT_FSIZE, &limit);
+  const rlimit none = {0, limit.rlim_max};
+  setrlimit(RLIMIT_FSIZE, &none);  // The first line of the trace ends the process.
+  const Outcome outcome =
+      run("list --trace=all --board " DESIGN_MANIFEST, "TMPDIR='" + temporary + "' ");
+  setrlimit(RLIMIT_FSIZE, &limit);
+  EXPECT_THAT(outcome.status, AnyOf(-1, 128 + SIGXFSZ));
+  EXPECT_TRUE(fs::is_empty(temporary));
 }
 
 /// The tool in installations that lack a library, or have another in its place.

@@ -3,7 +3,8 @@
 /// Common to all functions that take an `Fg_Struct*`: it is the host's (outer) handle, whose first
 /// word is the instance that `Std_entry` returned. A null handle or a null first word is answered
 /// with -2001 (or null, or 0 where noted) and changes nothing. Results are 0 or positive on success
-/// and negative codes of `velmora/errors.h` or of the libraries around the applet on failure.
+/// and negative codes of `velmora/errors.h` or of the libraries around the applet on failure. A set
+/// or get succeeds with 0 only: codes of those libraries may be positive.
 ///
 /// Threads: `Std_entry` and `Fg_FreeGrabber` must not overlap other calls on the same handle. Sets
 /// and gets may come from any thread; they run one after the other. These must not overlap sets on
