@@ -1,7 +1,7 @@
 /// Creation and release of an applet instance.
 #include <cxxabi.h>
+#include <stdlib.h>
 
-#include <cstdlib>
 #include <memory>
 
 #include "design/design_image.h"
@@ -17,7 +17,7 @@ namespace {
 constexpr int kLoadArgument = 1;  // What both design loaders are given last.
 
 LoadedDesign loadDesign() {
-  if (std::getenv("__KORV_FORCE_EXTERNAL_HAP"))
+  if (secure_getenv("__KORV_FORCE_EXTERNAL_HAP"))
     return LoadedDesign(HapLoadHapFileWithType(kHapFileName, kBoardType, kLoadArgument));
   return LoadedDesign(
       HapLoadDesignFromBuffer(velmora_design_image, kDesignImageSize, kLoadArgument));

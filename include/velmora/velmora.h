@@ -48,7 +48,8 @@ enum VelmoraStartFlag {
 
 /// Creates an applet instance: opens the acquisition runtime `libvorn5.so`, loads the design (the
 /// embedded image, or the file "Velmora.hap" when the environment variable
-/// "__KORV_FORCE_EXTERNAL_HAP" exists), creates the runtime's handle on it and writes the defaults.
+/// "__KORV_FORCE_EXTERNAL_HAP" exists and the process runs with the rights of its user), creates
+/// the runtime's handle on it and writes the defaults.
 /// @param device the host's board device; handed on, never looked into.
 /// @param error receives 0, -2031 (no usable runtime), -100 (no design) or the runtime's code; may
 ///        be null.
