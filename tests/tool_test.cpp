@@ -351,6 +351,32 @@ TEST_F(ToolRows, ExternalDesigns) {
   EXPECT_TRUE(fs::exists(directory_ / "here.mcf"));
 }
 
+TEST_F(ToolTest, ControlBytesOfDesignsAndFilesAreShownAsText) {
+  writeText(directory_ / "evil.design",
+            replaced(contentOf(DESIGN_MANIFEST), "\nend",
+                     "\nuint Device1_Process1_Evil rw channel 0 9 1 unit=\x1b[31m\x9b\xb5"
+                     "\nstring Device1_Process1_Text rw channel \x1b]0;t\x07\nend"));
+  writeText(directory_ / "evil.mcf", "Hersteller='x';\nTyp='\x1b[2J\x7f';\n");
+  const struct {
+    const char* arguments;
+    const char* shown;
+  } kRows[] = {
+      {"describe DKTA_Device1_Process1_Evil@1", "0 to 9 \\x1b[31m\\xc2\\x9b\xC2\xB5, step 1"},
+      {"get DKTA_Device1_Process1_Text@1", "@1 = \\x1b]0;t\\x07\n"},
+      {"get DKTA_Device1_Process1_Text@1 --trace", "-> \\x1b]0;t\\x07\n"},
+      {"load evil.mcf", "made for another applet, '\\x1b[2J\\x7f'\n"},
+      {"get \"$(printf 'FG_\\033c')\"", "FG_\\x1bc: -2070"},
+  };
+  for (const auto& row : kRows) {
+    SCOPED_TRACE(row.arguments);
+    const Outcome outcome =
+        run(std::string("--board evil.design ") + row.arguments, "KORV_ENABLE_DKTA=1 ");
+    EXPECT_THAT(outcome.out + outcome.err, HasSubstr(row.shown));
+    for (const char byte : outcome.out + outcome.err)
+      EXPECT_TRUE(byte == '\n' || (byte != 0x7F && static_cast<unsigned char>(byte) >= 0x20));
+  }
+}
+
 TEST_F(ToolTest, AStartThatASignalEndsLeavesNoDirectory) {
   const std::string temporary = directory_ / "temporary";
   fs::create_directory(temporary);

@@ -32,7 +32,7 @@ void describePort(Session& session, unsigned port);
 /// Everything about one parameter, NAME or NAME@PORT.
 void describeParameter(Session& session, const std::string& name, std::optional<unsigned> port);
 /// The GenApi XML document of a port, byte for byte, to `file` or, when that is empty, to standard
-/// output.
+/// output. A terminal gets printable lines.
 void writeXml(Session& session, unsigned port, const std::string& file);
 void listEvents(Session& session);
 

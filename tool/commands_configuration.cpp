@@ -13,6 +13,7 @@
 #include "tool/code_text.h"
 #include "tool/commands.h"
 #include "tool/parameter_description.h"
+#include "tool/text.h"
 #include "velmora/info.h"
 #include "velmora/parameters.h"
 
@@ -124,14 +125,14 @@ void saveConfiguration(Session& session, const std::string& file) {
     throw Failure(fmt::format("{}: not saved: {}{}", file, codeText(code),
                               named ? "" : "; its name has to contain .mcf"));
   }
-  fmt::print("{}: settings of {} ports saved\n", file, kPorts);
+  printLine(fmt::format("{}: settings of {} ports saved", file, kPorts));
   missingInSaved(session, file).throwIfAny();
 }
 
 void loadConfiguration(Session& session, const std::string& file) {
   const int code = session.library().loadConfig(session.grabber(), file.c_str());
   if (code == 0) {
-    fmt::print("{}: settings of {} ports loaded\n", file, kPorts);
+    printLine(fmt::format("{}: settings of {} ports loaded", file, kPorts));
     return;
   }
   const std::string why = reason(session, file);
