@@ -1,5 +1,6 @@
 /// Creation and release of an applet instance.
-#include <cstdlib>
+#include <stdlib.h>
+
 #include <memory>
 
 #include "design/design_image.h"
@@ -17,7 +18,7 @@ namespace {
 constexpr int kLoadArgument = 1;  // The reserved argument of both design loaders.
 
 LoadedDesign loadDesign() {
-  if (std::getenv("__KORV_FORCE_EXTERNAL_HAP"))
+  if (secure_getenv("__KORV_FORCE_EXTERNAL_HAP"))
     return LoadedDesign(HapLoadHapFileWithType(kHapFileName, kBoardType, kLoadArgument));
   return LoadedDesign(
       HapLoadDesignFromBuffer(velmora_design_image, kDesignImageSize, kLoadArgument));

@@ -66,7 +66,8 @@ struct Access {
   int dma = -1;       ///< DMA index as passed; -1 where the call has none
   std::string value;  ///< value written or read (decimal, doubles in shortest form), or arguments
   std::int64_t result =
-      0;  ///< what the access returned (0 for a non-null pointer, -1 for a null one)
+      0;                ///< what the access returned (0 for a non-null pointer, -1 for a null one)
+  bool failed = false;  ///< whether a fault took its place or the result is an error
 };
 
 /// One line, such as "set Device1_Process1_Buffer_XLength[1] = 1000", "get NAME[0] -> 5",
@@ -83,9 +84,9 @@ std::vector<Access> takeJournal();
 /// without any board lock held. An empty function stops it.
 void observe(std::function<void(const Access&)> observer);
 
-/// Makes the accesses of this name (parameter, register or function name as in the journal) return
-/// `code` without any effect, `times` times, or until `clearFaults` when 0. Functions that return a
-/// pointer return null, and `code` becomes the last error.
+/// Makes the accesses of this name (parameter, register or function name as in the journal) fail:
+/// return `code`, negative or positive, without any effect, `times` times, or until `clearFaults`
+/// when 0. Functions that return a pointer return null, and `code` becomes the last error.
 void failNamed(const std::string& name, int code, int times = 0);
 /// Makes the k-th parameter or register access from now (k from 1; `kCall` accesses do not count)
 /// return `code` without any effect.

@@ -1,8 +1,6 @@
 #include "paraminfo/parameter_info_builder_xml.h"
 
-#include <locale>
 #include <map>
-#include <sstream>
 #include <string_view>
 
 #include "paraminfo/category.h"
@@ -25,12 +23,13 @@ constexpr std::string_view kUndescribedGroup = "Direct Register Access";
 
 std::string_view textOf(const char* text) { return text ? text : std::string_view(); }
 
-void writeHeader(std::ostream& out, const char* modelName) {
-  out << R"(<?xml version="1.0" encoding="utf-8"?>
+void writeHeader(std::string& out, const char* modelName) {
+  out += R"(<?xml version="1.0" encoding="utf-8"?>
 
 <RegisterDescription
-ModelName=")"
-      << xmlStringFilter(textOf(modelName)) << R"("
+ModelName=")";
+  out += xmlStringFilter(textOf(modelName));
+  out += R"("
 VendorName="Brightfold"
 StandardNameSpace="None"
 SchemaMajorVersion="1"
@@ -67,7 +66,7 @@ void writeInteger(ParameterInfoGeneratorXML& generator, const RegisterInfo& node
 }
 
 /// Writes the node's element; false when its kind has none.
-bool writeParameter(std::ostream& out, const RegisterInfo& node) {
+bool writeParameter(std::string& out, const RegisterInfo& node) {
   ParameterInfoGeneratorXML generator(out);
   switch (node.kind) {
     case REGISTER_INFO_UINT:
@@ -92,8 +91,8 @@ bool writeParameter(std::ostream& out, const RegisterInfo& node) {
   }
 }
 
-void writeFeature(std::ostream& out, const std::string& name) {
-  out << "<pFeature>" << name << "</pFeature>\n";
+void writeFeature(std::string& out, const std::string& name) {
+  out += "<pFeature>" + name + "</pFeature>\n";
 }
 
 }  // namespace
@@ -106,18 +105,17 @@ ParameterInfoBuilderXML::ParameterInfoBuilderXML(Fg_ParameterInfo& registry, con
 ParameterInfoBuilderXML::~ParameterInfoBuilderXML() = default;
 
 std::string ParameterInfoBuilderXML::build() {
-  std::ostringstream out;
-  // The host may have set a global locale that groups digits or writes decimal commas.
-  out.imbue(std::locale::classic());
+  std::string out;
   writeHeader(out, private_->modelName);
   processRegisterInfo(out, private_->registry.getRegisterInfo(private_->process), nullptr);
   writeCategory(out, private_->root);
-  out << "<Port Name=\"DevicePort\"></Port>\n"
-         "</RegisterDescription>\n";
-  return out.str();
+  out +=
+      "<Port Name=\"DevicePort\"></Port>\n"
+      "</RegisterDescription>\n";
+  return out;
 }
 
-void ParameterInfoBuilderXML::processRegisterInfo(std::ostream& out, const RegisterInfo* node,
+void ParameterInfoBuilderXML::processRegisterInfo(std::string& out, const RegisterInfo* node,
                                                   const RegisterInfo* parent) {
   for (; node; node = node->next) {
     if (node->kind != REGISTER_INFO_GROUP) {
@@ -129,23 +127,24 @@ void ParameterInfoBuilderXML::processRegisterInfo(std::ostream& out, const Regis
   }
 }
 
-void ParameterInfoBuilderXML::buildParamDescr(std::ostream& out, const RegisterInfo& node,
+void ParameterInfoBuilderXML::buildParamDescr(std::string& out, const RegisterInfo& node,
                                               const RegisterInfo* parent) {
   const std::string_view group = textOf(parent ? parent->name : nullptr);
   if (node.visible == 0 || group == kUndescribedGroup) return;
   if (!writeParameter(out, node)) return;
   categoryOf(group).addFeature(xmlNameFilter(textOf(node.paramName)));
-  out << "\n\r";
+  out += "\n\r";
 }
 
-void ParameterInfoBuilderXML::writeCategory(std::ostream& out, const Category& category) {
-  out << "<Category Name='" << category.getName() << "' "
-      << (category.getName() == kRootCategory ? "NameSpace='Standard'" : "") << " >\n";
+void ParameterInfoBuilderXML::writeCategory(std::string& out, const Category& category) {
+  out += "<Category Name='" + category.getName() + "' ";
+  if (category.getName() == kRootCategory) out += "NameSpace='Standard'";
+  out += " >\n";
   for (std::size_t i = 0; i < category.getChildCount(); ++i)
     writeFeature(out, category.getChild(i)->getName());
   for (std::size_t i = 0; i < category.getFeatureCount(); ++i)
     writeFeature(out, category.getFeature(i));
-  out << "</Category>\n";
+  out += "</Category>\n";
   for (std::size_t i = 0; i < category.getChildCount(); ++i)
     writeCategory(out, *category.getChild(i));
 }

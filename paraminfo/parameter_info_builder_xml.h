@@ -1,7 +1,6 @@
 /// GenApi document of a process's parameters.
 #pragma once
 
-#include <iosfwd>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -33,11 +32,11 @@ class ParameterInfoBuilderXML {
 
  private:
   /// Renders `node`, the nodes after it in its list, and the descendants of groups.
-  void processRegisterInfo(std::ostream& out, const RegisterInfo* node, const RegisterInfo* parent);
+  void processRegisterInfo(std::string& out, const RegisterInfo* node, const RegisterInfo* parent);
   /// Renders a parameter and records it as a feature of its category.
-  void buildParamDescr(std::ostream& out, const RegisterInfo& node, const RegisterInfo* parent);
+  void buildParamDescr(std::string& out, const RegisterInfo& node, const RegisterInfo* parent);
   /// Renders a category, then its children.
-  void writeCategory(std::ostream& out, const Category& category);
+  void writeCategory(std::string& out, const Category& category);
 
   Category& categoryOf(std::string_view group);
 

@@ -1,11 +1,16 @@
 #include "paraminfo/parameter_info_generator_xml.h"
 
+#include <array>
+#include <charconv>
+#include <concepts>
+
 namespace velmora {
 namespace {
 
 constexpr int kIntegerLength = 4;
 constexpr int kWideLength = 8;
 constexpr int kStringLength = 4096;
+constexpr int kRealDigits = 6;
 /// The one integer parameter whose register is wider than its description says.
 constexpr std::string_view kWideInteger = "FG_TRANSFER_LEN";
 
@@ -36,19 +41,41 @@ const char* entity(char character) {
 constexpr bool isLetter(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); }
 constexpr bool isDigitOrUnderscore(char c) { return (c >= '0' && c <= '9') || c == '_'; }
 
-std::string escaped(const char* text) { return text ? xmlStringFilter(text) : std::string(); }
+/// A text to be appended with its reserved characters replaced.
+struct Escaped {
+  explicit Escaped(std::string_view characters) : text(characters) {}
+  explicit Escaped(const char* nullable) : text(nullable ? nullable : std::string_view()) {}
+  std::string_view text;
+};
+
+void append(std::string& out, std::string_view text) { out += text; }
+
+void append(std::string& out, Escaped escaped) {
+  for (const char character : escaped.text) {
+    if (const char* replacement = entity(character))
+      out += replacement;
+    else
+      out += character;
+  }
+}
+
+template <class... NumberAndFormat>
+void appendNumber(std::string& out, NumberAndFormat... numberAndFormat) {
+  std::array<char, 24> digits;
+  out.append(digits.begin(), std::to_chars(digits.begin(), digits.end(), numberAndFormat...).ptr);
+}
+
+void append(std::string& out, std::integral auto number) { appendNumber(out, number); }
+
+void append(std::string& out, double number) {
+  appendNumber(out, number, std::chars_format::general, kRealDigits);
+}
 
 }  // namespace
 
 std::string xmlStringFilter(std::string_view text) {
   std::string result;
-  result.reserve(text.size());
-  for (const char character : text) {
-    if (const char* replacement = entity(character))
-      result += replacement;
-    else
-      result += character;
-  }
+  append(result, Escaped(text));
   return result;
 }
 
@@ -83,15 +110,15 @@ void ParameterInfoGeneratorXML::infoGenerate(const RegisterInfo& node, std::uint
   infoGenerate(node, wide ? kWideLength : kIntegerLength);
   element("Sign", "Signed");
   element(kEndianness, "LittleEndian");
-  out_ << "</IntReg>\n";
+  write("</IntReg>\n");
 
-  out_ << "<Integer Name='" << escaped(node.paramName) << "'>\n";
+  write("<Integer Name='", Escaped(node.paramName), "'>\n");
   description(node);
   registerReference(node);
   number("Min", min);
   number("Max", max);
   if (inc != 0) number("Inc", inc);
-  out_ << "</Integer>";
+  write("</Integer>");
 }
 
 void ParameterInfoGeneratorXML::infoGenerate(const RegisterInfo& node, double /*value*/, double min,
@@ -99,60 +126,65 @@ void ParameterInfoGeneratorXML::infoGenerate(const RegisterInfo& node, double /*
   startRegister("FloatReg", node, kRegisterSuffix);
   infoGenerate(node, kWideLength);
   element(kEndianness, "LittleEndian");
-  out_ << "</FloatReg>\n";
+  write("</FloatReg>\n");
 
-  out_ << "<Float Name=\"" << escaped(node.paramName) << "\">\n";
+  write("<Float Name=\"", Escaped(node.paramName), "\">\n");
   description(node);
   registerReference(node);
   element("Min", min);
   element("Max", max);
-  out_ << "</Float>";
+  write("</Float>");
 }
 
 void ParameterInfoGeneratorXML::infoGenerate(const RegisterInfo& node) {
   startRegister("StringReg", node, "");
   description(node);
   infoGenerate(node, kStringLength);
-  out_ << "</StringReg>";
+  write("</StringReg>");
 }
 
 void ParameterInfoGeneratorXML::infoGenerate(const RegisterInfo& node, int /*value*/,
                                              const std::map<int, std::string>& entries) {
-  out_ << "<Enumeration Name='" << escaped(node.paramName) << "'>\n";
+  write("<Enumeration Name='", Escaped(node.paramName), "'>\n");
   description(node);
   for (const auto& [value, identifier] : entries) {
-    out_ << "<EnumEntry Name=\"" << xmlStringFilter(identifier) << "\">\n";
+    write("<EnumEntry Name=\"", Escaped(identifier), "\">\n");
     element("Value", value);
-    out_ << "</EnumEntry>\n";
+    write("</EnumEntry>\n");
   }
   registerReference(node);
-  out_ << "</Enumeration>\n\n";
+  write("</Enumeration>\n\n");
 
   startRegister("IntReg", node, kRegisterSuffix);
   infoGenerate(node, kIntegerLength);
   element("Sign", "Unsigned");
   element(kEndianness, "LittleEndian");
-  out_ << "</IntReg>";
+  write("</IntReg>");
 }
 
 /// The start tag stays open for a node without a parameter name.
 void ParameterInfoGeneratorXML::startRegister(const char* type, const RegisterInfo& node,
                                               const char* suffix) {
-  out_ << '<' << type;
-  if (node.paramName) out_ << " Name=\"" << xmlStringFilter(node.paramName) << suffix << "\">\n";
+  write("<", type);
+  if (node.paramName) write(" Name=\"", Escaped(node.paramName), suffix, "\">\n");
 }
 
 void ParameterInfoGeneratorXML::description(const RegisterInfo& node) {
-  if (node.name && *node.name != '\0') element("Description", escaped(node.name));
+  if (node.name && *node.name != '\0') element("Description", Escaped(node.name));
 }
 
 void ParameterInfoGeneratorXML::registerReference(const RegisterInfo& node) {
-  element("pValue", escaped(node.paramName) + kRegisterSuffix);
+  write("<pValue>", Escaped(node.paramName), kRegisterSuffix, "</pValue>\n");
 }
 
 template <class Value>
 void ParameterInfoGeneratorXML::element(const char* tag, const Value& value) {
-  out_ << '<' << tag << '>' << value << "</" << tag << ">\n";
+  write("<", tag, ">", value, "</", tag, ">\n");
+}
+
+template <class... Pieces>
+void ParameterInfoGeneratorXML::write(const Pieces&... pieces) {
+  (append(out_, pieces), ...);
 }
 
 }  // namespace velmora

@@ -3,7 +3,6 @@
 
 #include <cstdint>
 #include <map>
-#include <ostream>
 #include <string>
 #include <string_view>
 
@@ -19,13 +18,14 @@ std::string xmlStringFilter(std::string_view text);
 /// place, digits and '_'.
 std::string xmlNameFilter(std::string_view text);
 
-/// Writes the register and the feature of a parameter. Each overload ends without a line feed,
-/// except for the common register lines. Numbers follow the stream's locale. The current `value` is
-/// ignored: a description does not contain it.
+/// Appends the register and the feature of a parameter to a document. Each overload ends without a
+/// line feed, except for the common register lines. Numbers are decimal, with six digits where they
+/// are real, whatever the locale of the process. The current `value` is ignored: a description does
+/// not contain it.
 class ParameterInfoGeneratorXML {
  public:
   /// `out` must outlive the generator.
-  explicit ParameterInfoGeneratorXML(std::ostream& out) : out_(out) {}
+  explicit ParameterInfoGeneratorXML(std::string& out) : out_(out) {}
 
   /// The lines that all registers share: the parameter's id as address, `length` in bytes, access
   /// and port.
@@ -47,8 +47,10 @@ class ParameterInfoGeneratorXML {
   void registerReference(const RegisterInfo& node);
   template <class Value>
   void element(const char* tag, const Value& value);
+  template <class... Pieces>
+  void write(const Pieces&... pieces);
 
-  std::ostream& out_;
+  std::string& out_;
 };
 
 }  // namespace velmora

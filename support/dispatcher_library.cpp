@@ -1,12 +1,12 @@
 #include "support/dispatcher_library.h"
 
 #include <dlfcn.h>
+#include <stdlib.h>
 
 #include <algorithm>
 #include <array>
 #include <atomic>
 #include <cerrno>
-#include <cstdlib>
 #include <new>
 
 #include "external/dynamic_library.h"
@@ -54,7 +54,7 @@ std::optional<std::string> baseDirectoryFromPath(std::string_view path) {
 
 std::optional<std::string> baseDirectoryFromEnvironment() {
   for (const char* variable : {"KORVDIR5_64", "KORVDIR5"}) {
-    if (const char* value = std::getenv(variable)) {
+    if (const char* value = secure_getenv(variable)) {
       return std::string(withoutTrailingSlashes(std::string_view(value).substr(0, kPathLimit - 1)));
     }
   }

@@ -4,6 +4,7 @@
 #include <utility>
 #include <vector>
 
+#include "board/printable.h"
 #include "board_session.h"
 #include "velmora/parameters.h"
 
@@ -131,6 +132,9 @@ TEST_F(Board, JournalTellsAccessesAndFaultsInOrder) {
   board::startJournal();
   board::failNamed(kLength, -77, 2);
   set(8), get(), set(1000), get();
+  board::failNamed(kLength, 77, 2);
+  set(16), get();
+  EXPECT_EQ(Fg_getLastErrorNumber(fg), 77);
   board::failAt(2, -78);
   board::failAtWrite(2, -79);
   get(), set(24), get(), write(9), write(~0ULL);
@@ -144,6 +148,9 @@ TEST_F(Board, JournalTellsAccessesAndFaultsInOrder) {
 get Device1_Process0_Buffer_XLength[1] failed: -77
 set Device1_Process0_Buffer_XLength[1] = 1000
 get Device1_Process0_Buffer_XLength[1] -> 1000
+set Device1_Process0_Buffer_XLength[1] = 16 failed: 77
+get Device1_Process0_Buffer_XLength[1] failed: 77
+call Fg_getLastErrorNumber() -> 77
 get Device1_Process0_Buffer_XLength[1] -> 1000
 set Device1_Process0_Buffer_XLength[1] = 24 failed: -78
 get Device1_Process0_Buffer_XLength[1] -> 1000
@@ -155,6 +162,19 @@ set Device1_Process0_White_RedCoefficient[0] = 1.5
 call Fg_getParameterIdByName(Nothing) failed: -2080
 call Fg_AcquireEx(dma 0, 10 pictures)
 )");
+}
+
+TEST(Printable, KeepsTextAndShowsBytesThatAreNone) {
+  const std::pair<std::string, std::string> rows[] = {
+      {"A \xC2\xB5 \xE2\x82\xAC \xF0\x9F\x98\x80~", "A \xC2\xB5 \xE2\x82\xAC \xF0\x9F\x98\x80~"},
+      {std::string("\0\r\n\x1b\x7f", 5), R"(\x00\x0d\x0a\x1b\x7f)"},
+      {"\xC2\x9B", R"(\xc2\x9b)"},                          // A control character of Latin-1.
+      {"\xC0\x9B\xE0\x82\x9B", R"(\xc0\x9b\xe0\x82\x9b)"},  // Longer forms.
+      {"\xF0\x80\x82\x9B\xF5", R"(\xf0\x80\x82\x9b\xf5)"},
+      {"\xB5\xC2", R"(\xb5\xc2)"},
+      {"\xE2\x82", R"(\xe2\x82)"},
+  };
+  for (const auto& [text, shown] : rows) EXPECT_EQ(board::printable(text), shown);
 }
 
 }  // namespace

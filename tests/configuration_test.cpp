@@ -4,15 +4,18 @@
 #include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <clocale>
 #include <csignal>
+#include <iterator>
 
 #include "tests/applet_test.h"
 
 namespace {
 
 using namespace fixture;
+namespace fs = std::filesystem;
 
 constexpr const char* kSettings = TEST_DATA "/settings.mcf";
 
@@ -139,20 +142,91 @@ TEST_F(Configuration, TellsFilesThatCannotBeReadOrWritten) {
   EXPECT_EQ(contentOf(directory / "settings.txt"), contentOf(kSettings));
 }
 
-TEST_F(Configuration, ASaveFollowsALinkAndTellsAFullDisk) {
-  std::ofstream{file};
-  std::filesystem::create_symlink("a.mcf", directory / "link.mcf");
-  EXPECT_EQ(save(directory / "link.mcf"), VELMORA_OK);
-  EXPECT_EQ(load(file), VELMORA_OK);
+/// A save beside what a directory holds already.
+class Saved : public testing::Test {
+ protected:
+  Saved() {
+    setUpFile("a.mcf", 0640);
+    setUpFile("read only.mcf", 0444);
+    fs::create_symlink("a.mcf", directory_ / "link.mcf");
+    fs::create_symlink("new.mcf", directory_ / "to nothing.mcf");
+    fs::permissions(directory_ / "", fs::perms(0755));
+  }
+  void setUpFile(const std::string& name, int mode) const {
+    std::ofstream(directory_ / name) << "old";
+    fs::permissions(directory_ / name, fs::perms(mode));
+  }
+  int save(const std::string& name) {
+    return Fg_saveConfig(applet_.fg(), (directory_ / name).c_str());
+  }
+  /// Whether it has the size of a whole configuration.
+  bool whole(const std::string& name) const { return fs::file_size(directory_ / name) > 5000; }
+  bool old(const std::string& name) const { return contentOf(directory_ / name) == "old"; }
+  fs::perms mode(const std::string& name) const {
+    return fs::status(directory_ / name).permissions();
+  }
+  /// Names in the directory.
+  std::ptrdiff_t names() const {
+    return std::distance(fs::directory_iterator(directory_ / ""), {});
+  }
 
+  TemporaryDirectory directory_;
+  Applet applet_;
+};
+
+TEST_F(Saved, TakesThePlaceOfTheFileBehindALink) {
+  fs::create_hard_link(directory_ / "a.mcf", directory_ / "backup.mcf");
+  EXPECT_EQ(save("link.mcf"), 0);
+  EXPECT_TRUE(whole("a.mcf") && old("backup.mcf"));
+  EXPECT_TRUE(fs::is_symlink(directory_ / "link.mcf"));
+  EXPECT_EQ(mode("a.mcf"), fs::perms(0640));
+  EXPECT_EQ(Fg_loadConfig(applet_.fg(), (directory_ / "a.mcf").c_str()), 0);
+
+  EXPECT_EQ(save("to nothing.mcf"), 0);
+  EXPECT_TRUE(whole("new.mcf") && fs::is_symlink(directory_ / "to nothing.mcf"));
+  const mode_t mask = umask(027);
+  EXPECT_EQ(save("newer.mcf"), 0);
+  umask(mask);
+  EXPECT_EQ(mode("newer.mcf"), fs::perms(0640));
+  EXPECT_EQ(names(), 7);
+}
+
+TEST_F(Saved, LeavesTheOldFileWhenTheDiskIsFull) {
   signal(SIGXFSZ, SIG_IGN);  // Lets a write beyond the limit fail.
   rlimit limit = {};
   getrlimit(RLIMIT_FSIZE, &limit);
   const rlimit small = {1000, limit.rlim_max};
   setrlimit(RLIMIT_FSIZE, &small);
-  EXPECT_EQ(save(directory / "link.mcf"), VELMORA_CONFIG_NOT_SAVED);
-  EXPECT_EQ(applet.lastError(), VELMORA_CONFIG_NOT_SAVED);
+  for (const char* name : {"a.mcf", "link.mcf", "newer.mcf"}) {
+    EXPECT_EQ(save(name), -5001);
+    EXPECT_EQ(applet_.lastError(), -5001);
+  }
   setrlimit(RLIMIT_FSIZE, &limit);
+  EXPECT_TRUE(old("a.mcf"));
+  EXPECT_EQ(names(), 4);
+}
+
+TEST_F(Saved, KeepsToPermissions) {
+  constexpr uid_t kNobody = 65534;
+  const bool privileged = geteuid() == 0;
+  fs::permissions(directory_ / "a.mcf", fs::perms(0666));
+  fs::permissions(directory_ / "", fs::perms(0777));
+  ASSERT_TRUE(!privileged || seteuid(kNobody) == 0);
+  EXPECT_EQ(save("read only.mcf"), -5001);
+  EXPECT_EQ(save("a.mcf"), 0);  // Another's file, if privileged: a new one would be nobody's.
+  EXPECT_TRUE(old("read only.mcf") && whole("a.mcf"));
+  ASSERT_TRUE(!privileged || seteuid(0) == 0);
+  std::ofstream(directory_ / "a.mcf") << "old";
+  fs::permissions(directory_ / "", fs::perms(0555));
+  ASSERT_TRUE(!privileged || seteuid(kNobody) == 0);
+  EXPECT_EQ(save("newer.mcf"), -5001);
+  EXPECT_EQ(save("a.mcf"), 0);  // Overwritten: the directory takes no new file.
+  ASSERT_TRUE(!privileged || seteuid(0) == 0);
+  EXPECT_TRUE(whole("a.mcf"));
+  EXPECT_EQ(names(), 4);
+  struct stat status = {};
+  EXPECT_TRUE(stat((directory_ / "a.mcf").c_str(), &status) == 0 && status.st_uid == getuid());
+  fs::permissions(directory_ / "", fs::perms(0755));
 }
 
 TEST_F(Configuration, NumbersFollowTheLocaleOfTheProcess) {

@@ -55,6 +55,27 @@ TEST(Library, NeedsTheDesignAndTheRegisterLibrary) {
     EXPECT_EQ(dynamic.find(text), std::string::npos) << text;
 }
 
+TEST(Library, IsBuiltHardenedWithAllAroundIt) {
+  std::istringstream files(BUILT_FILES);
+  int checked = 0;
+  for (std::string file; files >> file; ++checked) {
+    SCOPED_TRACE(file);
+    const std::string text = outputOf(
+        (READELF " --wide --file-header --segments --dynamic --relocs --dyn-syms " + file).c_str());
+    for (const char* there : {
+           "DYN (", " GNU_RELRO ", "BIND_NOW", " GNU_STACK ",
+#if defined(__OPTIMIZE__) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+               file.ends_with("libVelmora.so") ? "_chk@GLIBC" : "",
+#endif
+               " __stack_chk_fail"
+         })
+      EXPECT_NE(text.find(there), std::string::npos) << there;
+    for (const char* missing : {" RWE ", "JUMP_SLO"})
+      EXPECT_EQ(text.find(missing), std::string::npos) << missing;
+  }
+  EXPECT_EQ(checked, 7);
+}
+
 /// Up to the first write.
 TEST(Entry, TakesItsStepsInOrder) {
   for (const int flags : {0, -1, 2}) {

@@ -61,6 +61,7 @@ TEST_P(Tool, SaysWhatTheTranscriptSays) {
 
 INSTANTIATE_TEST_SUITE_P(Files, Tool,
                          testing::Values("parameters", "refusals", "descriptions", "acquisition",
-                                         "configurations", "designs", "libraries", "help"));
+                                         "configurations", "designs", "hostile", "libraries",
+                                         "help"));
 
 }  // namespace

@@ -25,6 +25,7 @@ constexpr Meaning kMeanings[] = {
     {VELMORA_TRIGGER_BUSY, "the trigger generator is busy and the trigger queue is off"},
     {VELMORA_NO_DESIGN, "the design cannot be loaded or opened"},
     {VELMORA_BUFFER_TOO_SMALL, "buffer missing or too small"},
+    {VELMORA_OUT_OF_MEMORY, "out of memory"},
     {VELMORA_NO_INSTANCE, "no applet instance"},
     {VELMORA_NO_RUNTIME, "acquisition runtime libvorn5.so is missing or has no init function"},
     {VELMORA_INVALID_ARGUMENT, "no such parameter, port, name, index or string"},

@@ -32,7 +32,7 @@ void describePort(Session& session, unsigned port);
 /// Everything about one parameter, NAME or NAME@PORT.
 void describeParameter(Session& session, const std::string& name, std::optional<unsigned> port);
 /// The GenApi XML document of a port, byte for byte, to `file` or, when that is empty, to standard
-/// output.
+/// output. A terminal gets printable lines.
 void writeXml(Session& session, unsigned port, const std::string& file);
 void listEvents(Session& session);
 
@@ -44,7 +44,8 @@ struct Acquisition {
 /// Acquires on several ports at the same time; reports pictures and rate of each.
 void acquirePictures(Session& session, const Acquisition& acquisition);
 
-/// Writes the settings of all ports to a configuration file.
+/// Writes the settings of all ports to a configuration file. A failure names each value that is
+/// left out, since it cannot be read.
 void saveConfiguration(Session& session, const std::string& file);
 /// Applies a configuration file. A failure names the first key or section that is missing.
 void loadConfiguration(Session& session, const std::string& file);

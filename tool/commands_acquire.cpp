@@ -13,6 +13,7 @@
 
 #include "tool/code_text.h"
 #include "tool/commands.h"
+#include "tool/text.h"
 
 namespace velmora::tool {
 namespace {
@@ -136,7 +137,7 @@ void acquirePictures(Session& session, const Acquisition& acquisition) {
   threads.clear();
   Failures failures;
   for (const Channel& channel : channels) {
-    fmt::print("{}\n", channel.result());
+    printLine(channel.result());
     failures.add(channel.failures());
   }
   failures.throwIfAny();

@@ -4,13 +4,16 @@
 #include <algorithm>
 #include <array>
 #include <filesystem>
+#include <fstream>
 #include <iterator>
+#include <set>
 #include <string_view>
 
 #include "config/config_file_parser.h"
 #include "tool/code_text.h"
 #include "tool/commands.h"
 #include "tool/parameter_description.h"
+#include "tool/text.h"
 #include "velmora/info.h"
 #include "velmora/parameters.h"
 
@@ -94,6 +97,25 @@ std::string reason(Session& session, const std::string& file) {
   return missing.empty() ? missingInPorts(session, parser) : missing;
 }
 
+/// The keys that a load looks for and a port's section of a saved file does not have.
+Failures missingInSaved(Session& session, const std::string& file) {
+  std::set<std::string> present;
+  std::ifstream stream(file);
+  std::string section;
+  for (std::string line; std::getline(stream, line);) {
+    if (line.starts_with('[')) section = line;
+    present.insert(section + line.substr(0, line.find('=')));
+  }
+  Failures missing;
+  const std::vector<std::string> keys = loadedKeys(session);
+  for (unsigned port = 0; port < kPorts; ++port)
+    for (const std::string& key : keys)
+      if (!present.contains(Fg_ConfigFileParser::getPortString(static_cast<int>(port)) + key))
+        missing.add(
+            Failure(fmt::format("{}: without {}@{}, which cannot be read", file, key, port)));
+  return missing;
+}
+
 }  // namespace
 
 void saveConfiguration(Session& session, const std::string& file) {
@@ -103,13 +125,14 @@ void saveConfiguration(Session& session, const std::string& file) {
     throw Failure(fmt::format("{}: not saved: {}{}", file, codeText(code),
                               named ? "" : "; its name has to contain .mcf"));
   }
-  fmt::print("{}: settings of {} ports saved\n", file, kPorts);
+  printLine(fmt::format("{}: settings of {} ports saved", file, kPorts));
+  missingInSaved(session, file).throwIfAny();
 }
 
 void loadConfiguration(Session& session, const std::string& file) {
   const int code = session.library().loadConfig(session.grabber(), file.c_str());
   if (code == 0) {
-    fmt::print("{}: settings of {} ports loaded\n", file, kPorts);
+    printLine(fmt::format("{}: settings of {} ports loaded", file, kPorts));
     return;
   }
   const std::string why = reason(session, file);

@@ -1,7 +1,10 @@
 /// describe, xml, events
 #include <fmt/format.h>
+#include <unistd.h>
 
 #include <cstdio>
+#include <sstream>
+#include <utility>
 
 #include "tool/code_text.h"
 #include "tool/commands.h"
@@ -38,22 +41,28 @@ void printEntries(const RegisterInfo& node) {
   const auto& entries = node.value.enumeration;
   for (std::uint32_t i = 0; i < entries.entryCount; ++i)
     table.add({fmt::format("{}", entries.values[i]), entryName(node, i), utf8(entries.names[i])});
-  fmt::print("  values\n");
+  printLine("  values");
   table.print(4);
+}
+
+/// For a terminal, which must not obey what a design's texts hold.
+void showDocument(std::string document) {
+  std::erase(document, '\r');
+  std::istringstream lines(std::move(document));
+  for (std::string line; std::getline(lines, line);) printLine(utf8(line));
 }
 
 }  // namespace
 
 void describePort(Session& session, unsigned port) {
-  fmt::print("port {}\n", port);
+  printLine(fmt::format("port {}", port));
   for (const DescribedNode& described : describedNodes(session, port)) {
     const RegisterInfo& node = *described.node;
     const std::string title = utf8(node.name);
-    fmt::print("{:{}}", "", 2 * (described.level + 1));
-    if (isGroup(node))
-      fmt::print("{}\n", title);
-    else
-      fmt::print("{} \"{}\": {}\n", node.paramName, title, summary(node));
+    const std::string indent(2 * (std::size_t{described.level} + 1), ' ');
+    printLine(indent + (isGroup(node)
+                            ? title
+                            : fmt::format("{} \"{}\": {}", node.paramName, title, summary(node))));
   }
 }
 
@@ -65,17 +74,17 @@ void describeParameter(Session& session, const std::string& name, std::optional<
   table.add({"id", fmt::format("{}", parameter.id)});
   table.add({"kind", valueKind(parameter.node, parameter.id).word});
   table.add({"value", readParameter(session, parameter)});
-  fmt::print("{}", parameter.label());
+  std::string heading = parameter.label();
   if (const RegisterInfo* node = parameter.node) {
-    fmt::print("  \"{}\"", utf8(node->name));
+    heading += fmt::format("  \"{}\"", utf8(node->name));
     table.add({"access", accessText(*node)});
     if (const std::string range = rangeText(*node); !range.empty()) table.add({"range", range});
     for (const DescribedNode& described : describedNodes(session, parameter.port))
       if (described.node == node) table.add({"group", described.group});
   }
-  fmt::print("\n");
+  printLine(heading);
   if (const std::string text = parameterText(session, parameter); !text.empty())
-    fmt::print("  {}\n", text);
+    printLine("  " + text);
   table.print(2);
   if (parameter.node && parameter.node->kind == REGISTER_INFO_ENUM) printEntries(*parameter.node);
 }
@@ -91,10 +100,12 @@ void writeXml(Session& session, unsigned port, const std::string& file) {
   std::string document(size, '\0');
   render(document.data(), size);
   document.resize(size - 1);  // Without the terminating zero.
-  if (file.empty())
-    std::fwrite(document.data(), 1, document.size(), stdout);
-  else
+  if (!file.empty())
     writeFile(file, document);
+  else if (isatty(STDOUT_FILENO) != 0)
+    showDocument(document);
+  else
+    std::fwrite(document.data(), 1, document.size(), stdout);
 }
 
 void listEvents(Session& session) {

@@ -129,9 +129,9 @@ void printValueNames(const AppletLibrary& library) {
 
 void showInfo(const AppletLibrary& library, const std::string& iconFile) {
   printProperties(library);
-  fmt::print("\n");
+  printLine("");
   printPortMapping(library);
-  fmt::print("\n");
+  printLine("");
   printValueNames(library);
   if (iconFile.empty()) return;
   const Answer icon = ask(library, VELMORA_INFO_ICON);

@@ -90,7 +90,7 @@ void getParameters(Session& session, const std::vector<std::string>& names) {
     try {
       const ParameterName name = parseParameterName(text);
       const Parameter parameter = findParameter(session, name.name, name.port.value_or(0));
-      fmt::print("{} = {}\n", parameter.label(), readParameter(session, parameter));
+      printLine(fmt::format("{} = {}", parameter.label(), readParameter(session, parameter)));
     } catch (const Failure& failure) {
       failures.add(failure);
     }
@@ -114,7 +114,7 @@ void setParameters(Session& session, const std::vector<std::string>& assignments
   }
   for (const Parameter& parameter : written) {
     const std::string value = valueOrDash(session, parameter, failures);
-    fmt::print("{} = {}\n", parameter.label(), value);
+    printLine(fmt::format("{} = {}", parameter.label(), value));
   }
   failures.throwIfAny();
 }

@@ -1,6 +1,7 @@
 #include "tool/session.h"
 
 #include <fmt/format.h>
+#include <signal.h>
 #include <stdlib.h>
 
 #include <cerrno>
@@ -42,8 +43,24 @@ class ScratchDirectory {
   fs::path path_;
 };
 
+/// While it lives, signals to this thread wait: none ends the process.
+class SignalsBlocked {
+ public:
+  SignalsBlocked() {
+    sigset_t all;
+    sigfillset(&all);
+    pthread_sigmask(SIG_BLOCK, &all, &before_);
+  }
+  SignalsBlocked(const SignalsBlocked&) = delete;
+  SignalsBlocked& operator=(const SignalsBlocked&) = delete;
+  ~SignalsBlocked() { pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
+
+ private:
+  sigset_t before_;
+};
+
 /// While it lives, the working directory is one where the applet finds the design `file` as its
-/// external design.
+/// external design. A signal that would leave the directory behind waits.
 class ExternalDesign {
  public:
   explicit ExternalDesign(const std::string& file) : workingDirectory_(fs::current_path()) {
@@ -59,6 +76,7 @@ class ExternalDesign {
   }
 
  private:
+  SignalsBlocked signals_;  // First, to be let go last.
   fs::path workingDirectory_;
   ScratchDirectory directory_;
 };

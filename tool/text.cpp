@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "board/printable.h"
 #include "tool/code_text.h"
 
 namespace velmora::tool {
@@ -25,7 +26,16 @@ std::string utf8(std::string_view latin1) {
   return text;
 }
 
-void printError(const std::string& line) { std::fputs((line + '\n').c_str(), stderr); }
+namespace {
+
+void print(std::FILE* stream, std::string_view line) {
+  std::fputs((board::printable(line) + '\n').c_str(), stream);
+}
+
+}  // namespace
+
+void printLine(std::string_view line) { print(stdout, line); }
+void printError(std::string_view line) { print(stderr, line); }
 
 void writeFile(const std::string& file, std::string_view content) {
   std::FILE* const stream = std::fopen(file.c_str(), "wb");
@@ -47,7 +57,7 @@ void Table::print(std::size_t indent) const {
     std::string line(indent, ' ');
     for (std::size_t i = 0; i < row.size(); ++i) line += fmt::format("{:<{}}  ", row[i], widths[i]);
     line.resize(line.find_last_not_of(' ') + 1);
-    fmt::print("{}\n", line);
+    printLine(line);
   }
 }
 

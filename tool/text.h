@@ -22,8 +22,11 @@ std::optional<Number> parseWhole(std::string_view text, Base... base) {
   return result.ec == std::errc{} && result.ptr == end ? std::optional(number) : std::nullopt;
 }
 
-/// Writes a line to standard error; without one, nothing happens. Any thread.
-void printError(const std::string& line);
+/// Writes a line to standard output or standard error; without one, nothing happens. Any thread.
+/// What of the line is not printable is shown as `board::printable` does: names, values and
+/// messages come from designs and files of others.
+void printLine(std::string_view line);
+void printError(std::string_view line);
 
 /// Writes `content` to a file byte for byte; `Failure` when that does not work.
 void writeFile(const std::string& file, std::string_view content);

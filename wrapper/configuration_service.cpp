@@ -4,6 +4,7 @@
 
 #include "config/config_file_parser.h"
 #include "wrapper/fg_kt_wrapper.h"
+#include "wrapper/file_replacement.h"
 
 namespace velmora {
 namespace {
@@ -21,11 +22,9 @@ bool isConfigurationOf(const char* appletName, Fg_ConfigFileParser& parser) {
 
 }  // namespace
 
-int FgKtWrapper::Fg_saveConfig(Fg_Struct*, const char* file) {
-  std::setlocale(LC_ALL, "English");  // A locale of this name need not exist.
+bool FgKtWrapper::writeConfiguration(const char* file) {
   Fg_ConfigFileParser parser(nullptr, nullptr, false);
-  if (!parser.setSaveFile(file)) return fgError().setErr(VELMORA_CONFIG_NOT_SAVED);
-
+  if (!parser.setSaveFile(file)) return false;
   parser.writeConfigFileHeader();
   parser.writeConfigFile("Hersteller", getVendorName());
   parser.writeConfigFile("Typ", getAppletName());
@@ -34,7 +33,15 @@ int FgKtWrapper::Fg_saveConfig(Fg_Struct*, const char* file) {
   parser.writeConfigFileIntKey("AktivePort", 0);
   saveParameters(parser);
   // A full disk shows only here; a truncated file must not count as saved.
-  return fgError().setErr(parser.close() ? VELMORA_OK : VELMORA_CONFIG_NOT_SAVED);
+  return parser.close();
+}
+
+int FgKtWrapper::Fg_saveConfig(Fg_Struct*, const char* file) {
+  std::setlocale(LC_ALL, "English");  // A locale of this name need not exist.
+  const bool saved =
+      Fg_ConfigFileParser(nullptr, nullptr, false).checkFileType(file) &&
+      replaceFile(file, [this](const char* written) { return writeConfiguration(written); });
+  return fgError().setErr(saved ? VELMORA_OK : VELMORA_CONFIG_NOT_SAVED);
 }
 
 int FgKtWrapper::Fg_loadConfig(Fg_Struct*, const char* file) {

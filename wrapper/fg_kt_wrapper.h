@@ -134,6 +134,9 @@ class FgKtWrapper {
  private:
   struct Private;
 
+  /// Writes a whole configuration to a file; false when that is not possible.
+  bool writeConfiguration(const char* file);
+
   korv::tools::logging::Logger* logger_ = nullptr;
   std::unique_ptr<Private> private_;
 

@@ -53,7 +53,7 @@ char* findPlaceholder(char* nameTemplate, int suffixLength) {
 
 }  // namespace
 
-int makeUniqueFile(char* nameTemplate, int suffixLength) {
+int makeUniqueFile(char* nameTemplate, int suffixLength, mode_t mode) {
   char* const digits = findPlaceholder(nameTemplate, suffixLength);
   if (!digits) {
     errno = EINVAL;
@@ -62,7 +62,7 @@ int makeUniqueFile(char* nameTemplate, int suffixLength) {
   std::uint64_t number = advanceCounter(uptimeSeconds());
   for (int attempt = 0; attempt < kAttempts; ++attempt) {
     writeDigits(number, digits);
-    const int file = open(nameTemplate, O_RDWR | O_CREAT | O_EXCL, S_IRUSR | S_IWUSR);
+    const int file = open(nameTemplate, O_RDWR | O_CREAT | O_EXCL, mode);
     if (file >= 0) return file;
     if (errno != EEXIST && errno != EINTR) break;  // Another name would fail too.
     number = advanceCounter(kStep);

@@ -1,13 +1,16 @@
 #pragma once
 
+#include <sys/types.h>
+
 namespace velmora {
 
-/// Creates a new file with a unique name, readable and writable by its owner only. Any thread.
+/// Creates a new file with a unique name. Any thread.
 /// @param nameTemplate path with "XXXXXX" right before its suffix; receives the file's name.
 /// @param suffixLength characters after "XXXXXX", such as 5 for ".tiff".
+/// @param mode permissions, by default for the owner only, without those that the process masks.
 /// @return the file's descriptor, open for reading and writing; -1 on failure with `errno` set:
 /// for an invalid argument the template stays as it was, otherwise it becomes empty.
-int makeUniqueFile(char* nameTemplate, int suffixLength);
+int makeUniqueFile(char* nameTemplate, int suffixLength, mode_t mode = 0600);
 
 /// Creates an empty file "/tmp/coef-XXXXXX.tiff" with a unique name. Any thread.
 /// @return its name, to be given to `deleteTempFile`; null on failure.

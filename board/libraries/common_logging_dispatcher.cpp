@@ -17,6 +17,7 @@
 #include <vector>
 
 #include "board/parse_number.h"
+#include "board/printable.h"
 #include "external/logging_dispatcher.h"
 
 namespace {
@@ -58,7 +59,7 @@ class Dispatcher {
       logger = loggers_[handle - 1];
     }
     const auto row = static_cast<std::size_t>(std::clamp(level, 0, kSilent));
-    logger->log(kLevels[row], spdlog::string_view_t(text.data(), text.size()));
+    logger->log(kLevels[row], board::printable(text));
   }
 
  private:

@@ -1,7 +1,9 @@
 /// Design runtime `libdervin.so` of the virtual board.
 #include "external/dervin.h"
 
+#include <memory>
 #include <string_view>
+#include <utility>
 
 #include "board/libraries/call.h"
 #include "board/model/ledger.h"
@@ -16,9 +18,9 @@ using board::orNull;
 
 fpga_design* handOut(std::shared_ptr<const Design> content) {
   if (!content) return nullptr;
-  auto* design = new fpga_design{std::move(content)};
-  board::handOut(board::HandedOut::kDesign, design);
-  return design;
+  std::unique_ptr<fpga_design> design(new fpga_design{std::move(content)});
+  board::handOut(board::HandedOut::kDesign, design.get());
+  return design.release();
 }
 
 /// The register of a design; null for an unknown id or a null design.

@@ -3,6 +3,7 @@
 
 #include <fmt/format.h>
 
+#include <memory>
 #include <type_traits>
 #include <utility>
 
@@ -29,6 +30,12 @@ auto run(Fg_Struct* fg, Steps... steps) {
   const auto result = board::watched(std::move(steps)...);
   if (result < 0 && fg) fg->lastError = static_cast<int>(result);
   return result;
+}
+
+/// Of a set or get, where everything but 0 is an error code.
+int recordFailure(Fg_Struct* fg, int code) {
+  if (code != board::kOk && fg) fg->lastError = code;
+  return code;
 }
 
 /// Runs `action` on the device of a handle.
@@ -74,8 +81,7 @@ bool isText(Fg_Struct* fg, int id, int type) {
 }
 
 int set(Fg_Struct* fg, int id, const void* value, unsigned dma, int type) {
-  return run(
-      fg,
+  const int code = board::watched(
       [=] {
         auto access = parameterAccess(AccessKind::kSet, fg, id, dma);
         access.value = value && isText(fg, id, type) ? static_cast<const char*>(value)
@@ -83,36 +89,45 @@ int set(Fg_Struct* fg, int id, const void* value, unsigned dma, int type) {
         return access;
       },
       onDevice(fg, [=](auto& device) { return device.setParameter(id, value, dma, type); }));
+  return recordFailure(fg, code);
 }
 
 int get(Fg_Struct* fg, int id, void* value, unsigned dma, int type) {
-  return run(
-      fg, [=] { return parameterAccess(AccessKind::kGet, fg, id, dma); },
+  const int code = board::watched(
+      [=] { return parameterAccess(AccessKind::kGet, fg, id, dma); },
       onDevice(fg, [=](auto& device) { return device.getParameter(id, value, dma, type); }),
       [=](Access& access) {
         access.value =
             isText(fg, id, type) ? *static_cast<char**>(value) : valueText(fg, id, value, type);
       });
+  return recordFailure(fg, code);
 }
+
+struct Release {
+  void operator()(Fg_Struct* fg) const {
+    fg->device->detach();
+    delete fg;
+  }
+};
 
 Fg_Struct* open(KTdevice* device, fpga_design* design) {
   if (!device || !design) {
     board::errorWithoutHandle = board::kNoDesign;
     return nullptr;
   }
+  std::unique_ptr<Fg_Struct> unattached(new Fg_Struct{device, design->content});
   if (const int error = device->attach(design->content)) {
     board::errorWithoutHandle = error;
     return nullptr;
   }
-  auto* fg = new Fg_Struct{device, design->content};
-  board::handOut(board::HandedOut::kHandle, fg);
-  return fg;
+  std::unique_ptr<Fg_Struct, Release> fg(unattached.release());
+  board::handOut(board::HandedOut::kHandle, fg.get());
+  return fg.release();
 }
 
 int freeGrabber(Fg_Struct* fg) {
   if (!board::giveBack(board::HandedOut::kHandle, fg)) return board::kNoHandle;
-  fg->device->detach();
-  delete fg;
+  Release()(fg);
   return board::kOk;
 }
 

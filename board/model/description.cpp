@@ -1,6 +1,7 @@
 #include "board/model/description.h"
 
 #include <map>
+#include <new>
 #include <string>
 
 #include "board/model/scalar.h"
@@ -88,7 +89,8 @@ void addNode(Registry& registry, RegisterInfo* group, const char* leaf,
       auto* node = add(&Registry::addInfoEnum, static_cast<int>(record.entries.size()));
       int index = 0;
       for (const auto& [label, value] : record.entries) {
-        Registry::addEnumNameValue(node, index++, label.c_str(), value, label.c_str());
+        if (Registry::addEnumNameValue(node, index++, label.c_str(), value, label.c_str()) != 0)
+          throw std::bad_alloc();
       }
       return;
     }

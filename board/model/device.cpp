@@ -51,7 +51,12 @@ int Device::attach(std::shared_ptr<const Design> design) {
   if (handles_ > 0 && !same) return kDeviceBusy;
   if (!same) {
     design_ = std::move(design);
-    powerOn();
+    try {
+      powerOn();
+    } catch (...) {
+      design_.reset();  // The next handle powers the device on.
+      throw;
+    }
   }
   ++handles_;
   return kOk;

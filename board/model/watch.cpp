@@ -104,7 +104,11 @@ void report(const Access& access) {
     auto& watch = watcher();
     const std::lock_guard guard(watch.mutex);
     observer = watch.observer;
-    if (watch.journaling) watch.journal.push_back(access);
+    try {
+      if (watch.journaling) watch.journal.push_back(access);
+    } catch (const std::bad_alloc&) {
+      // The caller must get what the access returned.
+    }
   }
   if (observer) (*observer)(access);
 }
@@ -151,7 +155,6 @@ void clearFaults() {
 
 std::string describe(const Access& access) {
   const std::string channel = access.dma >= 0 ? fmt::format("[{}]", access.dma) : std::string();
-  const bool failed = access.result < 0;
   std::string text;
   switch (access.kind) {
     case AccessKind::kSet:
@@ -162,21 +165,21 @@ std::string describe(const Access& access) {
       break;
     case AccessKind::kGet:
       text = fmt::format("get {}{}", access.name, channel);
-      if (!failed) text += " -> " + access.value;
+      if (!access.failed) text += " -> " + access.value;
       break;
     case AccessKind::kRegisterRead:
       text = "read " + access.name;
-      if (!failed) text += " -> " + access.value;
+      if (!access.failed) text += " -> " + access.value;
       break;
     case AccessKind::kCall:
       text = fmt::format("call {}({})", access.name, access.value);
       if (access.result == -1) return text + " -> null";
-      if (access.result > 0 || access.name == kErrorQuery) {
+      if ((access.result > 0 && !access.failed) || access.name == kErrorQuery) {
         return text + fmt::format(" -> {}", access.result);
       }
       break;
   }
-  return failed ? text + fmt::format(" failed: {}", access.result) : text;
+  return access.failed ? text + fmt::format(" failed: {}", access.result) : text;
 }
 
 }  // namespace board

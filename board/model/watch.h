@@ -3,6 +3,7 @@
 #pragma once
 
 #include <atomic>
+#include <new>
 #include <optional>
 #include <type_traits>
 #include <utility>
@@ -18,13 +19,15 @@ extern std::atomic<bool> watching;
 
 /// The code of the fault that hits this access, if any. Uses the fault up.
 std::optional<int> takeFault(const Access& access);
-/// Hands a finished access to the journal and the observer.
+/// Hands a finished access to the journal and the observer. The journal lacks what there is no
+/// memory for.
 void report(const Access& access);
 /// Last error of the functions that fail without a handle to record it in.
 extern std::atomic<int> errorWithoutHandle;
 
 /// Runs `action` unless a fault takes its place. `describe` describes the access beforehand;
-/// `complete` adds what is known only after a success, such as the value read.
+/// `complete` adds what is known only after a success, such as the value read, if there is memory
+/// for it: the access is done then, and its result must not get lost.
 template <class Describe, class Action, class Complete>
 auto watched(Describe describe, Action action, Complete complete) -> decltype(action()) {
   using Result = decltype(action());
@@ -36,11 +39,17 @@ auto watched(Describe describe, Action action, Complete complete) -> decltype(ac
     if (!fault) result = action();
     if (fault) errorWithoutHandle = *fault;
     access.result = result ? 0 : -1;
+    access.failed = !result;
   } else {
     result = fault ? static_cast<Result>(*fault) : action();
     access.result = static_cast<std::int64_t>(result);
+    access.failed = fault || result < 0;
   }
-  if (access.result >= 0) complete(access);
+  try {
+    if (!access.failed) complete(access);
+  } catch (const std::bad_alloc&) {
+    access.value.clear();
+  }
   report(access);
   return result;
 }

@@ -4,7 +4,8 @@
 /// An `Fg_Struct*` is the host's (outer) handle, whose first word is the instance that `Std_entry`
 /// returned. With a null handle or a null first word a function returns -2001 (or null, or 0 where
 /// noted) and changes nothing. Results are 0 or positive on success, and on failure negative codes
-/// of `velmora/errors.h` or of the libraries around the applet.
+/// of `velmora/errors.h` or of the libraries around the applet. A set or get succeeds with 0 only:
+/// codes of those libraries may be positive.
 ///
 /// Threads: `Std_entry` and `Fg_FreeGrabber` must not overlap other calls on the same handle. Sets
 /// and gets may come from any thread; they run one after the other. These must not overlap sets on
@@ -21,8 +22,8 @@
 /// libraries around the applet throw nothing. Otherwise these leave an export:
 /// - `std::logic_error` from a set or get that is called within a set or get on the same handle and
 ///   thread (by a runtime that calls back);
-/// - `std::bad_alloc` and other errors of the standard library, except from `Info` and `Std_entry`;
-///   a set has then restored the stored setting and released the lock;
+/// - `std::bad_alloc` and other errors of the standard library, except from `Info`, `Std_entry` and
+///   `Fg_getParameterInfoXML`; a set has then restored the stored setting and released the lock;
 /// - whatever a library around the applet throws, except that an integer becomes the result of a
 ///   set or get of the applet's own parameters (not of ids above 2000000 or register ids), and
 ///   that only the cancellation of the calling thread leaves `Std_entry`.
@@ -47,7 +48,8 @@ enum VelmoraStartFlag {
 
 /// Creates an applet instance: opens the acquisition runtime `libvorn5.so`, loads the design (the
 /// embedded image, or the file "Velmora.hap" when the environment variable
-/// "__KORV_FORCE_EXTERNAL_HAP" exists), creates the runtime's handle on it and writes the defaults.
+/// "__KORV_FORCE_EXTERNAL_HAP" exists and the process runs with the rights of its user), creates
+/// the runtime's handle on it and writes the defaults.
 /// @param device the host's board device; passed on, never looked into.
 /// @param error receives 0, -2031 (no usable runtime), -100 (no design) or the runtime's code; may
 ///        be null.
@@ -122,8 +124,13 @@ int Fg_getParameterId(Fg_Struct* fg, int index);
 /// Id of the parameter called `name` (exact spelling), or -2070 (recorded).
 int Fg_getParameterIdByName(Fg_Struct* fg, const char* name);
 
-/// Writes all settings of the four ports to `file`, whose name must contain ".mcf". A value that
-/// cannot be read from the design is left out.
+/// Writes all settings of the four ports to `file`, whose name must contain ".mcf". A file that is
+/// there stays until the new content is whole: that is written beside it and takes its place, with
+/// the same mode and owner. Links are followed; another hard link keeps the old content. Only where
+/// the directory takes no such new file is the old one overwritten.
+///
+/// A value that cannot be read from the design is left out, which the result does not tell: 0 all
+/// the same. A file without one of the values that a load looks for does not load.
 /// @return 0; -5001 (recorded) when the file cannot be written, or exists and is no regular file.
 int Fg_saveConfig(Fg_Struct* fg, const char* file);
 /// Reads a file written by `Fg_saveConfig` and applies it port by port: first all settings of the
@@ -141,7 +148,8 @@ int Fg_loadConfig(Fg_Struct* fg, const char* file);
 /// Renders the GenApi XML document of `port`. With a null `buffer` only the size is stored.
 /// @param size in: bytes at `buffer`; out: bytes needed, terminating zero included. Unchanged on
 ///        failure.
-/// @return 0; -500 buffer too small or null `size`; -2075 no such port. Recorded.
+/// @return 0; -500 buffer too small or null `size`; -501 out of memory; -2075 no such port.
+///         Recorded.
 int Fg_getParameterInfoXML(Fg_Struct* fg, int port, char* buffer, size_t* size);
 /// First root group of `port`'s description forest, owned by the instance; null when there is no
 /// such port.
