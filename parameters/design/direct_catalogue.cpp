@@ -29,7 +29,7 @@ std::unordered_map<int, Match> parametersById(const std::vector<ForestGroup>& fo
     const auto& children = forest[i].group->value.group;
     for (std::uint32_t child = 0; child < children.childCount; ++child) {
       const RegisterInfo* node = children.children[child];
-      if (node && node->kind != REGISTER_INFO_GROUP) matches.try_emplace(node->id, node, i);
+      if (node && node->kind != REGISTER_INFO_GROUP) matches.try_emplace(node->id, Match{node, i});
     }
   }
   return matches;
