@@ -17,17 +17,21 @@ namespace {
 constexpr int kInjected = -4711;
 constexpr unsigned kMostAccesses = 64;
 constexpr std::size_t kLongestText = 4096;
+constexpr int kDirectIds[] = {2000000, 2100000, 1000000};  ///< Runtime, design, registers.
+constexpr int kDirectCount = 300;
+constexpr int kIndexMask = 0x7FFFFFFF;
 
 struct Parameter {
   int id;
   bool integer, real, setting;
 };
 
-/// All listed parameters.
+/// All listed parameters of the applet's own.
 std::vector<Parameter> parametersOf(Applet& applet) {
   std::vector<Parameter> parameters;
   for (int i = 0; i < Fg_getNrOfParameter(applet.fg()); ++i) {
     const std::string name = Fg_getParameterName(applet.fg(), i);
+    if (!name.starts_with("FG_")) continue;
     const int id = Fg_getParameterId(applet.fg(), i);
     const RegisterInfo* const node = applet.node(id);
     const bool real = node && node->kind == REGISTER_INFO_DOUBLE;
@@ -47,11 +51,7 @@ class Calls {
 
   void run() {
     while (in_.remaining_bytes() > 0) {
-      parameter_ = nullptr;
-      if (in_.ConsumeBool())
-        parameter_ =
-            &(*parameters_)[in_.ConsumeIntegralInRange<std::size_t>(0, parameters_->size() - 1)];
-      id_ = parameter_ ? parameter_->id : in_.ConsumeIntegral<int>();
+      chooseParameter();
       port_ = in_.ConsumeBool() ? in_.ConsumeIntegralInRange(0u, fixture::kPorts)
                                 : in_.ConsumeIntegral<unsigned>();
       type_ = in_.ConsumeBool() ? FG_PARAM_TYPE_STRING : in_.ConsumeIntegral<int>();
@@ -61,6 +61,16 @@ class Calls {
   }
 
  private:
+  /// A listed parameter, one of direct access, or any id.
+  void chooseParameter() {
+    parameter_ = nullptr;
+    id_ = in_.ConsumeIntegral<int>();
+    if (in_.ConsumeBool()) id_ = in_.PickValueInArray(kDirectIds) + std::abs(id_ % kDirectCount);
+    if (in_.ConsumeBool()) return;
+    parameter_ = &(*parameters_)[static_cast<std::size_t>(id_ & kIndexMask) % parameters_->size()];
+    id_ = parameter_->id;
+  }
+
   /// What a get of the parameter leaves in a value, after its result.
   std::string reading(const Parameter& parameter, unsigned port) {
     std::string value(sizeof(double) + sizeof(int), '\0');
@@ -76,22 +86,24 @@ class Calls {
     return all;
   }
 
-  void set() {
-    // A value of exactly the parameter's width, so that reading past it is seen.
-    std::vector<std::uint8_t> value;
-    if (parameter_) {
-      value.resize(parameter_->real ? sizeof(double) : sizeof(int));
-    } else {
-      value.resize(2 * sizeof(double));
-    }
-    if (parameter_ && parameter_->real && in_.ConsumeBool()) {
+  /// A value of exactly the parameter's width, so that reading past it is seen; of any width for
+  /// other ids.
+  std::vector<std::uint8_t> valueToSet() {
+    const std::size_t width = parameter_ && !parameter_->real ? sizeof(int) : sizeof(double);
+    std::vector<std::uint8_t> value(parameter_ ? width : 2 * width);
+    if (in_.ConsumeBool()) {
+      in_.ConsumeData(value.data(), width);
+    } else if (parameter_ && parameter_->real) {
       const double number = in_.ConsumeFloatingPointInRange(0.0, 70e6);
       std::memcpy(value.data(), &number, sizeof number);
-    } else if (parameter_ && in_.ConsumeBool()) {
-      value[0] = in_.ConsumeIntegral<std::uint8_t>();
     } else {
-      in_.ConsumeData(value.data(), parameter_ ? value.size() : sizeof(double));
+      value[0] = in_.ConsumeIntegral<std::uint8_t>();
     }
+    return value;
+  }
+
+  void set() {
+    const std::vector<std::uint8_t> value = valueToSet();
     const std::string before = settings();
     board::startJournal();
     board::failAt(failing_, kInjected);
@@ -105,10 +117,8 @@ class Calls {
     if (failed) require(result == kInjected, "a set passes the access's code on");
     if (result != VELMORA_OK) require(settings() == before, "a refused set changes no setting");
     if (result == VELMORA_OK && parameter_ && parameter_->setting && parameter_->integer)
-      require(
-          reading(*parameter_, port_)
-              .starts_with(std::string_view(reinterpret_cast<char*>(value.data()), sizeof(int))),
-          "a get returns what was set");
+      require(reading(*parameter_, port_).starts_with(textOf(value.data(), sizeof(int))),
+              "a get returns what was set");
   }
 
   void get() {
@@ -151,6 +161,7 @@ class Calls {
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
   keepOpen("libvorn5.so");
+  setenv("KORV_ENABLE_DRA", "1", 1);
   return 0;
 }
 
