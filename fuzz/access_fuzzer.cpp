@@ -15,7 +15,7 @@ using fixture::Applet;
 namespace {
 
 constexpr int kInjected = -4711;
-constexpr unsigned kMostAccesses = 64;
+constexpr unsigned kFewAccesses = 4, kMostAccesses = 64;
 constexpr std::size_t kLongestText = 4096;
 constexpr int kDirectIds[] = {2000000, 2100000, 1000000};  ///< Runtime, design, registers.
 constexpr int kDirectCount = 300;
@@ -52,21 +52,25 @@ class Calls {
   void run() {
     while (in_.remaining_bytes() > 0) {
       chooseParameter();
-      port_ = in_.ConsumeBool() ? in_.ConsumeIntegralInRange(0u, fixture::kPorts)
-                                : in_.ConsumeIntegral<unsigned>();
+      port_ = rarely() ? in_.ConsumeIntegral<unsigned>()
+                       : in_.ConsumeIntegralInRange(0u, fixture::kPorts - 1);
       type_ = in_.ConsumeBool() ? FG_PARAM_TYPE_STRING : in_.ConsumeIntegral<int>();
-      failing_ = in_.ConsumeBool() ? in_.ConsumeIntegralInRange(1u, kMostAccesses) : 0;
+      failing_ = in_.ConsumeBool()
+                     ? in_.ConsumeIntegralInRange(1u, rarely() ? kMostAccesses : kFewAccesses)
+                     : 0;
       in_.ConsumeBool() ? set() : get();
     }
   }
 
  private:
+  bool rarely() { return in_.ConsumeIntegral<std::uint8_t>() % 16 == 0; }
+
   /// A listed parameter, one of direct access, or any id.
   void chooseParameter() {
     parameter_ = nullptr;
     id_ = in_.ConsumeIntegral<int>();
-    if (in_.ConsumeBool()) id_ = in_.PickValueInArray(kDirectIds) + std::abs(id_ % kDirectCount);
-    if (in_.ConsumeBool()) return;
+    if (!rarely()) id_ = in_.PickValueInArray(kDirectIds) + std::abs(id_ % kDirectCount);
+    if (in_.ConsumeIntegral<std::uint8_t>() % 4 == 0) return;
     parameter_ = &(*parameters_)[static_cast<std::size_t>(id_ & kIndexMask) % parameters_->size()];
     id_ = parameter_->id;
   }

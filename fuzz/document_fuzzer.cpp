@@ -16,6 +16,9 @@ namespace {
 
 constexpr unsigned kMaxChildren = 5, kMaxDepth = 4, kMaxTextLength = 24;
 
+const std::string kAwkward[] = {"a<b",   "R&D", "\"'>",   "]]>", "--",
+                                "&amp;", "",    "1 name", "_",   "Name"};
+
 HostileRuntime* runtime = nullptr;
 
 /// Builds a forest and keeps its memory.
@@ -39,19 +42,17 @@ class Forest {
  private:
   RegisterInfo* make(unsigned depth) {
     RegisterInfo& node = nodes_.emplace_back();
-    node.kind = in_.ConsumeIntegralInRange(0u, 16u);
-    if (depth == kMaxDepth && node.kind == REGISTER_INFO_GROUP) node.kind = REGISTER_INFO_UINT;
+    node.kind = depth == kMaxDepth ? REGISTER_INFO_UINT : in_.ConsumeIntegralInRange(0u, 16u);
     for (unsigned char& byte : node.value.bytes) byte = in_.ConsumeIntegral<unsigned char>();
     node.name = text();
     node.paramName = text();
-    node.accessMode = in_.ConsumeIntegral<std::uint32_t>();
-    node.qualifier = in_.ConsumeIntegral<std::uint32_t>();
-    node.visible = in_.ConsumeIntegral<std::uint32_t>();
-    node.id = in_.ConsumeIntegral<std::int32_t>();
+    node.accessMode = in_.ConsumeIntegral<std::uint8_t>();
+    node.qualifier = in_.ConsumeIntegral<std::uint8_t>();
+    node.visible = in_.ConsumeIntegral<std::uint8_t>();
+    node.id = in_.ConsumeBool() ? in_.ConsumeIntegral<std::uint8_t>() : in_.ConsumeIntegral<int>();
     node.unit = text();
     node.process = in_.ConsumeIntegral<std::int32_t>();
-    if (node.paramName)
-      runtime->ids[node.paramName] = in_.ConsumeBool() ? node.id : in_.ConsumeIntegral<int>();
+    if (node.paramName) runtime->ids[node.paramName] = node.id;
     if (node.kind == REGISTER_INFO_STRING) node.value.string.value = text();
     if (node.kind == REGISTER_INFO_ENUM) fill(node.value.enumeration);
     if (node.kind == REGISTER_INFO_GROUP) fill(node.value.group, depth);
@@ -82,9 +83,13 @@ class Forest {
     for (char*& pointer : pointers) pointer = text();
     return pointers.data();
   }
+  /// Null, a text that is hard to write, or any text.
   char* text() {
-    if (in_.ConsumeBool()) return nullptr;
-    std::string& text = texts_.emplace_back(in_.ConsumeRandomLengthString(kMaxTextLength));
+    const unsigned choice = in_.ConsumeIntegral<std::uint8_t>() % 4;
+    if (choice == 0) return nullptr;
+    std::string& text =
+        texts_.emplace_back(choice == 1 ? in_.ConsumeRandomLengthString(kMaxTextLength)
+                                        : in_.PickValueInArray(kAwkward));
     printable_ =
         printable_ && std::ranges::all_of(text, [](char c) { return c >= ' ' && c <= '~'; });
     return text.data();
