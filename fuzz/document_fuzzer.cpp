@@ -15,6 +15,7 @@ using namespace fuzzing;
 namespace {
 
 constexpr unsigned kMaxChildren = 5, kMaxDepth = 4, kMaxTextLength = 24;
+constexpr int kPrintable = '~' - ' ' + 1;
 
 const std::string kAwkward[] = {"a<b",   "R&D", "\"'>",   "]]>", "--",
                                 "&amp;", "",    "1 name", "_",   "Name"};
@@ -24,7 +25,7 @@ HostileRuntime* runtime = nullptr;
 /// Builds a forest and keeps its memory.
 class Forest {
  public:
-  explicit Forest(FuzzedDataProvider& input) : in_(input) {}
+  explicit Forest(FuzzedDataProvider& input) : in_(input), printable_(input.ConsumeBool()) {}
 
   bool printable() const { return printable_; }
 
@@ -42,7 +43,11 @@ class Forest {
  private:
   RegisterInfo* make(unsigned depth) {
     RegisterInfo& node = nodes_.emplace_back();
-    node.kind = depth == kMaxDepth ? REGISTER_INFO_UINT : in_.ConsumeIntegralInRange(0u, 16u);
+    const bool unusual = in_.ConsumeIntegral<std::uint8_t>() % 4 == 0;
+    if (depth < kMaxDepth && (depth == 0) != unusual)
+      node.kind = REGISTER_INFO_GROUP;
+    else
+      node.kind = in_.ConsumeIntegralInRange(unsigned{REGISTER_INFO_UINT}, 16u);
     for (unsigned char& byte : node.value.bytes) byte = in_.ConsumeIntegral<unsigned char>();
     node.name = text();
     node.paramName = text();
@@ -90,13 +95,13 @@ class Forest {
     std::string& text =
         texts_.emplace_back(choice == 1 ? in_.ConsumeRandomLengthString(kMaxTextLength)
                                         : in_.PickValueInArray(kAwkward));
-    printable_ =
-        printable_ && std::ranges::all_of(text, [](char c) { return c >= ' ' && c <= '~'; });
+    for (char& c : text)
+      if (printable_) c = static_cast<char>(' ' + static_cast<unsigned char>(c) % kPrintable);
     return text.data();
   }
 
   FuzzedDataProvider& in_;
-  bool printable_ = true;
+  const bool printable_;
   std::deque<RegisterInfo> nodes_;
   std::deque<std::string> texts_;
   std::deque<std::vector<RegisterInfo*>> lists_;
