@@ -1,4 +1,4 @@
-#include "tests/fakes/counting_dispatcher.h"
+#include "soak/counting_dispatcher.h"
 
 #include <atomic>
 

@@ -12,8 +12,8 @@
 #include <random>
 #include <thread>
 
+#include "soak/counting_dispatcher.h"
 #include "tests/applet_fixture.h"
-#include "tests/fakes/counting_dispatcher.h"
 #include "tests/temporary_directory.h"
 
 namespace {
