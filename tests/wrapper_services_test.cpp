@@ -6,6 +6,7 @@
 #include <string>
 #include <utility>
 
+#include "support/fg_log.h"
 #include "tests/temporary_directory.h"
 #include "wrapper/field_cache.h"
 #include "wrapper/temporary_file.h"
@@ -40,6 +41,7 @@ TEST(UniqueFile, InvalidTemplatesAreRefusedUntouched) {
   }
   std::string unreachable = "/nowhere/XXXXXX";
   EXPECT_EQ(makeUniqueFile(unreachable.data(), 0), -1);
+  EXPECT_EQ(makeUniqueFile(nullptr, 0), -1);
   EXPECT_EQ(unreachable[0], '\0');
 }
 
@@ -83,6 +85,39 @@ TEST(FieldCache, CopiesByTheWidthOfTheValues) {
     getFieldCache(cache.data() + 1, &record);
     EXPECT_EQ(back, std::string(16, '-').replace(0, copied.size(), copied)) << type;
   }
+}
+
+/// Only a derived class opens the stream.
+TEST(Log, WritesToAnOpenStreamAndNothingOtherwise) {
+  struct OpenLog : Fg_Log {
+    OpenLog() : Fg_Log("test") {}
+    void open() { stream_ = open_memstream(&text, &size); }
+    char* text = nullptr;
+    std::size_t size = 0;
+  } log;
+  const auto write = [&log] {
+    log.WriteWelcome();
+    log.Func("f");
+    log.Info("i");
+    log.Info("i", -1);
+    log.UsrDbg("%d%s", 2, "u\n");
+    log.Error("e");
+    log.ErrorInt("e", "d", 3);
+    log.ErrorDouble("e", "d", 1 / 3.0);
+  };
+  write();
+  log.open();
+  write();
+  log.CloseLogFile();
+  const std::string dashes(73, '-'), text = log.text;
+  EXPECT_TRUE(text.starts_with(dashes + "\nCopyright "));
+  EXPECT_NE(text.find("\nContents: Log details for Strandline Dll\n"), std::string::npos);
+  EXPECT_EQ(
+      text.substr(text.rfind(dashes) + 73),
+      "\nStrandlineIV::Info >> i >> -1;\n2u\nStrandlineIV::Error >> e;\n"
+      "StrandlineIV::Error >> e >> d >> 3;\nStrandlineIV::Error >> e >> d >> 0.333333333333;\n");
+  write();
+  std::free(log.text);
 }
 
 }  // namespace
