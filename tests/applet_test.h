@@ -8,9 +8,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <fstream>
-#include <map>
-#include <sstream>
 
 #include "tests/applet_fixture.h"
 #include "tests/temporary_directory.h"
@@ -36,9 +33,6 @@ inline std::string forPort(const std::string& text, unsigned port) {
   return replaced(text, "{p}", std::to_string(port));
 }
 
-inline std::string contentOf(const std::string& file) {
-  return (std::ostringstream() << std::ifstream(file, std::ios::binary).rdbuf()).str();
-}
 inline Lines linesOf(const std::string& text) {
   Lines lines;
   std::istringstream stream(text);
@@ -74,34 +68,6 @@ inline std::string document(Applet& applet, unsigned port) {
   EXPECT_TRUE(text.ends_with('\0'));
   text.pop_back();
   return text;
-}
-
-/// All that can be read of a port, by parameter: code and value of a get, and the description.
-/// Without the pulses, which the design counts as it likes, and what follows from registers, whose
-/// writes stay when a later one fails.
-using Sight = std::map<std::pair<unsigned, int>, std::string>;
-
-inline Sight sightOf(Applet& applet, unsigned port) {
-  Sight sight;
-  for (const int id : applet.ids()) {
-    if (id == FG_TRIGGEROUT_STATS_PULSECOUNT || id == FG_GEN_ACTIVE || id == FG_GEN_PASSIVE)
-      continue;
-    char value[32] = {};
-    const int code = Fg_getParameterWithType(applet.fg(), id, value, port, FG_PARAM_TYPE_INT32);
-    std::string& seen = sight[{port, id}] = std::string(value, sizeof value);
-    seen.append(reinterpret_cast<const char*>(&code), sizeof code);
-    if (const RegisterInfo* node = applet.node(id, port))
-      seen.append(reinterpret_cast<const char*>(node), sizeof *node);
-  }
-  return sight;
-}
-
-/// The parameters that differ between two sights.
-inline std::vector<int> differences(const Sight& before, const Sight& after) {
-  std::vector<int> ids;
-  for (const auto& [place, seen] : before)
-    if (seen != after.at(place)) ids.push_back(place.second);
-  return ids;
 }
 
 /// Sets an environment variable for a while.

@@ -1,7 +1,4 @@
-// Designs: what the manifest of the applet offers, images and files that are no designs, and
-// external manifests.
-#include <fstream>
-#include <iterator>
+// Designs: images and files that are none, external manifests, devices that change theirs.
 #include <new>
 #include <set>
 #include <utility>
@@ -12,19 +9,6 @@
 #include "velmora/register_info.h"
 
 namespace {
-
-/// Calls `use` for every parameter at or below the node.
-template <class Use>
-void forEachParameter(const RegisterInfo* node, Use use) {
-  if (node->kind != REGISTER_INFO_GROUP) return use(*node);
-  const auto& group = node->value.group;
-  for (uint32_t i = 0; i < group.childCount; ++i) forEachParameter(group.children[i], use);
-}
-
-std::string manifestText() {
-  std::ifstream in(DESIGN_MANIFEST);
-  return {std::istreambuf_iterator<char>(in), {}};
-}
 
 /// A design of the given manifest text, through a file; null when it is refused.
 fpga_design* loadText(const std::string& text) {
@@ -48,27 +32,6 @@ bool acceptedImage(const std::string& image) {
   return accepted(HapLoadDesignFromBuffer(image.data(), static_cast<unsigned>(image.size()), 1));
 }
 
-TEST(BoardDesign, OffersWhatTheAppletDrives) {
-  const BoardSession session;
-  std::set<int> ids;
-  for (const auto* root = Fg_getParameterInfo(session.fg, 0); root; root = root->next) {
-    forEachParameter(root, [&](const RegisterInfo& node) {
-      EXPECT_TRUE(ids.insert(node.id).second && node.id == session.id(node.paramName))
-          << node.paramName;
-    });
-  }
-  EXPECT_EQ(ids.size(), 258U);
-  EXPECT_EQ(HapGetNrOfRegister(session.design), 32);
-  for (int index = 1; index <= 32; ++index) {
-    const int id = HapGetRegisterByName(session.design, HapGetRegisterName(session.design, index));
-    EXPECT_TRUE(id > 0 && ids.insert(id).second) << index;
-  }
-  for (int event = 0; event < 44; ++event) EXPECT_EQ(HapGetEvent(session.design, event)->kind, 1);
-  EXPECT_EQ(HapGetEvent(session.design, 44), nullptr);
-  EXPECT_LT(session.id("Device1_Process4_Buffer_XLength"), 1);
-  EXPECT_EQ(HapGetRegisterByName(session.design, "CamGenEnable4"), 0);
-}
-
 TEST(BoardDesign, RefusesDamagedImages) {
   const std::string intact(reinterpret_cast<const char*>(velmora_design_image),
                            velmora::kDesignImageSize);
@@ -76,7 +39,7 @@ TEST(BoardDesign, RefusesDamagedImages) {
   EXPECT_EQ(intact.size(), size);
   EXPECT_TRUE(acceptedImage(intact));
   EXPECT_FALSE(acceptedImage(intact + '\0'));
-  const std::size_t text = manifestText().size();
+  const std::size_t text = contentOf(DESIGN_MANIFEST).size();
   for (const auto position : {std::size_t{0}, text - 1, text, size / 2, size - 16, size - 12,
                               size - 8, size - 4, size - 1}) {
     auto damaged = intact;
@@ -108,7 +71,7 @@ TEST(BoardDesign, JudgesManifests) {
   for (const std::size_t length : {255U, 256U})
     EXPECT_EQ(accepted(loadRecords("event " + std::string(length, 'E') + " 1")), length == 255);
   // Whatever is cut off or overwritten, loading ends with a design or without one.
-  const std::string text = manifestText();
+  const std::string text = contentOf(DESIGN_MANIFEST);
   std::size_t refused = 0;
   for (std::size_t i = 0; i < text.rfind("end"); i += 149) {
     EXPECT_FALSE(accepted(loadText(text.substr(0, i)))) << i;
@@ -123,7 +86,8 @@ TEST(BoardDesign, JudgesManifests) {
 TEST(BoardDesign, ExternalDesignMayDiffer) {
   const BoardSession session(loadRecords(
       "register Wide 33 rw\nregister CamGenStatus 8 ro\nevent First 0\nevent E{1-69} 1\n"
-      "string Text rw shared start"));
+      "string Text rw shared start\nuint_field U rw shared 3 4 5\n"
+      "int_field I rw shared 3 -4 5\ndouble_field D rw shared 3 0.5 5"));
   uint64_t value = 0;
   const int wide = HapGetRegisterByName(session.design, "Wide");
   EXPECT_EQ(HapGetRegisterBitRange(session.design, wide), 33);
@@ -134,6 +98,10 @@ TEST(BoardDesign, ExternalDesignMayDiffer) {
   EXPECT_EQ(HapGetEvent(session.design, 0)->kind, 0);
   EXPECT_STREQ(HapGetEvent(session.design, 69)->name, "E69");
   EXPECT_EQ(HapGetEvent(session.design, 70), nullptr);
+  std::set<uint32_t> kinds;
+  const auto& described = Fg_getParameterInfo(session.fg, 0)->value.group;
+  for (uint32_t i = 0; i < described.childCount; ++i) kinds.insert(described.children[i]->kind);
+  EXPECT_EQ(kinds, (std::set<uint32_t>{REGISTER_INFO_STRING, 7, 8, 13}));
 
   const int id = session.id("Text");
   char* text = nullptr;
@@ -153,15 +121,6 @@ TEST(BoardDesign, ExternalDesignMayDiffer) {
     EXPECT_EQ(Fg_freeParameterStringWithType(session.fg, id, own, 0, 22), left * -2086);
     EXPECT_EQ(board::outstanding().strings, left);
   }
-}
-
-TEST(BoardDesign, DescribesEveryKindOfParameter) {
-  std::ifstream records(TEST_DATA "/every_kind.design");
-  const BoardSession session(loadRecords({std::istreambuf_iterator<char>(records), {}}));
-  std::set<uint32_t> kinds;
-  for (const auto* root = Fg_getParameterInfo(session.fg, 0); root; root = root->next)
-    forEachParameter(root, [&](const RegisterInfo& node) { kinds.insert(node.kind); });
-  EXPECT_EQ(kinds, (std::set<uint32_t>{1, 3, 5, 6, 7, 8, 9, 11, 12, 13}));
 }
 
 TEST(BoardDesign, AnotherDesignTakesADeviceOverWhenItIsFree) {

@@ -1,4 +1,4 @@
-// The virtual board: codes, picture rates, journal and faults.
+// The virtual board: codes, picture rates and printable text.
 #include <chrono>
 #include <string>
 #include <utility>
@@ -19,17 +19,13 @@ std::string trigger(int camera, const std::string& leaf) {
   return "Device1_Process4_Trigger_TriggerCam" + std::to_string(camera) + "_" + leaf;
 }
 
-/// Time goes on only when a test says so, or while somebody sleeps; faults and the like end.
+/// Time goes on only when a test says so, or while somebody sleeps.
 class Board : public testing::Test {
  protected:
   Board() {
     board::setClock([this] { return time; }, [this](auto pause) { time += pause; });
   }
-  ~Board() override {
-    board::setClock({}, {});
-    board::clearFaults();
-    board::stopJournal();
-  }
+  ~Board() override { board::setClock({}, {}); }
   std::chrono::nanoseconds time{1s};
 };
 
@@ -118,50 +114,6 @@ TEST_F(Board, CountsPicturesAtTheRateOfTheDesign) {
     EXPECT_EQ(Fg_getLastPicNumberEx(session.fg, 0, 0), row.pictures);
     EXPECT_EQ(Fg_getLastPicNumberEx(session.fg, 3, 0), row.slavePictures);
   }
-}
-
-TEST_F(Board, JournalTellsAccessesAndFaultsInOrder) {
-  const BoardSession session;
-  auto* fg = session.fg;
-  const double gain = 1.5;
-  const int length = session.id(kLength);
-  const int red = session.id("Device1_Process0_White_RedCoefficient");
-  const auto set = [&](int value) { Fg_setParameterWithType(fg, length, &value, 1, 2); };
-  const auto get = [&](int value = 0) { Fg_getParameter(fg, length, &value, 1); };
-  const auto write = [&](uint64_t value) { KorvRegisterWrite(session.device, 1, value); };
-  board::startJournal();
-  board::failNamed(kLength, -77, 2);
-  set(8), get(), set(1000), get();
-  board::failNamed(kLength, 77, 2);
-  set(16), get();
-  EXPECT_EQ(Fg_getLastErrorNumber(fg), 77);
-  board::failAt(2, -78);
-  board::failAtWrite(2, -79);
-  get(), set(24), get(), write(9), write(~0ULL);
-  board::failNamed("Fg_InitHandle", -82);
-  Fg_InitHandle("Velmora.hap", session.device, session.design);
-  Fg_getLastErrorNumber(nullptr);
-  Fg_setParameterWithType(fg, red, &gain, 0, 5);
-  Fg_getParameterIdByName(fg, "Nothing");
-  Fg_AcquireEx(fg, 0, 10, 0, nullptr);
-  EXPECT_EQ(takeLines(), R"(set Device1_Process0_Buffer_XLength[1] = 8 failed: -77
-get Device1_Process0_Buffer_XLength[1] failed: -77
-set Device1_Process0_Buffer_XLength[1] = 1000
-get Device1_Process0_Buffer_XLength[1] -> 1000
-set Device1_Process0_Buffer_XLength[1] = 16 failed: 77
-get Device1_Process0_Buffer_XLength[1] failed: 77
-call Fg_getLastErrorNumber() -> 77
-get Device1_Process0_Buffer_XLength[1] -> 1000
-set Device1_Process0_Buffer_XLength[1] = 24 failed: -78
-get Device1_Process0_Buffer_XLength[1] -> 1000
-write CamGenEnable0 = 9 failed: -79
-write CamGenEnable0 = 18446744073709551615
-call Fg_InitHandle(Velmora.hap) -> null
-call Fg_getLastErrorNumber() -> -82
-set Device1_Process0_White_RedCoefficient[0] = 1.5
-call Fg_getParameterIdByName(Nothing) failed: -2080
-call Fg_AcquireEx(dma 0, 10 pictures)
-)");
 }
 
 TEST(Printable, KeepsTextAndShowsBytesThatAreNone) {

@@ -1,8 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <fstream>
-#include <sstream>
 #include <string>
 #include <tuple>
 
@@ -19,10 +17,6 @@ class ConfigParser : public testing::Test {
   const char* file(const std::string& content) {
     std::ofstream(name_, std::ios::binary) << content;
     return name_.c_str();
-  }
-
-  std::string content() const {
-    return (std::ostringstream() << std::ifstream(name_, std::ios::binary).rdbuf()).str();
   }
 
   TemporaryDirectory directory_;
@@ -42,7 +36,7 @@ TEST_F(ConfigParser, WritesEveryKindOfLine) {
   parser.writeConfigFileInt64Key("L", INT64_MIN);
   for (const double value : {0.096, 1.0 / 3, 1e20, -1.23456789012345e-300})
     parser.writeConfigFileDoubleKey("D", value);
-  EXPECT_EQ(content(),
+  EXPECT_EQ(contentOf(name_),
             "[Kamerasektion]\n\nConfigFileVersion=2.0;\nTyp='Velmora';\nText=a b;\n"
             "\n[Port A]\nI=-2147483648;\nU=18446744073709551615;\nL=-9223372036854775808;\n"
             "D=0.096;\nD=0.333333333333;\nD=1e+20;\nD=-1.23456789012e-300;\n");
@@ -127,7 +121,7 @@ TEST_F(ConfigParser, ReadsAFileOnceUnlessItIsUpdated) {
   EXPECT_EQ(value, 5);
   EXPECT_EQ(updater.parseIntKeySection(0, "K", &value), VELMORA_OK);
   updater.writeConfigFileIntKey("M", 4);  // After the line that follows the key.
-  EXPECT_EQ(content(), "[Port A]\nK=1;\nL=2;\nM=4;\n\n[Port C]\nM=5;\n");
+  EXPECT_EQ(contentOf(name_), "[Port A]\nK=1;\nL=2;\nM=4;\n\n[Port C]\nM=5;\n");
 
   EXPECT_EQ(reader.parseIntKeySection(2, "M", &value), VELMORA_NOTHING_FOUND);
   EXPECT_EQ(reader.parseIntKeySection(0, "M", &value), VELMORA_OK);
@@ -140,12 +134,12 @@ TEST_F(ConfigParser, ReportsWritesThatDoNotReachTheFile) {
   Fg_ConfigFileParser parser(nullptr, file("[Port A]\nK=1;\n"), true);
   parser.writeConfigFileIntKey("K", 2);
   EXPECT_FALSE(parser.close()) << "read only";
-  EXPECT_EQ(content(), "[Port A]\nK=1;\n");
+  EXPECT_EQ(contentOf(name_), "[Port A]\nK=1;\n");
   ASSERT_TRUE(parser.setSaveFile(name_.c_str()));
   parser.writeConfigFileIntKey("K", 2);
   EXPECT_FALSE(parser.setSaveFile("cam.txt")) << "and the open file stays";
   EXPECT_TRUE(parser.close()) << "nothing is left of the failure before";
-  EXPECT_EQ(content(), "K=2;\n");
+  EXPECT_EQ(contentOf(name_), "K=2;\n");
 }
 
 }  // namespace

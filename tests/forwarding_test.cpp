@@ -129,6 +129,10 @@ TEST(Forwarding, DesignParametersWhoseIdIsNoIntAreLeftOut) {
     Applet applet(kNoDefaults);
     EXPECT_EQ(Fg_getParameterIdByName(applet.fg(), "DKTA_Far"), fits ? INT_MAX : -2070);
     EXPECT_EQ(applet.node(INT_MAX) != nullptr, fits);
+    if (!fits) continue;
+    // Its group is described by all that the runtime tells of it.
+    const RegisterInfo& newest = *Fg_getParameterInfo(applet.fg(), 0);
+    EXPECT_STREQ(newest.value.group.children[0]->paramName, "Far");
   }
 }
 

@@ -62,6 +62,10 @@ TEST(StartUp, RoutesThePortsAndAppliesTheDefaults) {
     Applet applet(flags);
     EXPECT_EQ(takeStartUp(), startUp(flags % 2 == 0));
     expectInitialSettings(applet);
+    for (unsigned port = 0; port < kPorts && flags % 2 != 0; ++port)  // As the design begins.
+      EXPECT_EQ(
+          applet.word(FG_GEN_LINE_WIDTH, port).value + applet.word(FG_GEN_PASSIVE, port).value,
+          1058u);
   }
 }
 

@@ -3,6 +3,8 @@
 #include <stdlib.h>
 
 #include <filesystem>
+#include <fstream>
+#include <sstream>
 #include <string>
 
 /// A directory of its own for a test, gone with all files in it afterwards.
@@ -22,3 +24,7 @@ class TemporaryDirectory {
  private:
   std::filesystem::path path_;
 };
+
+inline std::string contentOf(const std::string& file) {
+  return (std::ostringstream() << std::ifstream(file, std::ios::binary).rdbuf()).str();
+}

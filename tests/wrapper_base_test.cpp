@@ -5,7 +5,6 @@
 
 #include <array>
 #include <bit>
-#include <fstream>
 #include <stdexcept>
 #include <vector>
 
@@ -95,8 +94,7 @@ TEST(WrapperBase, FunctionTableHasItsPositions) {
     if (function && dladdr(reinterpret_cast<void*>(function), &symbol))
       found += std::to_string(position) + ' ' + symbol.dli_sname + '\n';
   }
-  std::ifstream expected(TEST_DATA "/runtime_symbols.txt");
-  EXPECT_EQ(found, std::string(std::istreambuf_iterator<char>(expected), {}));
+  EXPECT_EQ(found, contentOf(TEST_DATA "/runtime_symbols.txt"));
   dlclose(library);
 }
 

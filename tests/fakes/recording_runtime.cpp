@@ -50,7 +50,7 @@ RegisterInfo* Fg_getParameterInfo(Fg*, int) {
   static RegisterInfo parameter{}, group{};
   static RegisterInfo* children[] = {&parameter};
   parameter.kind = REGISTER_INFO_UINT;
-  parameter.name = parameter.paramName = group.name = name;
+  parameter.name = parameter.paramName = group.name = group.paramName = name;
   parameter.id = recordingRuntime.id;
   group.value.group = {1, children, 1};
   return &group;
