@@ -151,6 +151,7 @@ class ParameterRow : public ValueDescription {
   consteval void check() const {
     const bool set = setsInteger_ || setsReal_;
     if (!name || id <= 0) throw "a row needs a name and an id";
+    if (design_ >= DesignId::kCount) throw "a design name that there is not";
     if (!isRead_) throw "a parameter that nothing reads";
     if ((field.integer || field.real) != set) throw "a setting needs a way to be set";
     if (setsInteger_ && !field.integer) throw "an integer setter stores into an integer field";
