@@ -10,8 +10,9 @@
 #include "wrapper/field_cache.h"
 #include "wrapper/temporary_file.h"
 
-namespace velmora {
 namespace {
+
+using namespace velmora;
 
 TEST(UniqueFile, ProcessesWithTheSameCounterNeverShareAFile) {
   const TemporaryDirectory directory;
@@ -86,4 +87,3 @@ TEST(FieldCache, CopiesByTheWidthOfTheValues) {
 }
 
 }  // namespace
-}  // namespace velmora
