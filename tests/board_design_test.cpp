@@ -97,15 +97,24 @@ TEST(BoardDesign, ExternalDesignMayDiffer) {
   char* text = nullptr;
   char foreign[] = "new text";
   board::startJournal();
-  EXPECT_EQ(Fg_setParameterWithType(session.fg, id, "text", 0, 22), 0);
+  board::failNamed("Text", -77, 2);
+  for (const int code : {-77, -77, 0})
+    EXPECT_EQ(Fg_setParameterWithType(session.fg, id, "text", 0, 22), code);
   EXPECT_EQ(Fg_setParameter(session.fg, id, foreign, 0), 0);  // In the parameter's own type.
   EXPECT_EQ(Fg_getParameter(session.fg, id, &text, 0), 0);
   EXPECT_EQ(Fg_getParameterWithType(session.fg, id, &text, 0, 2), -2083);
+  board::failNamed("Fg_InitHandle", -82, 1);
+  EXPECT_EQ(Fg_InitHandle("Own.hap", session.device, session.design), nullptr);
+  EXPECT_EQ(Fg_getLastErrorNumber(nullptr), -82);
+  EXPECT_EQ(session.id("Nothing"), -2080);
   std::string lines;
   for (const auto& access : board::takeJournal()) lines += board::describe(access) + "\n";
   EXPECT_EQ(lines,
+            "set Text[0] = text failed: -77\nset Text[0] = text failed: -77\n"
             "set Text[0] = text\nset Text[0] = new text\nget Text[0] -> new text\n"
-            "get Text[0] failed: -2083\n");
+            "get Text[0] failed: -2083\ncall Fg_InitHandle(Own.hap) -> null\n"
+            "call Fg_getLastErrorNumber() -> -82\n"
+            "call Fg_getParameterIdByName(Nothing) failed: -2080\n");
   board::stopJournal();
   EXPECT_STREQ(text, foreign);
   for (const auto& [own, left] : {std::pair<char*, int>(foreign, 1), {text, 0}}) {

@@ -153,9 +153,6 @@ class Saved : public Configuration {
   /// Whether it has the size of a whole configuration.
   bool whole(const std::string& name) const { return fs::file_size(directory / name) > 5000; }
   bool old(const std::string& name) const { return contentOf(directory / name) == "old"; }
-  fs::perms mode(const std::string& name) const {
-    return fs::status(directory / name).permissions();
-  }
   /// Names in the directory.
   std::ptrdiff_t names() const { return std::distance(fs::directory_iterator(directory / ""), {}); }
 };
@@ -165,7 +162,7 @@ TEST_F(Saved, TakesThePlaceOfTheFileBehindALink) {
   EXPECT_EQ(saveAs("link.mcf"), 0);
   EXPECT_TRUE(whole("a.mcf") && old("backup.mcf"));
   EXPECT_TRUE(fs::is_symlink(directory / "link.mcf"));
-  EXPECT_EQ(mode("a.mcf"), fs::perms(0640));
+  EXPECT_EQ(fs::status(directory / "a.mcf").permissions(), fs::perms(0640));
   EXPECT_EQ(load(directory / "a.mcf"), 0);
 
   EXPECT_EQ(saveAs("to nothing.mcf"), 0);
@@ -173,7 +170,7 @@ TEST_F(Saved, TakesThePlaceOfTheFileBehindALink) {
   const mode_t mask = umask(027);
   EXPECT_EQ(saveAs("newer.mcf"), 0);
   umask(mask);
-  EXPECT_EQ(mode("newer.mcf"), fs::perms(0640));
+  EXPECT_EQ(fs::status(directory / "newer.mcf").permissions(), fs::perms(0640));
   EXPECT_EQ(names(), 7);
 }
 
@@ -183,10 +180,7 @@ TEST_F(Saved, LeavesTheOldFileWhenTheDiskIsFull) {
   getrlimit(RLIMIT_FSIZE, &limit);
   const rlimit small = {1000, limit.rlim_max};
   setrlimit(RLIMIT_FSIZE, &small);
-  for (const char* name : {"a.mcf", "link.mcf", "newer.mcf"}) {
-    EXPECT_EQ(saveAs(name), -5001);
-    EXPECT_EQ(applet.lastError(), -5001);
-  }
+  for (const char* name : {"a.mcf", "link.mcf", "newer.mcf"}) EXPECT_EQ(saveAs(name), -5001);
   setrlimit(RLIMIT_FSIZE, &limit);
   EXPECT_TRUE(old("a.mcf"));
   EXPECT_EQ(names(), 4);
