@@ -76,11 +76,7 @@ TEST(Allocation, ADocumentIsWholeOrRefused) {
     std::size_t size = exact;
     applet.set(FG_WIDTH, 1024);  // Another last error.
     {
-      int allocationsLeft = failed;
-      AllocationHook noMemory([&] {
-        if (allocationsLeft-- == 0) throw std::bad_alloc();
-        noMemory.again();
-      });
+      const fakes::FailingAllocation noMemory(failed);
       code = render(buffer.data(), size);
     }
     EXPECT_EQ(applet.lastError(), code);

@@ -70,17 +70,9 @@ class Applet {
     bool operator==(const Reading&) const = default;
   };
   using Word = Reading<std::uint32_t>;
-  Word word(int id, unsigned port = 0) {
-    Word reading{0, 0xDEADBEEF};
-    reading.code =
-        Fg_getParameterWithType(&grabber_, id, &reading.value, port, FG_PARAM_TYPE_INT32);
-    return reading;
-  }
+  Word word(int id, unsigned port = 0) { return read(id, port, FG_PARAM_TYPE_INT32, 0xDEADBEEF); }
   Reading<double> real(int id, unsigned port = 0) {
-    Reading<double> reading{0, -1};
-    reading.code =
-        Fg_getParameterWithType(&grabber_, id, &reading.value, port, FG_PARAM_TYPE_DOUBLE);
-    return reading;
+    return read(id, port, FG_PARAM_TYPE_DOUBLE, -1.0);
   }
 
   /// The ids of all listed parameters.
@@ -103,6 +95,11 @@ class Applet {
   }
 
  private:
+  template <class T>
+  Reading<T> read(int id, unsigned port, int type, T value) {
+    const int code = Fg_getParameterWithType(&grabber_, id, &value, port, type);
+    return {code, value};
+  }
   static RegisterInfo* find(RegisterInfo& node, int id) {
     if (node.kind != REGISTER_INFO_GROUP) return node.id == id ? &node : nullptr;
     for (std::uint32_t i = 0; i < node.value.group.childCount; ++i)

@@ -19,13 +19,6 @@ VornGetParameter Fg_getParameter;
 VornSetParameter Fg_setParameter;
 }
 
-/// The journal since the last take, line by line.
-inline std::string takeLines() {
-  std::string lines;
-  for (const auto& access : board::takeJournal()) lines += board::describe(access) + "\n";
-  return lines;
-}
-
 inline fpga_design* loadImage() {
   return HapLoadDesignFromBuffer(velmora_design_image, velmora::kDesignImageSize, 1);
 }

@@ -86,13 +86,10 @@ TEST(Catalogue, DirectAccessIsDescribedWhenEnabledRegistersFirstOnTheLastPort) {
         EXPECT_EQ(listing(applet, port), text);
       }
     }
-}
-
-TEST(Catalogue, DirectAccessIsNotDescribedWhenTheDesignHasNothingToOffer) {
+  const ExternalDesign nothingToOffer("uint_field Device1_Process0_Field rw shared 3 4 5");
   const EnvironmentVariable dra("KORV_ENABLE_DRA", "1"), dkta("KORV_ENABLE_DKTA", "1");
-  const ExternalDesign design("uint_field Device1_Process0_Field rw shared 3 4 5");
   Applet applet(kNoDefaults);
-  for (unsigned port = 0; port < kPorts; ++port)
+  for (const unsigned port : {0u, 3u})
     EXPECT_EQ(listing(applet, port), expected(port) + "[Direct Register Access]\n");
 }
 

@@ -8,8 +8,9 @@
 #include "tests/temporary_directory.h"
 #include "velmora/errors.h"
 
-namespace velmora {
 namespace {
+
+using namespace velmora;
 
 class ConfigParser : public testing::Test {
  protected:
@@ -143,4 +144,3 @@ TEST_F(ConfigParser, ReportsWritesThatDoNotReachTheFile) {
 }
 
 }  // namespace
-}  // namespace velmora

@@ -7,8 +7,9 @@
 
 #include "paraminfo/parameter_info.h"
 
-namespace velmora {
 namespace {
+
+using namespace velmora;
 
 std::string bytesOf(const RegisterInfo* node, size_t offset = 0, size_t size = 128) {
   return std::string(reinterpret_cast<const char*>(node) + offset, size);
@@ -90,8 +91,7 @@ TEST(ParameterInfo, GroupsNestAndRootsAreListedNewestFirst) {
   EXPECT_EQ(registry.getNextRegisterInfo(second, 1), first);
   EXPECT_EQ(registry.getNextRegisterInfo(first, 1), nullptr);
   EXPECT_EQ(first->prev, second);
-  EXPECT_EQ(registry.getRegisterInfo(0), nullptr);
-  EXPECT_EQ(registry.getRegisterInfo(2), nullptr);
+  for (const int process : {0, 2}) EXPECT_EQ(registry.getRegisterInfo(process), nullptr);
   EXPECT_EQ(first->parentName, nullptr);
   EXPECT_STREQ(grandchild->parentName, "Child");
   EXPECT_EQ(std::vector({first->level, child->level, grandchild->level}),
@@ -153,4 +153,3 @@ TEST(ParameterInfo, EnumerationEntriesAreReplacedOrRefused) {
 }
 
 }  // namespace
-}  // namespace velmora

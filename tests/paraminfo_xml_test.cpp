@@ -9,8 +9,9 @@
 #include "paraminfo/parameter_info.h"
 #include "paraminfo/parameter_info_builder_xml.h"
 
-namespace velmora {
 namespace {
+
+using namespace velmora;
 
 constexpr int kProcess = 1;
 
@@ -118,4 +119,3 @@ TEST_F(GenApiDocument, EnumerationEntriesAreSortedByValueAndTheLastOfAValueCount
 }
 
 }  // namespace
-}  // namespace velmora

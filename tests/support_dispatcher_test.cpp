@@ -114,16 +114,12 @@ TEST_F(SupportDispatcher, DetachedDispatcherIsLeftAlone) {
 
 TEST_F(SupportDispatcher, FunctionsMayBeMissing) {
   LoggingDispatcherDescriptor& descriptor = loggingDispatcher().descriptor;
-  const auto useWithoutRegister = [&] {
-    descriptor.registerLogging = nullptr;
-    std::exit(Logging::getLogger("80:0")->isEnabled(6));
+  const auto useWithout = [](auto& function, bool enabled) {
+    function = nullptr;
+    std::exit(Logging::getLogger("80:0")->isEnabled(6) != enabled);
   };
-  const auto useWithoutUnregister = [&] {
-    descriptor.unregisterLogging = nullptr;
-    std::exit(!Logging::getLogger("80:0")->isEnabled(6));
-  };
-  EXPECT_EXIT(useWithoutRegister(), testing::ExitedWithCode(0), "^$");
-  EXPECT_EXIT(useWithoutUnregister(), testing::ExitedWithCode(0), "^$");
+  EXPECT_EXIT(useWithout(descriptor.registerLogging, false), testing::ExitedWithCode(0), "^$");
+  EXPECT_EXIT(useWithout(descriptor.unregisterLogging, true), testing::ExitedWithCode(0), "^$");
 }
 
 TEST_F(SupportDispatcher, FunctionsMayThrow) {

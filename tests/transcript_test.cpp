@@ -61,7 +61,7 @@ class Transcript : public testing::TestWithParam<const char*> {
   /// any port. The call that succeeds or is refused changes its own port at most.
   int withEveryFailure(const std::function<int()>& action) {
     const Sight before = sight();
-    std::vector<Lines> attempts;
+    Lines begun;  // What the latest attempt did: how the next one begins.
     int code = kInjected;
     for (unsigned k = 1; code == kInjected; ++k) {
       takeAccesses();
@@ -77,14 +77,11 @@ class Transcript : public testing::TestWithParam<const char*> {
             seen == after.at(place) ||
             (code == VELMORA_OK && (place.first == port || place.second == FG_TRIGGERIN_DEBOUNCE)))
             << place.second << " on port " << place.first << ", access " << k;
+      EXPECT_TRUE(std::ranges::mismatch(begun, accesses).in1 == begun.end());
       if (code != kInjected) break;
       EXPECT_EQ(accesses.size(), k);
-      accesses.pop_back();
-      attempts.push_back(accesses);
+      begun.assign(accesses.begin(), accesses.end() - 1);
     }
-    // What the failing attempts did is how the whole one begins.
-    for (const Lines& attempt : attempts)
-      EXPECT_TRUE(std::ranges::mismatch(attempt, accesses).in1 == attempt.end());
     return code;
   }
 

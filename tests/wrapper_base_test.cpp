@@ -14,8 +14,9 @@
 #include "tests/temporary_directory.h"
 #include "wrapper/wrapper_function_table.h"
 
-namespace velmora {
 namespace {
+
+using namespace velmora;
 
 /// Positions of virtual operations, from 1: the compiler keeps a pointer to one as 1 plus its
 /// offset in the virtual table, followed by the object's offset.
@@ -107,4 +108,3 @@ TEST(AppletImplementation, RefusesWhatItDoesNotOffer) {
 }
 
 }  // namespace
-}  // namespace velmora

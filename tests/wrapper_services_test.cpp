@@ -11,8 +11,9 @@
 #include "wrapper/field_cache.h"
 #include "wrapper/temporary_file.h"
 
-namespace velmora {
 namespace {
+
+using namespace velmora;
 
 TEST(UniqueFile, ProcessesWithTheSameCounterNeverShareAFile) {
   const TemporaryDirectory directory;
@@ -121,4 +122,3 @@ TEST(Log, WritesToAnOpenStreamAndNothingOtherwise) {
 }
 
 }  // namespace
-}  // namespace velmora

@@ -22,6 +22,12 @@ AllocationHook::AllocationHook(std::function<void()> step) : step_(std::move(ste
 AllocationHook::~AllocationHook() { hook = nullptr; }
 void AllocationHook::again() { hook = &step_; }
 
+FailingAllocation::FailingAllocation(int others)
+    : AllocationHook([this, others]() mutable {
+        if (others-- == 0) throw std::bad_alloc();
+        again();
+      }) {}
+
 }  // namespace fakes
 
 void* operator new(std::size_t size) {

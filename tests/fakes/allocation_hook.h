@@ -19,4 +19,10 @@ class AllocationHook {
   std::function<void()> step_;
 };
 
+/// Lets the allocation of this thread fail that follows so many others.
+class FailingAllocation : public AllocationHook {
+ public:
+  explicit FailingAllocation(int others);
+};
+
 }  // namespace fakes
