@@ -16,9 +16,9 @@
 namespace velmora {
 namespace {
 
-constexpr mode_t kPermissions = 07777;
-constexpr mode_t kPrivate = 0600;
-constexpr mode_t kOfNewFile = 0666;  // But for what the process masks.
+constexpr mode_t kPermissions = ALLPERMS;
+constexpr mode_t kPrivate = S_IRUSR | S_IWUSR;
+constexpr mode_t kOfNewFile = DEFFILEMODE;  // But for what the process masks.
 
 // Short, so that it fits wherever the file's own name does. Configuration files end in ".mcf".
 constexpr const char* kTemplate = ".velmora-XXXXXX.mcf";
@@ -63,7 +63,7 @@ class NewFile {
 
 /// Whether a file can be opened for writing; it keeps its content.
 bool isWritable(const char* file) {
-  const int descriptor = open(file, O_WRONLY | O_CLOEXEC);
+  const int descriptor = open(file, O_WRONLY | O_NONBLOCK | O_CLOEXEC);
   if (descriptor < 0) return false;
   close(descriptor);
   return true;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <sys/types.h>
+#include <sys/stat.h>
 
 namespace velmora {
 
@@ -10,7 +10,7 @@ namespace velmora {
 /// @param mode permissions, by default for the owner only, without those that the process masks.
 /// @return the file's descriptor, open for reading and writing; -1 on failure with `errno` set:
 /// for an invalid argument the template stays as it was, otherwise it becomes empty.
-int makeUniqueFile(char* nameTemplate, int suffixLength, mode_t mode = 0600);
+int makeUniqueFile(char* nameTemplate, int suffixLength, mode_t mode = S_IRUSR | S_IWUSR);
 
 /// Creates an empty file "/tmp/coef-XXXXXX.tiff" with a unique name. Any thread.
 /// @return its name, to be given to `deleteTempFile`; null on failure.
