@@ -20,6 +20,8 @@ class DesignAccess {
   /// Writes a design parameter of this port.
   void write(DesignId id, std::uint32_t value) const { writeOfPort(port_, id, value); }
   void write(DesignId id, double value) const;
+  /// Lets a design parameter of this port act once: it clears, resets or pulses something.
+  void trigger(DesignId id) const { write(id, kOneShot); }
   /// Writes a design parameter of any port, on this port's DMA channel.
   void writeOfPort(unsigned port, DesignId id, std::uint32_t value) const;
   /// Reads a design parameter of this port.
@@ -34,6 +36,8 @@ class DesignAccess {
   void getRuntime(int id, void* value, int type) const;
 
  private:
+  static constexpr std::uint32_t kOneShot = 2;
+
   const FgKtWrapper& wrapper_;
   const DesignIds& ids_;
   unsigned port_;

@@ -9,7 +9,6 @@
 namespace velmora::software_trigger {
 namespace {
 
-constexpr std::uint32_t kPulse = 2;
 /// The design accepts one software pulse in ten ticks.
 constexpr std::chrono::nanoseconds kPulseDistance{160};
 
@@ -32,7 +31,7 @@ void send(Port& port, const ParameterRow&, std::uint32_t pulses) {
   if (settings.triggerState != TS_ACTIVE) fail(VELMORA_TRIGGER_NOT_ACTIVE);
   if (!queued && trigger_queue::busy(port)) fail(VELMORA_TRIGGER_BUSY);
   for (; pulses > 0; --pulses) {
-    port.design.write(DesignId::kSoftwareTrigger, kPulse);
+    port.design.trigger(DesignId::kSoftwareTrigger);
     waitFor(kPulseDistance);
   }
   change.commit();

@@ -20,10 +20,7 @@ void setMultiplyPulses(Port& port, const ParameterRow& row, std::uint32_t factor
   });
 }
 
-void clearSequenceDownscale(Port& port) {
-  constexpr std::uint32_t kClear = 2;
-  port.design.write(DesignId::kSequenceDownscaleClear, kClear);
-}
+void clearSequenceDownscale(Port& port) { port.design.trigger(DesignId::kSequenceDownscaleClear); }
 
 void setMode(Port& port, const ParameterRow& row, std::uint32_t mode) {
   const std::uint32_t depth = mode == FG_ON ? kDepth : kDepthOff;

@@ -11,8 +11,6 @@
 namespace velmora::trigger_transitions {
 namespace {
 
-constexpr std::uint32_t kClear = 2;
-
 void park(Port& port) { trigger_outputs::park(port); }
 void route(Port& port) { trigger_outputs::route(port); }
 void release(Port& port) { port.design.write(DesignId::kClearQueuePulse, 0u); }
@@ -22,13 +20,13 @@ void slaveOn(Port& port) { port.design.write(DesignId::kSlaveMode, 1u); }
 void slaveOff(Port& port) { port.design.write(DesignId::kSlaveMode, 0u); }
 void generatorsOn(Port& port) { port.design.write(DesignId::kPulseFormGeneratorsEnable, 1u); }
 void generatorsOff(Port& port) { port.design.write(DesignId::kPulseFormGeneratorsEnable, 0u); }
-void clearInputDownscale(Port& port) { port.design.write(DesignId::kInputDownscaleClear, kClear); }
+void clearInputDownscale(Port& port) { port.design.trigger(DesignId::kInputDownscaleClear); }
 void clearSequenceDownscale(Port& port) { trigger_queue::clearSequenceDownscale(port); }
 
 void resetCounters(Port& port) {
-  port.design.write(DesignId::kMissingFrameReset, kClear);
-  port.design.write(DesignId::kPulseForm0DownscaleClear, kClear);
-  port.design.write(DesignId::kPulseForm1DownscaleClear, kClear);
+  port.design.trigger(DesignId::kMissingFrameReset);
+  port.design.trigger(DesignId::kPulseForm0DownscaleClear);
+  port.design.trigger(DesignId::kPulseForm1DownscaleClear);
 }
 
 void start(Port& port, std::uint32_t queue, Step programPeriod) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <iterator>
+
 #include "paraminfo/limits.h"
 #include "velmora/values.h"
 
@@ -56,6 +58,8 @@ inline constexpr EnumEntry kAreaTriggerModes[] = {
     {"Software", ATM_SOFTWARE, "ATM_SOFTWARE"},
     {"Synchronized", ATM_SYNCHRONIZED, "ATM_SYNCHRONIZED"},
 };
+
+static_assert(kAreaTriggerModes[std::size(kAreaTriggerModes) - 1].value == ATM_SYNCHRONIZED);
 
 inline constexpr EnumEntry kTriggerStates[] = {
     {"Active", TS_ACTIVE, "TS_ACTIVE"},

@@ -20,8 +20,7 @@ void ParameterRow::writeRegister(Port& port, const ParameterRow& row, std::uint3
 }
 
 void ParameterRow::writeOneShot(Port& port, const ParameterRow& row, std::uint32_t value) {
-  constexpr std::uint32_t kOneShot = 2;
-  setThrough(port, row, value, [&] { port.design.write(row.design_, kOneShot); });
+  setThrough(port, row, value, [&] { port.design.trigger(row.design_); });
 }
 
 void ParameterRow::readDesign(Port& port, const ParameterRow& row, void* value, int) {

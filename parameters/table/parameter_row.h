@@ -10,6 +10,8 @@
 
 #include <cstdint>
 #include <cstring>
+#include <type_traits>
+#include <utility>
 
 #include "parameters/design/design_ids.h"
 #include "parameters/process_settings.h"
@@ -64,16 +66,22 @@ class ParameterRow : public ValueDescription {
   /// @name Parts of the sentence
   /// @{
 
+  /// A get returns the value that was set last, unless the sentence says otherwise.
+  constexpr ParameterRow& keeps(Field setting) {
+    field = setting;
+    answersReal_ = setting.real != nullptr;
+    return *this;
+  }
   /// A set writes the value as it is, to a design parameter or a simulator register.
   constexpr ParameterRow& drives(DesignId id) {
-    design_ = id;
+    nameDesign(id);
     if (field.real) return setBy(writePlain<double>);
     drivesRegister_ = isRegister(id);
     return setBy(drivesRegister_ ? writeRegister : writePlain<std::uint32_t>);
   }
   /// A set sends the design its command value, 2, whatever the caller's value is.
   constexpr ParameterRow& triggers(DesignId id) {
-    design_ = id;
+    nameDesign(id);
     return setBy(writeOneShot);
   }
   /// A set does not write the design.
@@ -91,12 +99,14 @@ class ParameterRow : public ValueDescription {
 
   /// A get reads it from the design.
   constexpr ParameterRow& reads(DesignId id) {
-    design_ = id;
+    nameDesign(id);
+    answersReal_ = false;
     return getBy(readDesign);
   }
   /// A get returns what a function of the port does.
   template <auto Read>
   constexpr ParameterRow& readBy() {
+    answersReal_ = std::is_same_v<decltype(Read(std::declval<const Port&>())), double>;
     return getBy(storeResult<Read>);
   }
   template <std::uint32_t Constant>
@@ -161,6 +171,9 @@ class ParameterRow : public ValueDescription {
     if (setsInteger_ && limits.kind != Limits::Kind::kInteger &&
         limits.kind != Limits::Kind::kEnumeration)
       throw "an integer setting has an integer range or an enumeration";
+    if (limits.kind != Limits::Kind::kNone && limits.kind != Limits::Kind::kText &&
+        answersReal_ != (limits.kind == Limits::Kind::kReal))
+      throw "a get answers in the width of its limits";
     if (display && limits.kind == Limits::Kind::kNone) throw "what is shown has limits";
     if (display && ((accessMode & REGISTER_INFO_WRITABLE) != 0) != set)
       throw "what is shown as writable has a setter, and nothing else";
@@ -170,6 +183,12 @@ class ParameterRow : public ValueDescription {
   }
 
  private:
+  constexpr void nameDesign(DesignId id) {
+    if (namesDesign_) throw "a row names one part of the design";
+    design_ = id;
+    namesDesign_ = true;
+  }
+
   template <class T>
   static void writePlain(Port& port, const ParameterRow& row, T value);
   static void writeNothing(Port& port, const ParameterRow& row, std::uint32_t value);
@@ -195,6 +214,8 @@ class ParameterRow : public ValueDescription {
   bool setsInteger_ = false;
   bool setsReal_ = false;
   bool drivesRegister_ = false;
+  bool namesDesign_ = false;
+  bool answersReal_ = false;
 };
 
 /// The value last accepted.
@@ -222,8 +243,7 @@ constexpr ParameterRow forwarded(SdkParameter parameter) {
 /// A value that triggers something: neither written at start-up nor saved.
 constexpr ParameterRow command(SdkParameter parameter, const Limits& limits, Field field) {
   ParameterRow row = reading(parameter, limits);
-  row.field = field;
-  return row.getBy(getSetting);
+  return row.keeps(field).getBy(getSetting);
 }
 
 /// A value that is kept: written at start-up, saved in configuration files and read back.

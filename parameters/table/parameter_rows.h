@@ -400,6 +400,7 @@ inline constexpr ParameterRow kParameters[] = {
 
 inline constexpr std::size_t kParameterCount = std::size(kParameters);
 inline constexpr std::size_t kListedParameters = kParameterCount - 1;
+static_assert(kParameters[kListedParameters].id == FG_PARAM_DESCR);
 
 static_assert([]() consteval {
   for (const ParameterRow& row : kParameters) row.check();
