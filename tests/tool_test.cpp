@@ -1,5 +1,5 @@
 /// The tool `velmora`, run as a user runs it: transcripts of a shell, `data/tool/*.txt`. Below each
-/// command are its output, its messages behind "! " and its exit status if that is not 0; "## "
+/// command are its output, its messages after "! " and its exit status if that is not 0; "## "
 /// begins a comment.
 #include <gtest/gtest.h>
 #include <sys/wait.h>
@@ -21,7 +21,7 @@ constexpr const char* kPath = "$OTHER";
 
 class Tool : public testing::TestWithParam<const char*> {
  protected:
-  /// The lines of a file, each behind a prefix.
+  /// The lines of a file, each after a prefix.
   static std::string lines(const std::string& file, const std::string& prefix) {
     std::string text;
     std::ifstream stream(file);

@@ -144,7 +144,7 @@ consteval auto checkedLines() {
   }
   for (const ParameterRow& row : rows::kParameters)
     if (std::ranges::count(kLines, row.id, &Line::parameter) != (row.display ? 1 : 0))
-      throw "a shown parameter stands in the catalogue once";
+      throw "a shown parameter has one catalogue line";
   return lines;
 }
 
