@@ -6,8 +6,8 @@
 
 #include "applet/icon.h"
 #include "design/design_image.h"
-#include "parameters/applet_identity.h"
-#include "parameters/table/enumerations.h"
+#include "parameters/families/enumerations.h"
+#include "parameters/port/applet_identity.h"
 #include "velmora/errors.h"
 #include "velmora/velmora.h"
 #include "wrapper/fg_kt_wrapper.h"

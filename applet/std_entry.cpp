@@ -5,8 +5,8 @@
 
 #include "design/design_image.h"
 #include "external/release.h"
-#include "parameters/applet_identity.h"
 #include "parameters/fg_kt_wrapper_impl.h"
+#include "parameters/port/applet_identity.h"
 #include "support/cancellation.h"
 #include "velmora/velmora.h"
 #include "wrapper/loaded_design.h"

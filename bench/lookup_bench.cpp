@@ -5,7 +5,7 @@
 #include <map>
 #include <vector>
 
-#include "parameters/table/parameter_table.h"
+#include "parameters/port/parameter_table.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 /// The port sections of a configuration file.
 #include "config/config_file_parser.h"
 #include "parameters/fg_kt_wrapper_impl.h"
-#include "parameters/table/parameter_table.h"
+#include "parameters/port/parameter_table.h"
 
 namespace velmora {
 namespace {
@@ -46,7 +46,7 @@ void FgKtWrapperImpl::saveParameters(Fg_ConfigFileParser& parser) {
   for (Port& port : ports_) {
     parser.writeConfigFileByPort(static_cast<int>(port.index));
     for (const ParameterRow& row : listedParameters())
-      if (row.saved) saveParameter(parser, port, row);
+      if (row.persisted) saveParameter(parser, port, row);
   }
 }
 

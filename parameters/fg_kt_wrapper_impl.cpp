@@ -5,10 +5,10 @@
 
 #include "external/dervin.h"
 #include "external/korv_hw.h"
-#include "parameters/applet_identity.h"
 #include "parameters/design/direct_access.h"
-#include "parameters/failure.h"
-#include "parameters/table/parameter_table.h"
+#include "parameters/design/failure.h"
+#include "parameters/port/applet_identity.h"
+#include "parameters/port/parameter_table.h"
 #include "support/logging.h"
 #include "velmora/parameters.h"
 
@@ -21,7 +21,6 @@ using korv::tools::logging::logMessage;
 
 namespace {
 
-constexpr int kLogRefusal = 4;
 constexpr int kWidestWord = 32;
 
 /// Reads the caller's value; the pointer need not be aligned.
@@ -57,7 +56,7 @@ Logger& FgKtWrapperImpl::logger() {
 
 template <class... Pieces>
 void FgKtWrapperImpl::logRefusal(const Pieces&... pieces) {
-  logMessage(logger(), kLogRefusal, pieces...);
+  logMessage(logger(), kLogComplaint, pieces...);
 }
 
 int FgKtWrapperImpl::Fg_setParameterWithType(int id, const void* value, unsigned dma, int type) {

@@ -10,11 +10,11 @@
 
 #include "parameters/design/design_events.h"
 #include "parameters/design/design_ids.h"
-#include "parameters/handed_out_strings.h"
-#include "parameters/port.h"
+#include "parameters/port/port.h"
 #include "parameters/table/parameter_names.h"
 #include "support/locks.h"
 #include "wrapper/fg_kt_wrapper.h"
+#include "wrapper/handed_out_strings.h"
 
 namespace velmora {
 
@@ -67,6 +67,8 @@ class FgKtWrapperImpl : public FgKtWrapper {
   int getLoadAppletId() override;
 
  private:
+  static constexpr int kLogComplaint = 4;  ///< Level of refusals and missing names.
+
   bool isDirectRegister(int id) const;
   int setRegister(int id, const void* value) const;
   int getRegister(int id, void* value) const;

@@ -5,8 +5,8 @@
 #include "parameters/families/trigger_outputs.h"
 #include "parameters/families/trigger_transitions.h"
 #include "parameters/fg_kt_wrapper_impl.h"
+#include "parameters/port/parameter_table.h"
 #include "parameters/table/catalogue.h"
-#include "parameters/table/parameter_table.h"
 #include "paraminfo/parameter_nodes.h"
 #include "support/cancellation.h"
 #include "support/logging.h"
@@ -15,15 +15,9 @@ namespace velmora {
 
 using korv::tools::logging::logMessage;
 
-namespace {
-
-constexpr int kLogMissingName = 4;
-
-}  // namespace
-
 /// Hosts look for these lines under the name of the base class.
 void FgKtWrapperImpl::logMissing(const char* what, const std::string& name) {
-  logMessage(FgKtWrapper::logger(), kLogMissingName, what, name, "'");
+  logMessage(FgKtWrapper::logger(), kLogComplaint, what, name, "'");
 }
 
 void FgKtWrapperImpl::buildTables() {
@@ -54,16 +48,16 @@ void FgKtWrapperImpl::resolveParameterIds() {
 
 void FgKtWrapperImpl::initParameterInfo() {
   for (Port& port : ports_) {
-    const int process = static_cast<int>(port.index);
-    describe(catalogue(), *parameterInfo(), parameterNodes(), process);
+    const int index = static_cast<int>(port.index);
+    describe(catalogue(), *parameterInfo(), parameterNodes(), index);
     // The runtime's tools expect the two groups of the last port in the opposite order.
     const bool registersFirst = port.index == kPorts - 1;
-    if (registersFirst && directRegisterAccess_) describeRegisters(*this, process);
-    describeDesignParameters(*this, process, designParameters_);
-    if (!registersFirst && directRegisterAccess_) describeRegisters(*this, process);
+    if (registersFirst && directRegisterAccess_) describeRegisters(*this, index);
+    describeDesignParameters(*this, index, designParameters_);
+    if (!registersFirst && directRegisterAccess_) describeRegisters(*this, index);
 
     for (const ParameterRow& row : listedParameters())
-      port.nodes.push_back(parameterNodes().find(process, row.id));
+      port.nodes.push_back(parameterNodes().find(index, row.id));
   }
 }
 

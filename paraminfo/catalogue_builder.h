@@ -35,6 +35,6 @@ inline constexpr int kCatalogueLevels = 4;
 /// Adds a node for each line, in order, to `registry`, and the nodes of values to `nodes`. The
 /// lines must be well-formed: each is preceded by its group.
 void describe(std::span<const CatalogueLine> lines, Fg_ParameterInfo& registry,
-              ParameterNodes& nodes, int process);
+              ParameterNodes& nodes, int port);
 
 }  // namespace velmora

@@ -31,6 +31,13 @@ struct Limits {
   bool lastEntryNotOnPort0 = false;
   const char* text = nullptr;
 
+  /// Whether there are values and steps between them.
+  constexpr bool sensible() const {
+    if (kind == Kind::kInteger) return integer.min <= integer.max && integer.inc > 0;
+    if (kind == Kind::kReal) return real.min <= real.max && real.inc > 0;
+    return kind != Kind::kEnumeration || !allEntries.empty();
+  }
+
   /// The entries of an enumeration on a port.
   constexpr Enumeration entries(unsigned port) const {
     return lastEntryNotOnPort0 && port == 0 ? allEntries.first(allEntries.size() - 1) : allEntries;

@@ -25,7 +25,7 @@ using Lines = std::vector<std::string>;
 /// `Std_entry` flag: the design keeps what it has.
 inline constexpr int kNoDefaults = VELMORA_LEAVE_DESIGN;
 
-inline constexpr unsigned kPorts = VELMORA_PORTS;
+using velmora::kPorts;
 
 /// Owns a device and, if `Std_entry` succeeds, an applet on it. The journal runs from construction
 /// on and holds start-up until it is taken. Ends with no faults, no journal and everything

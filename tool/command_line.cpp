@@ -147,7 +147,9 @@ class CommandLine {
   }
 
   void addPort(CLI::App* command, const char* description) {
-    command->add_option("--port", port_, description)->type_name("N")->check(range(0u, kPorts - 1));
+    command->add_option("--port", port_, description)
+        ->type_name("N")
+        ->check(range(0u, velmora::kPorts - 1));
   }
 
   void addInfo() {
@@ -207,7 +209,7 @@ class CommandLine {
     acquire->add_option("--port", acquire_.ports, "Ports to acquire on, all at the same time")
         ->type_name("N")
         ->required()
-        ->check(range(0u, kPorts - 1));
+        ->check(range(0u, velmora::kPorts - 1));
     acquire->add_option("--count", acquire_.pictures, "Pictures to acquire on each port")
         ->type_name("N")
         ->required()

@@ -8,8 +8,6 @@
 
 namespace velmora::tool {
 
-inline constexpr unsigned kPorts = VELMORA_PORTS;
-
 /// NAME or NAME@PORT.
 struct ParameterName {
   std::string name;

@@ -2,6 +2,8 @@
 
 #include <dlfcn.h>
 
+#include <algorithm>
+
 namespace velmora {
 namespace {
 
@@ -36,17 +38,12 @@ constexpr RuntimeSymbol kRuntimeSymbols[] = {
     {41, "Shad_WriteActLine"},
 };
 
-/// Every position is used once or listed as empty: a mistake would call the wrong function.
-consteval bool eachPositionOnce() {
-  constexpr std::size_t kEmpty[] = {0, 1, 2, 3, 10, 17, 18, 21, 22, 23, 24, 25, 26, 27, 28};
-  std::array<int, WrapperFunctionTable::kPositions> uses{};
-  for (const RuntimeSymbol& symbol : kRuntimeSymbols) ++uses[symbol.position];
-  for (const std::size_t position : kEmpty) ++uses[position];
-  for (const int count : uses)
-    if (count != 1) return false;
-  return true;
-}
-static_assert(eachPositionOnce());
+/// A symbol out of its place would call the wrong function.
+static_assert(std::ranges::equal(kRuntimeSymbols,
+                                 std::to_array<std::size_t>({4,  5,  6,  7,  8,  9,  11, 12, 13,
+                                                             14, 16, 15, 19, 20, 29, 30, 31, 32,
+                                                             33, 34, 36, 37, 38, 35, 39, 40, 41}),
+                                 {}, &RuntimeSymbol::position));
 
 }  // namespace
 

@@ -21,7 +21,7 @@
 
 namespace board {
 
-inline constexpr unsigned kPorts = VELMORA_PORTS;
+using velmora::kPorts;
 
 /// The registers and parameters of a port that determine its pictures.
 struct PortSettings {

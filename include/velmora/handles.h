@@ -3,6 +3,11 @@
 
 /// Camera ports of the applet, each with a DMA channel of the same number.
 enum { VELMORA_PORTS = 4 };
+#ifdef __cplusplus
+namespace velmora {
+inline constexpr unsigned kPorts = VELMORA_PORTS;
+}
+#endif
 
 typedef struct KTdevice KTdevice;            ///< Board device; owned by the host.
 typedef struct fpga_design fpga_design;      ///< Loaded FPGA design; owned by the design runtime.

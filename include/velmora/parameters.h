@@ -17,7 +17,7 @@ enum VelmoraParameter {
   FG_APPLET_REVISION = 24030,    ///< uint32, read only.
   FG_APPLET_ID = 24010,          ///< uint32, read only.
   FG_HAP_FILE = 24108,           ///< text, read only.
-  FG_DMASTATUS = 24092,          ///< uint32, read only.
+  FG_DMASTATUS = 24092,          ///< uint32, 0 or 1 (transfer runs), read only.
   FG_CAMSTATUS = 2000,           ///< uint32, 0 or 1, read only.
   FG_CAMSTATUS_EXTENDED = 2050,  ///< uint32, bit mask, 0 to 255, read only.
 
@@ -35,8 +35,8 @@ enum VelmoraParameter {
   FG_XOFFSET = 300,        ///< uint32, pixels, 0 to 8184 - FG_WIDTH in steps of 4, read/write.
   FG_YOFFSET = 400,        ///< uint32, pixels, 0 to 65533 - FG_HEIGHT, read/write.
 
-  FG_FILLLEVEL = 110086,   ///< uint32, percent, read only.
-  FG_OVERFLOW = 110087,    ///< uint32, read only.
+  FG_FILLLEVEL = 110086,   ///< uint32, percent, 0 to 100, read only.
+  FG_OVERFLOW = 110087,    ///< uint32, 0 or 1 (pictures were lost), read only.
   FG_FORMAT = 700,         ///< `OutputPixelFormat`, read/write.
   FG_BITALIGNMENT = 4010,  ///< `BitAlignment`, read/write.
   FG_PIXELDEPTH = 4000,    ///< uint32, bits, 8, read only.

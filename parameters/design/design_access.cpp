@@ -1,7 +1,7 @@
 #include "parameters/design/design_access.h"
 
 #include "external/korv_hw.h"
-#include "parameters/failure.h"
+#include "parameters/design/failure.h"
 #include "velmora/values.h"
 #include "wrapper/fg_kt_wrapper.h"
 

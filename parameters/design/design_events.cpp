@@ -32,8 +32,8 @@ std::vector<Event> eventsOf(fpga_design* design) {
   return events;
 }
 
-/// An SDK event and the design event it maps to. {c} stands for the camera, {L} for its port
-/// letter, {i} for a trigger input, {M} for the camera's half of the monitoring events.
+/// An SDK event and the design event it maps to. {c} stands for the port, {L} for its letter,
+/// {i} for a trigger input, {M} for the monitoring module of the port, which serves two ports.
 struct SdkEvent {
   const char* name;
   const char* designName;
@@ -65,11 +65,14 @@ constexpr SdkEvent kMonitoringEvents[] = {
     {"FG_TRIGGER_OUTPUT_CAM{c}", "Device1_Process4_Trigger_Monitoring_{M}_Cam{c}OutputEvent"},
 };
 
-std::string expand(const char* pattern, unsigned camera, unsigned input) {
-  return expandMarks(pattern, {{"{c}", std::to_string(camera)},
-                               {"{L}", std::string(1, static_cast<char>('A' + camera))},
-                               {"{i}", std::to_string(input)},
-                               {"{M}", camera < 2 ? "MonitoringEvents" : "MonitoringEvents_1"}});
+std::string expand(const char* pattern, unsigned port, unsigned input) {
+  const unsigned module = port / 2;
+  return expandMarks(
+      pattern,
+      {{"{c}", std::to_string(port)},
+       {"{L}", std::string(1, static_cast<char>('A' + port))},
+       {"{i}", std::to_string(input)},
+       {"{M}", module == 0 ? "MonitoringEvents" : "MonitoringEvents_" + std::to_string(module)}});
 }
 
 }  // namespace
@@ -83,20 +86,20 @@ std::vector<std::string> DesignEvents::read(fpga_design* design) {
   }
 
   std::vector<std::string> missing;
-  const auto add = [&](const SdkEvent& event, unsigned camera, unsigned input) {
-    const std::string designName = expand(event.designName, camera, input);
+  const auto add = [&](const SdkEvent& event, unsigned port, unsigned input) {
+    const std::string designName = expand(event.designName, port, input);
     const auto found = std::ranges::find(events, designName, &Event::name);
     if (found == events.end()) return missing.push_back(designName);
     const std::uint64_t mask = std::uint64_t{1} << (found - events.begin());
-    const std::string name = expand(event.name, camera, input);
+    const std::string name = expand(event.name, port, input);
     masks_[name] = mask;
     names_[mask] = name;
   };
-  for (unsigned camera = 0; camera < kPorts; ++camera) {
-    for (const SdkEvent& event : kFrameEvents) add(event, camera, 0);
+  for (unsigned port = 0; port < kPorts; ++port) {
+    for (const SdkEvent& event : kFrameEvents) add(event, port, 0);
     for (unsigned input = 0; input < kTriggerInputs; ++input)
-      for (const SdkEvent& event : kInputEvents) add(event, camera, input);
-    for (const SdkEvent& event : kMonitoringEvents) add(event, camera, 0);
+      for (const SdkEvent& event : kInputEvents) add(event, port, input);
+    for (const SdkEvent& event : kMonitoringEvents) add(event, port, 0);
   }
   return missing;
 }

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "parameters/applet_identity.h"
+#include "velmora/handles.h"
 
 namespace velmora {
 

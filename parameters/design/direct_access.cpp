@@ -7,7 +7,7 @@
 #include <set>
 
 #include "external/dervin.h"
-#include "parameters/design/forest.h"
+#include "paraminfo/forest.h"
 #include "wrapper/fg_kt_wrapper.h"
 
 namespace velmora {

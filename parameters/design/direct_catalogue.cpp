@@ -7,7 +7,7 @@
 
 #include "external/dervin.h"
 #include "parameters/design/direct_access.h"
-#include "parameters/design/forest.h"
+#include "paraminfo/forest.h"
 #include "paraminfo/parameter_info.h"
 #include "paraminfo/parameter_nodes.h"
 #include "velmora/errors.h"
@@ -38,13 +38,9 @@ std::unordered_map<int, Match> parametersById(const std::vector<ForestGroup>& fo
 /// Mirrors nodes of the runtime's forest, and each of their groups when it is first needed.
 class Mirror {
  public:
-  Mirror(Fg_ParameterInfo& registry, int process, RegisterInfo* root,
+  Mirror(Fg_ParameterInfo& registry, int port, RegisterInfo* root,
          const std::vector<ForestGroup>& forest)
-      : registry_(registry),
-        process_(process),
-        root_(root),
-        forest_(forest),
-        groups_(forest.size()) {}
+      : registry_(registry), port_(port), root_(root), forest_(forest), groups_(forest.size()) {}
 
   /// Adds the mirror of a parameter, under an SDK id, to the mirror of its group.
   RegisterInfo* add(const Match& match, int id);
@@ -53,7 +49,7 @@ class Mirror {
   RegisterInfo* group(std::size_t position);
 
   Fg_ParameterInfo& registry_;
-  int process_;
+  int port_;
   RegisterInfo* root_;
   const std::vector<ForestGroup>& forest_;
   std::vector<RegisterInfo*> groups_;
@@ -65,7 +61,7 @@ RegisterInfo* Mirror::group(std::size_t position) {
   RegisterInfo*& mirror = groups_[position];
   if (!mirror) {
     const RegisterInfo& source = *forest_[position].group;
-    mirror = registry_.addGroupInfo(process_, group(forest_[position].parent), source.name);
+    mirror = registry_.addGroupInfo(port_, group(forest_[position].parent), source.name);
     if (source.paramName) Fg_ParameterInfo::setParamName(mirror, source.paramName);
   }
   return mirror;
@@ -89,7 +85,7 @@ RegisterInfo* Mirror::add(const Match& match, int id) {
   const auto value = [&](auto add, auto... content) {
     return (registry_.*add)(parent, source.name, paramName.c_str(), content...,
                             static_cast<int>(source.accessMode), static_cast<int>(source.qualifier),
-                            static_cast<int>(source.visible), source.unit, id, process_);
+                            static_cast<int>(source.visible), source.unit, id, port_);
   };
   const auto ranged = [&](auto add, const auto& range) {
     return value(add, range.min, range.max, range.inc);
@@ -121,17 +117,17 @@ RegisterInfo* Mirror::add(const Match& match, int id) {
 
 }  // namespace
 
-void describeDesignParameters(const FgKtWrapper& wrapper, int process,
+void describeDesignParameters(const FgKtWrapper& wrapper, int port,
                               const std::map<std::string, int>& idsByName) {
   if (idsByName.empty()) return;
   Fg_ParameterInfo& registry = *wrapper.parameterInfo();
-  RegisterInfo* root = registry.addGroupInfo(process, nullptr, "Direct KT Access");
+  RegisterInfo* root = registry.addGroupInfo(port, nullptr, "Direct KT Access");
   const RegisterInfo* described = wrapper.getUnwrappedParameterInfo();
   if (!root || !described) return;
 
   const std::vector<ForestGroup> forest = breadthFirst(described);
   const auto matches = parametersById(forest);
-  Mirror mirror(registry, process, root, forest);
+  Mirror mirror(registry, port, root, forest);
   for (const auto& [name, designId] : idsByName) {
     const auto found = matches.find(designId);
     if (found != matches.end() && isPlainValue(found->second.node->kind))
@@ -139,14 +135,14 @@ void describeDesignParameters(const FgKtWrapper& wrapper, int process,
   }
 }
 
-void describeRegisters(const FgKtWrapper& wrapper, int process) {
+void describeRegisters(const FgKtWrapper& wrapper, int port) {
   constexpr int kReadOnly = REGISTER_INFO_READABLE;
   constexpr int kWritable =
       REGISTER_INFO_READABLE | REGISTER_INFO_WRITABLE | REGISTER_INFO_RUNTIME_FLAG;
   constexpr int kQualifier = 1;
   constexpr int kVisible = 1;
   Fg_ParameterInfo& registry = *wrapper.parameterInfo();
-  RegisterInfo* group = registry.addGroupInfo(process, nullptr, "Direct Register Access");
+  RegisterInfo* group = registry.addGroupInfo(port, nullptr, "Direct Register Access");
   if (!group) return;
   fpga_design* design = wrapper.designHandle();
   for (const DesignRegister& reg : designRegisters(design)) {
@@ -157,7 +153,7 @@ void describeRegisters(const FgKtWrapper& wrapper, int process) {
     const auto add = [&](auto addInfo, auto max) {
       return (registry.*addInfo)(group, display.c_str(), name.c_str(), 0, max, 1,
                                  readOnly ? kReadOnly : kWritable, kQualifier, kVisible, nullptr,
-                                 reg.id + kRegisterIdOffset, process);
+                                 reg.id + kRegisterIdOffset, port);
     };
     const std::uint64_t max =
         bits >= 64 ? ~std::uint64_t{0} : (std::uint64_t{1} << (bits & 63)) - 1;

@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "parameters/table/setting.h"
+#include "parameters/port/setting.h"
 #include "velmora/parameters.h"
 
 namespace velmora::camera_simulator {

@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "parameters/table/setting.h"
+#include "parameters/port/setting.h"
 
 namespace velmora {
 

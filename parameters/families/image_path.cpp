@@ -1,6 +1,6 @@
 #include "parameters/families/image_path.h"
 
-#include "parameters/table/setting.h"
+#include "parameters/port/setting.h"
 #include "velmora/parameters.h"
 
 namespace velmora::image_path {

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "parameters/port.h"
+#include "parameters/port/port.h"
 #include "velmora/parameters.h"
 
 namespace velmora::port_status {

@@ -1,7 +1,7 @@
 #include "parameters/families/pulse_form_generators.h"
 
 #include "parameters/families/time_base.h"
-#include "parameters/table/setting.h"
+#include "parameters/port/setting.h"
 
 namespace velmora::pulse_form_generators {
 namespace {

@@ -4,7 +4,7 @@
 
 #include "parameters/families/trigger_mode.h"
 #include "parameters/families/trigger_queue.h"
-#include "parameters/table/setting.h"
+#include "parameters/port/setting.h"
 
 namespace velmora::software_trigger {
 namespace {

@@ -2,9 +2,9 @@
 
 #include <string_view>
 
-#include "parameters/applet_identity.h"
-#include "parameters/table/parameter_table.h"
-#include "parameters/table/setting.h"
+#include "parameters/port/applet_identity.h"
+#include "parameters/port/parameter_table.h"
+#include "parameters/port/setting.h"
 
 namespace velmora::texts {
 namespace {

@@ -1,15 +1,15 @@
 #include "parameters/families/trigger_mode.h"
 
+#include "parameters/families/enumerations.h"
 #include "parameters/families/trigger_transitions.h"
-#include "parameters/table/enumerations.h"
-#include "parameters/table/setting.h"
+#include "parameters/port/setting.h"
 #include "velmora/parameters.h"
 
 namespace velmora {
 namespace {
 
 /// In the order of the mode values.
-constexpr TriggerMode kModes[] = {
+constexpr TriggerMode kTriggerModes[] = {
     {.value = ATM_GENERATOR, .showsSoftwareTrigger = true},
     {.value = ATM_EXTERNAL, .queuesInput = true, .programsQueue = true},
     {.value = ATM_SYNCHRONIZED, .programsQueue = true, .showsSoftwareTrigger = true},
@@ -22,10 +22,10 @@ constexpr TriggerMode kModes[] = {
 
 consteval bool eachModeAtItsIndex() {
   for (const EnumEntry& entry : kAreaTriggerModes)
-    if (kModes[trigger_transitions::indexOf(static_cast<std::uint32_t>(entry.value))].value !=
-        static_cast<std::uint32_t>(entry.value))
+    if (kTriggerModes[trigger_transitions::indexOf(static_cast<std::uint32_t>(entry.value))]
+            .value != static_cast<std::uint32_t>(entry.value))
       return false;
-  return std::size(kModes) == std::size(kAreaTriggerModes);
+  return std::size(kTriggerModes) == std::size(kAreaTriggerModes);
 }
 static_assert(eachModeAtItsIndex());
 
@@ -49,7 +49,7 @@ void changeTo(Port& port, std::uint32_t& setting, std::uint32_t value) {
 }  // namespace
 
 const TriggerMode& triggerMode(const Port& port) {
-  return kModes[trigger_transitions::indexOf(port.settings.triggerMode)];
+  return kTriggerModes[trigger_transitions::indexOf(port.settings.triggerMode)];
 }
 
 void trigger_mode::setMode(Port& port, const ParameterRow& row, std::uint32_t mode) {

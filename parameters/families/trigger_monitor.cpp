@@ -3,7 +3,7 @@
 #include "parameters/families/queue_status.h"
 #include "parameters/families/time_base.h"
 #include "parameters/families/trigger_mode.h"
-#include "parameters/table/setting.h"
+#include "parameters/port/setting.h"
 
 namespace velmora::trigger_monitor {
 

@@ -1,12 +1,12 @@
 #include "parameters/families/trigger_outputs.h"
 
-#include "parameters/table/setting.h"
+#include "parameters/port/setting.h"
 
 namespace velmora::trigger_outputs {
 namespace {
 
 /// Inputs of the design's output multiplexers.
-enum Select : std::uint32_t { kGenerator0 = 0, kGenerator1 = 1, kBypass = 2, kConstant = 3 };
+enum Select : std::uint32_t { kPulseForm0 = 0, kPulseForm1 = 1, kBypass = 2, kConstant = 3 };
 
 /// How a source reaches an output: by a multiplexer input, inverted or not.
 struct OutputSourceRoute {
@@ -16,8 +16,8 @@ struct OutputSourceRoute {
 };
 
 constexpr OutputSourceRoute kRoutes[] = {
-    {PULSEGEN0, kGenerator0, 0}, {PULSEGEN1, kGenerator1, 0},     {GND, kConstant, 0},
-    {VCC, kConstant, 1},         {NOT_PULSEGEN0, kGenerator0, 1}, {NOT_PULSEGEN1, kGenerator1, 1},
+    {PULSEGEN0, kPulseForm0, 0}, {PULSEGEN1, kPulseForm1, 0},     {GND, kConstant, 0},
+    {VCC, kConstant, 1},         {NOT_PULSEGEN0, kPulseForm0, 1}, {NOT_PULSEGEN1, kPulseForm1, 1},
     {INPUT_BYPASS, kBypass, 0},  {NOT_INPUT_BYPASS, kBypass, 1},
 };
 

@@ -6,7 +6,7 @@
 
 #include "parameters/design/design_ids.h"
 #include "parameters/families/family.h"
-#include "parameters/process_settings.h"
+#include "parameters/port/process_settings.h"
 
 namespace velmora::trigger_outputs {
 

@@ -3,7 +3,7 @@
 #include "parameters/families/queue_status.h"
 #include "parameters/families/trigger_mode.h"
 #include "parameters/families/trigger_rate.h"
-#include "parameters/table/setting.h"
+#include "parameters/port/setting.h"
 #include "velmora/parameters.h"
 
 namespace velmora::trigger_queue {

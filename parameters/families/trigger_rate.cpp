@@ -2,8 +2,8 @@
 
 #include "parameters/families/pulse_form_generators.h"
 #include "parameters/families/time_base.h"
-#include "parameters/table/parameter_table.h"
-#include "parameters/table/setting.h"
+#include "parameters/port/parameter_table.h"
+#include "parameters/port/setting.h"
 
 namespace velmora::trigger_rate {
 namespace {

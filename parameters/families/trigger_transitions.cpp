@@ -2,11 +2,11 @@
 
 #include <array>
 
+#include "parameters/families/enumerations.h"
 #include "parameters/families/trigger_outputs.h"
 #include "parameters/families/trigger_queue.h"
 #include "parameters/families/trigger_rate.h"
-#include "parameters/port.h"
-#include "parameters/table/enumerations.h"
+#include "parameters/port/port.h"
 
 namespace velmora::trigger_transitions {
 namespace {

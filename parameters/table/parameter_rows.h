@@ -4,8 +4,8 @@
 #include <cstddef>
 #include <limits>
 
-#include "parameters/applet_identity.h"
 #include "parameters/families/camera_simulator.h"
+#include "parameters/families/enumerations.h"
 #include "parameters/families/image_path.h"
 #include "parameters/families/port_status.h"
 #include "parameters/families/pulse_form_generators.h"
@@ -17,8 +17,8 @@
 #include "parameters/families/trigger_outputs.h"
 #include "parameters/families/trigger_queue.h"
 #include "parameters/families/trigger_rate.h"
-#include "parameters/table/enumerations.h"
-#include "parameters/table/parameter_row.h"
+#include "parameters/port/applet_identity.h"
+#include "parameters/port/parameter_row.h"
 #include "velmora/parameters.h"
 
 namespace velmora::rows {
@@ -403,7 +403,10 @@ inline constexpr std::size_t kListedParameters = kParameterCount - 1;
 static_assert(kParameters[kListedParameters].id == FG_PARAM_DESCR);
 
 static_assert([]() consteval {
-  for (const ParameterRow& row : kParameters) row.check();
+  for (const ParameterRow& row : kParameters) {
+    row.check();
+    for (const ParameterRow* other = kParameters; other != &row; ++other) row.check(*other);
+  }
   return true;
 }());
 

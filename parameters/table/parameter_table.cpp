@@ -1,4 +1,4 @@
-#include "parameters/table/parameter_table.h"
+#include "parameters/port/parameter_table.h"
 
 #include <algorithm>
 

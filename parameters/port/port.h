@@ -6,9 +6,9 @@
 #include <vector>
 
 #include "parameters/design/design_access.h"
-#include "parameters/handed_out_strings.h"
-#include "parameters/process_settings.h"
+#include "parameters/port/process_settings.h"
 #include "velmora/register_info.h"
+#include "wrapper/handed_out_strings.h"
 
 namespace velmora {
 

@@ -1,4 +1,4 @@
-#include "parameters/handed_out_strings.h"
+#include "wrapper/handed_out_strings.h"
 
 #include <utility>
 

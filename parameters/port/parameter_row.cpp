@@ -1,6 +1,6 @@
-#include "parameters/table/parameter_row.h"
+#include "parameters/port/parameter_row.h"
 
-#include "parameters/table/setting.h"
+#include "parameters/port/setting.h"
 
 namespace velmora {
 

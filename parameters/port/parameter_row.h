@@ -10,11 +10,12 @@
 
 #include <cstdint>
 #include <cstring>
+#include <string_view>
 #include <type_traits>
 #include <utility>
 
 #include "parameters/design/design_ids.h"
-#include "parameters/process_settings.h"
+#include "parameters/port/process_settings.h"
 #include "paraminfo/catalogue_builder.h"
 #include "velmora/register_info.h"
 
@@ -54,7 +55,7 @@ class ParameterRow : public ValueDescription {
   Setter<double> setReal = nullptr;            ///< Setter of a double setting, else null.
   Getter get = nullptr;
   bool appliedAtStart = false;      ///< The default is written at start-up.
-  bool saved = false;               ///< Kept in configuration files.
+  bool persisted = false;           ///< Kept in configuration files.
   bool loaded = false;              ///< Read back from them.
   bool storedBeforeLoad = false;    ///< Stored by a load before it calls any setter.
   bool reopens = false;             ///< Can be set again once a trigger transition is complete.
@@ -167,6 +168,8 @@ class ParameterRow : public ValueDescription {
     if (setsInteger_ && !field.integer) throw "an integer setter stores into an integer field";
     if (setsReal_ && !field.real) throw "a real setter stores into a real field";
     if (setsInteger_ && setsReal_) throw "a setting is an integer or real";
+    if (set && !limits.sensible()) throw "the limits leave nothing to set";
+    if (set && !acceptsDefault()) throw "a default lies within its limits";
     if (setsReal_ && limits.kind != Limits::Kind::kReal) throw "a real setting has a real range";
     if (setsInteger_ && limits.kind != Limits::Kind::kInteger &&
         limits.kind != Limits::Kind::kEnumeration)
@@ -178,11 +181,25 @@ class ParameterRow : public ValueDescription {
     if (display && ((accessMode & REGISTER_INFO_WRITABLE) != 0) != set)
       throw "what is shown as writable has a setter, and nothing else";
     if (reopens && (!set || accessMode != kSwitched)) throw "only switched settings reopen";
-    if ((appliedAtStart || saved) && !set) throw "only settings are applied and saved";
+    if ((appliedAtStart || persisted) && !set) throw "only settings are applied and persisted";
     if (isRegister(design_) != drivesRegister_) throw "registers are only driven";
   }
 
+  /// Nor do two rows that stand for one thing.
+  consteval void check(const ParameterRow& other) const {
+    if (id == other.id || std::string_view(name) == other.name) throw "one id and name per row";
+    if (field.integer && field.integer == other.field.integer) throw "one field per row";
+    if (field.real && field.real == other.field.real) throw "one field per row";
+    if (namesDesign_ && other.namesDesign_ && design_ == other.design_)
+      throw "one row per part of the design";
+  }
+
  private:
+  constexpr bool acceptsDefault() const {
+    constexpr ProcessSettings kDefaults;
+    return setsReal_ ? limits.accepts(kDefaults.*field.real, 0)
+                     : limits.accepts(kDefaults.*field.integer, 0);
+  }
   constexpr void nameDesign(DesignId id) {
     if (namesDesign_) throw "a row names one part of the design";
     design_ = id;
@@ -249,7 +266,7 @@ constexpr ParameterRow command(SdkParameter parameter, const Limits& limits, Fie
 /// A value that is kept: written at start-up, saved in configuration files and read back.
 constexpr ParameterRow setting(SdkParameter parameter, const Limits& limits, Field field) {
   ParameterRow row = command(parameter, limits, field);
-  row.appliedAtStart = row.saved = row.loaded = row.storedBeforeLoad = true;
+  row.appliedAtStart = row.persisted = row.loaded = row.storedBeforeLoad = true;
   return row;
 }
 /// @}

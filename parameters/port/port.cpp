@@ -1,6 +1,6 @@
-#include "parameters/port.h"
+#include "parameters/port/port.h"
 
-#include "parameters/table/parameter_table.h"
+#include "parameters/port/parameter_table.h"
 
 namespace velmora {
 

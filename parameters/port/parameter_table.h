@@ -7,7 +7,7 @@
 #include <span>
 #include <string_view>
 
-#include "parameters/table/parameter_row.h"
+#include "parameters/port/parameter_row.h"
 
 namespace velmora {
 

@@ -4,10 +4,10 @@
 #include <cstdint>
 #include <cstring>
 
-#include "parameters/failure.h"
-#include "parameters/port.h"
-#include "parameters/table/parameter_row.h"
-#include "parameters/transaction.h"
+#include "parameters/design/failure.h"
+#include "parameters/port/parameter_row.h"
+#include "parameters/port/port.h"
+#include "parameters/port/transaction.h"
 #include "velmora/errors.h"
 
 namespace velmora {

@@ -1,4 +1,4 @@
-#include "parameters/design/forest.h"
+#include "paraminfo/forest.h"
 
 namespace velmora {
 

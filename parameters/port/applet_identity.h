@@ -2,8 +2,6 @@
 
 #include <cstdint>
 
-#include "velmora/handles.h"
-
 namespace velmora {
 
 /// The applet's identity, as tools and files show it.
@@ -17,6 +15,5 @@ inline constexpr int kBoardType = 3652;
 inline constexpr std::uint32_t kAppletVersion = 2;
 inline constexpr std::uint32_t kAppletRevision = 1;
 inline constexpr std::uint32_t kAppletId = 0;
-inline constexpr std::uint32_t kPorts = VELMORA_PORTS;
 
 }  // namespace velmora
