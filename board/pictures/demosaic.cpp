@@ -1,0 +1,108 @@
+#include "board/pictures/demosaic.h"
+
+#include <algorithm>
+
+namespace board {
+namespace {
+
+/// Pixels that are computed as planes before they are interleaved: few enough for the first cache.
+constexpr std::size_t kBlock = 512;
+using Plane = std::array<std::uint8_t, kBlock>;
+
+/// All ones in every other byte.
+constexpr auto kAlternating = [] {
+  std::array<std::uint8_t, kBlock + 1> bytes{};
+  for (std::size_t i = 0; i < bytes.size(); i += 2) bytes[i] = 0xFF;
+  return bytes;
+}();
+
+// Everything below works on bytes and 16-bit words without branches: compilers make vectors of it.
+// It is inlined into a function for each kind of processor.
+#define VELMORA_INLINE __attribute__((always_inline)) inline
+
+using Byte = std::uint8_t;
+using Word = std::uint16_t;
+
+VELMORA_INLINE Byte mean(Byte a, Byte b) { return static_cast<Byte>((a + b + 1) >> 1); }
+
+/// (a + b + c + d + 2) / 4 in bytes. The mean of means is too large by one if it and one of them
+/// were rounded up.
+VELMORA_INLINE Byte mean(Byte a, Byte b, Byte c, Byte d) {
+  const Byte ab = mean(a, b);
+  const Byte cd = mean(c, d);
+  return static_cast<Byte>(mean(ab, cd) - (((a ^ b) | (c ^ d)) & (ab ^ cd) & 1));
+}
+
+VELMORA_INLINE Byte choose(Byte mask, Byte ones, Byte zeros) {
+  return static_cast<Byte>((ones & mask) | (zeros & ~mask));
+}
+
+/// (value * gain + 512) / 1024 by products that fit 16 bits.
+VELMORA_INLINE Byte amplify(Byte value, Word gain) {
+  const Word high = static_cast<Word>(gain >> 4);
+  const Word low = gain & 15;
+  const Word sum = static_cast<Word>(value * high + (static_cast<Word>(value * low) >> 4) + 32);
+  return static_cast<Byte>(std::min<Word>(sum >> 6, 255));
+}
+
+struct Planes {
+  Plane own;  ///< The colour that shares the line with green.
+  Plane green;
+  Plane other;
+};
+
+VELMORA_INLINE void interpolate(const MosaicLines& lines, std::size_t first, std::size_t count,
+                                const Gains& gains, Planes& planes) {
+  const Byte* above = lines.above + first;
+  const Byte* line = lines.line + first;
+  const Byte* below = lines.below + first;
+  const Byte* greenHere = kAlternating.data() + (lines.startsGreen ? 0 : 1);
+  const Word ownGain = gains[lines.hasBlue ? 0 : 2];
+  const Word greenGain = gains[1];
+  const Word otherGain = gains[lines.hasBlue ? 2 : 0];
+  for (std::size_t i = 0; i < count; ++i) {
+    const Byte left = line[i - 1], right = line[i + 1];
+    const Byte cross = mean(left, right, above[i], below[i]);
+    const Byte corners = mean(above[i - 1], above[i + 1], below[i - 1], below[i + 1]);
+    const Byte mask = greenHere[i];
+    planes.own[i] = amplify(choose(mask, mean(left, right), line[i]), ownGain);
+    planes.green[i] = amplify(choose(mask, line[i], cross), greenGain);
+    planes.other[i] = amplify(choose(mask, mean(above[i], below[i]), corners), otherGain);
+  }
+}
+
+VELMORA_INLINE void demosaic(const MosaicLines& lines, const Gains& gains, std::size_t width,
+                             Byte* __restrict pixels) {
+  Planes planes;
+  const Plane& blue = lines.hasBlue ? planes.own : planes.other;
+  const Plane& red = lines.hasBlue ? planes.other : planes.own;
+  for (std::size_t first = 0; first < width; first += kBlock) {
+    const std::size_t count = std::min(kBlock, width - first);
+    interpolate(lines, first, count, gains, planes);
+    for (std::size_t i = 0; i < count; ++i) {
+      *pixels++ = blue[i];
+      *pixels++ = planes.green[i];
+      *pixels++ = red[i];
+    }
+  }
+}
+
+#if defined(__x86_64__)
+__attribute__((target("avx2"))) void demosaicAvx2(const MosaicLines& lines, const Gains& gains,
+                                                  std::size_t width, Byte* pixels) {
+  demosaic(lines, gains, width, pixels);
+}
+#endif
+
+}  // namespace
+
+void demosaicLine(const MosaicLines& lines, const Gains& gains, std::size_t width,
+                  std::uint8_t* pixels) {
+#if defined(__x86_64__)
+  static const bool hasAvx2 = __builtin_cpu_supports("avx2") != 0;
+  if (hasAvx2) return demosaicAvx2(lines, gains, width, pixels);
+#endif
+  demosaic(lines, gains, width, pixels);
+}
+
+}  // namespace board
