@@ -18,41 +18,41 @@ constexpr auto kAlternating = [] {
 
 // Everything below works on bytes and 16-bit words without branches: compilers make vectors of it.
 // It is inlined into a function for each kind of processor.
-#define VELMORA_INLINE __attribute__((always_inline)) inline
 
 using Byte = std::uint8_t;
 using Word = std::uint16_t;
 
-VELMORA_INLINE Byte mean(Byte a, Byte b) { return static_cast<Byte>((a + b + 1) >> 1); }
+[[gnu::always_inline]] inline Byte mean(Byte a, Byte b) {
+  return static_cast<Byte>((a + b + 1) >> 1);
+}
 
 /// (a + b + c + d + 2) / 4 in bytes. The mean of means is too large by one if it and one of them
 /// were rounded up.
-VELMORA_INLINE Byte mean(Byte a, Byte b, Byte c, Byte d) {
+[[gnu::always_inline]] inline Byte mean(Byte a, Byte b, Byte c, Byte d) {
   const Byte ab = mean(a, b);
   const Byte cd = mean(c, d);
   return static_cast<Byte>(mean(ab, cd) - (((a ^ b) | (c ^ d)) & (ab ^ cd) & 1));
 }
 
-VELMORA_INLINE Byte choose(Byte mask, Byte ones, Byte zeros) {
+[[gnu::always_inline]] inline Byte choose(Byte mask, Byte ones, Byte zeros) {
   return static_cast<Byte>((ones & mask) | (zeros & ~mask));
 }
 
-/// (value * gain + 512) / 1024 by products that fit 16 bits.
-VELMORA_INLINE Byte amplify(Byte value, Word gain) {
-  const Word high = static_cast<Word>(gain >> 4);
-  const Word low = gain & 15;
-  const Word sum = static_cast<Word>(value * high + (static_cast<Word>(value * low) >> 4) + 32);
-  return static_cast<Byte>(std::min<Word>(sum >> 6, 255));
+/// (value * gain + 512) / 1024, the division done in two steps for the sake of 16 bits.
+[[gnu::always_inline]] inline Byte amplify(Byte value, Word gain) {
+  const Word quadruple = static_cast<Word>((value << 8) * gain >> 16);
+  return static_cast<Byte>(std::min<Word>(static_cast<Word>(quadruple + 2) >> 2, 255));
 }
 
-struct Planes {
+struct alignas(64) Planes {
   Plane own;  ///< The colour that shares the line with green.
   Plane green;
   Plane other;
 };
 
-VELMORA_INLINE void interpolate(const MosaicLines& lines, std::size_t first, std::size_t count,
-                                const Gains& gains, Planes& planes) {
+[[gnu::always_inline]] inline void interpolate(const MosaicLines& lines, std::size_t first,
+                                               std::size_t count, const Gains& gains,
+                                               Planes& planes) {
   const Byte* above = lines.above + first;
   const Byte* line = lines.line + first;
   const Byte* below = lines.below + first;
@@ -71,8 +71,8 @@ VELMORA_INLINE void interpolate(const MosaicLines& lines, std::size_t first, std
   }
 }
 
-VELMORA_INLINE void demosaic(const MosaicLines& lines, const Gains& gains, std::size_t width,
-                             Byte* __restrict pixels) {
+[[gnu::always_inline]] inline void demosaic(const MosaicLines& lines, const Gains& gains,
+                                            std::size_t width, Byte* __restrict pixels) {
   Planes planes;
   const Plane& blue = lines.hasBlue ? planes.own : planes.other;
   const Plane& red = lines.hasBlue ? planes.other : planes.own;
@@ -87,22 +87,44 @@ VELMORA_INLINE void demosaic(const MosaicLines& lines, const Gains& gains, std::
   }
 }
 
+using Demosaic = void (*)(const MosaicLines&, const Gains&, std::size_t, Byte*);
+
+void demosaicAnywhere(const MosaicLines& lines, const Gains& gains, std::size_t width,
+                      Byte* pixels) {
+  demosaic(lines, gains, width, pixels);
+}
+
 #if defined(__x86_64__)
-__attribute__((target("avx2"))) void demosaicAvx2(const MosaicLines& lines, const Gains& gains,
-                                                  std::size_t width, Byte* pixels) {
+[[gnu::target("avx2")]] void demosaicAvx2(const MosaicLines& lines, const Gains& gains,
+                                          std::size_t width, Byte* pixels) {
+  demosaic(lines, gains, width, pixels);
+}
+
+[[gnu::target("avx512bw,avx512vl,avx512vbmi")]] void demosaicAvx512(const MosaicLines& lines,
+                                                                    const Gains& gains,
+                                                                    std::size_t width,
+                                                                    Byte* pixels) {
   demosaic(lines, gains, width, pixels);
 }
 #endif
+
+Demosaic bestForProcessor() {
+#if defined(__x86_64__)
+  const auto has = [](int support) { return support != 0; };
+  if (has(__builtin_cpu_supports("avx512bw")) && has(__builtin_cpu_supports("avx512vl")) &&
+      has(__builtin_cpu_supports("avx512vbmi")))
+    return demosaicAvx512;
+  if (has(__builtin_cpu_supports("avx2"))) return demosaicAvx2;
+#endif
+  return demosaicAnywhere;
+}
 
 }  // namespace
 
 void demosaicLine(const MosaicLines& lines, const Gains& gains, std::size_t width,
                   std::uint8_t* pixels) {
-#if defined(__x86_64__)
-  static const bool hasAvx2 = __builtin_cpu_supports("avx2") != 0;
-  if (hasAvx2) return demosaicAvx2(lines, gains, width, pixels);
-#endif
-  demosaic(lines, gains, width, pixels);
+  static const Demosaic best = bestForProcessor();
+  best(lines, gains, width, pixels);
 }
 
 }  // namespace board

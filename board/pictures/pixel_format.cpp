@@ -1,8 +1,7 @@
 #include "board/pictures/pixel_format.h"
 
 #include <algorithm>
-
-#include "velmora/values.h"
+#include <iterator>
 
 namespace board {
 namespace {
@@ -14,26 +13,12 @@ struct Format {
   Layout layout;
 };
 
-constexpr Format formatOf(std::uint32_t number) {
-  switch (number % 8) {
-    case MONO8_SIGNED:
-      return {8, Layout::kSignedBytes};
-    case MONO10:
-      return {10, Layout::kWords};
-    case MONO10_PACKED:
-      return {10, Layout::kPairs};
-    case MONO12:
-      return {12, Layout::kWords};
-    case MONO12_PACKED:
-      return {12, Layout::kPairs};
-    case MONO14:
-      return {14, Layout::kWords};
-    case MONO16:
-      return {16, Layout::kWords};
-    default:
-      return {8, Layout::kBytes};
-  }
-}
+/// By `CameraPixelFormat`.
+constexpr Format kFormats[] = {
+    {8, Layout::kBytes},  {8, Layout::kSignedBytes}, {10, Layout::kWords}, {10, Layout::kPairs},
+    {12, Layout::kWords}, {12, Layout::kPairs},      {16, Layout::kWords}, {14, Layout::kWords}};
+
+constexpr Format formatOf(std::uint32_t number) { return kFormats[number % std::size(kFormats)]; }
 
 constexpr unsigned linkBits(Layout layout) {
   if (layout == Layout::kWords) return 16;
