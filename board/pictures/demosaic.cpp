@@ -18,7 +18,6 @@ constexpr auto kAlternating = [] {
 
 // Everything below works on bytes and 16-bit words without branches: compilers make vectors of it.
 // It is inlined into a function for each kind of processor.
-
 using Byte = std::uint8_t;
 using Word = std::uint16_t;
 
@@ -26,8 +25,8 @@ using Word = std::uint16_t;
   return static_cast<Byte>((a + b + 1) >> 1);
 }
 
-/// (a + b + c + d + 2) / 4 in bytes. The mean of means is too large by one if it and one of them
-/// were rounded up.
+/// (a + b + c + d + 2) / 4 in bytes. The mean of means is too large by one if it and either
+/// of them were rounded up.
 [[gnu::always_inline]] inline Byte mean(Byte a, Byte b, Byte c, Byte d) {
   const Byte ab = mean(a, b);
   const Byte cd = mean(c, d);
@@ -51,34 +50,32 @@ struct alignas(64) Planes {
 };
 
 [[gnu::always_inline]] inline void interpolate(const MosaicLines& lines, std::size_t first,
-                                               std::size_t count, const Gains& gains,
-                                               Planes& planes) {
+                                               std::size_t count, Planes& planes) {
   const Byte* above = lines.above + first;
   const Byte* line = lines.line + first;
   const Byte* below = lines.below + first;
   const Byte* greenHere = kAlternating.data() + (lines.startsGreen ? 0 : 1);
-  const Word ownGain = gains[lines.hasBlue ? 0 : 2];
-  const Word greenGain = gains[1];
-  const Word otherGain = gains[lines.hasBlue ? 2 : 0];
+  const auto [blueGain, greenGain, redGain] = lines.gains;
+  const Word ownGain = lines.hasBlue ? blueGain : redGain;
+  const Word otherGain = lines.hasBlue ? redGain : blueGain;
   for (std::size_t i = 0; i < count; ++i) {
-    const Byte left = line[i - 1], right = line[i + 1];
-    const Byte cross = mean(left, right, above[i], below[i]);
+    const Byte beside = mean(line[i - 1], line[i + 1]);
+    const Byte over = mean(above[i], below[i]);
+    const Byte cross = mean(line[i - 1], line[i + 1], above[i], below[i]);
     const Byte corners = mean(above[i - 1], above[i + 1], below[i - 1], below[i + 1]);
-    const Byte mask = greenHere[i];
-    planes.own[i] = amplify(choose(mask, mean(left, right), line[i]), ownGain);
-    planes.green[i] = amplify(choose(mask, line[i], cross), greenGain);
-    planes.other[i] = amplify(choose(mask, mean(above[i], below[i]), corners), otherGain);
+    planes.own[i] = amplify(choose(greenHere[i], beside, line[i]), ownGain);
+    planes.green[i] = amplify(choose(greenHere[i], line[i], cross), greenGain);
+    planes.other[i] = amplify(choose(greenHere[i], over, corners), otherGain);
   }
 }
 
-[[gnu::always_inline]] inline void demosaic(const MosaicLines& lines, const Gains& gains,
-                                            std::size_t width, Byte* __restrict pixels) {
+[[gnu::always_inline]] inline void demosaic(const MosaicLines& lines, Byte* __restrict pixels) {
   Planes planes;
   const Plane& blue = lines.hasBlue ? planes.own : planes.other;
   const Plane& red = lines.hasBlue ? planes.other : planes.own;
-  for (std::size_t first = 0; first < width; first += kBlock) {
-    const std::size_t count = std::min(kBlock, width - first);
-    interpolate(lines, first, count, gains, planes);
+  for (std::size_t first = 0; first < lines.width; first += kBlock) {
+    const std::size_t count = std::min(kBlock, lines.width - first);
+    interpolate(lines, first, count, planes);
     for (std::size_t i = 0; i < count; ++i) {
       *pixels++ = blue[i];
       *pixels++ = planes.green[i];
@@ -87,44 +84,32 @@ struct alignas(64) Planes {
   }
 }
 
-using Demosaic = void (*)(const MosaicLines&, const Gains&, std::size_t, Byte*);
-
-void demosaicAnywhere(const MosaicLines& lines, const Gains& gains, std::size_t width,
-                      Byte* pixels) {
-  demosaic(lines, gains, width, pixels);
-}
+void demosaicAnywhere(const MosaicLines& lines, Byte* pixels) { demosaic(lines, pixels); }
 
 #if defined(__x86_64__)
-[[gnu::target("avx2")]] void demosaicAvx2(const MosaicLines& lines, const Gains& gains,
-                                          std::size_t width, Byte* pixels) {
-  demosaic(lines, gains, width, pixels);
+[[gnu::target("avx2")]] void demosaicAvx2(const MosaicLines& lines, Byte* pixels) {
+  demosaic(lines, pixels);
 }
 
-[[gnu::target("avx512bw,avx512vl,avx512vbmi")]] void demosaicAvx512(const MosaicLines& lines,
-                                                                    const Gains& gains,
-                                                                    std::size_t width,
-                                                                    Byte* pixels) {
-  demosaic(lines, gains, width, pixels);
+[[gnu::target("avx512vbmi,avx512vl")]] void demosaicAvx512(const MosaicLines& lines, Byte* pixels) {
+  demosaic(lines, pixels);
 }
 #endif
 
-Demosaic bestForProcessor() {
+auto bestForProcessor() {
 #if defined(__x86_64__)
-  const auto has = [](int support) { return support != 0; };
-  if (has(__builtin_cpu_supports("avx512bw")) && has(__builtin_cpu_supports("avx512vl")) &&
-      has(__builtin_cpu_supports("avx512vbmi")))
+  if (__builtin_cpu_supports("avx512vbmi") && __builtin_cpu_supports("avx512vl"))
     return demosaicAvx512;
-  if (has(__builtin_cpu_supports("avx2"))) return demosaicAvx2;
+  if (__builtin_cpu_supports("avx2")) return demosaicAvx2;
 #endif
   return demosaicAnywhere;
 }
 
 }  // namespace
 
-void demosaicLine(const MosaicLines& lines, const Gains& gains, std::size_t width,
-                  std::uint8_t* pixels) {
-  static const Demosaic best = bestForProcessor();
-  best(lines, gains, width, pixels);
+void demosaicLine(const MosaicLines& lines, std::uint8_t* pixels) {
+  static const auto best = bestForProcessor();
+  best(lines, pixels);
 }
 
 }  // namespace board

@@ -23,16 +23,15 @@ const auto& sequence(std::uint32_t bayerOrder) {
 
 std::uint16_t steps(double gain) {
   if (!(gain > 0)) return 0;  // Not a number, too.
-  const double most = kMaximumGain;
-  return static_cast<std::uint16_t>(std::lround(std::min(gain * kGainSteps, most)));
+  return static_cast<std::uint16_t>(std::lround(std::min(gain * kGainSteps, kMaximumGain)));
 }
 
 /// The filter hands its components on in the sequence of its own order, and the white balance takes
 /// them for the sequence of its order: if the two differ, gains go to wrong colours.
-Gains gainsOf(const PicturePath& path) {
-  const std::array<double, 3> gains{path.blueGain, path.greenGain, path.redGain};
-  Gains result{};
-  for (std::size_t i = 0; i < gains.size(); ++i)
+std::array<std::uint16_t, 3> gainsOf(const PicturePath& path) {
+  const double gains[] = {path.blueGain, path.greenGain, path.redGain};
+  std::array<std::uint16_t, 3> result{};
+  for (std::size_t i = 0; i < result.size(); ++i)
     result[sequence(path.bayerOrder)[i]] = steps(gains[sequence(path.whiteOrder)[i]]);
   return result;
 }
@@ -74,22 +73,24 @@ std::size_t renderPicture(const PictureSource& source, std::int64_t number, cons
   if (count == 0) return 0;
 
   RegionLines lines(LinkReader(source, number, path.pixelFormat), path);
-  const Gains gains = gainsOf(path);
   const auto* first = sequence(path.bayerOrder);
+  MosaicLines mosaic{.width = width,
+                     .startsGreen = first[0] == kGreen,
+                     .hasBlue = first[2] != kBlue,
+                     .gains = gainsOf(path)};
   const std::size_t last = path.height - std::size_t{1};
   lines.load(0);
   for (std::size_t i = 0; i < count; ++i) {
     if (i < last) lines.load(i + 1);
-    // A line beyond the region is the one as far inside it; a region of one line is all its own.
-    const std::size_t inner = last == 0 ? 0 : i == 0 ? 1 : i - 1;
-    const std::size_t next = i < last ? i + 1 : inner;
-    const bool odd = i % 2 != 0;
-    demosaicLine({.above = lines[inner],
-                  .line = lines[i],
-                  .below = lines[next],
-                  .startsGreen = (first[0] == kGreen) != odd,
-                  .hasBlue = (first[0] == kBlue || first[1] == kBlue) != odd},
-                 gains, width, pixels.data() + i * pitch);
+    // The line beyond a border is the one inside it; a line alone is its own neighbour.
+    const std::size_t previous = i > 0 ? i - 1 : std::min<std::size_t>(1, last);
+    const std::size_t next = i < last ? i + 1 : previous;
+    mosaic.above = lines[previous];
+    mosaic.line = lines[i];
+    mosaic.below = lines[next];
+    demosaicLine(mosaic, pixels.data() + i * pitch);
+    mosaic.startsGreen = !mosaic.startsGreen;
+    mosaic.hasBlue = !mosaic.hasBlue;
   }
   return count;
 }
