@@ -150,9 +150,6 @@ TEST(Pictures, TheLinkCarriesEachFormat) {
     board::unpack(format, packed.data(), grey);
     EXPECT_EQ(grey, Bytes({0xAB, 0x12, 0xFE})) << format;
   }
-  Bytes packed(3);
-  board::pack(MONO12_PACKED, Bytes{0xFF, 0x81}, packed.data());
-  EXPECT_EQ(packed, Bytes({0xFF, 0x8F, 0x81}));
 }
 
 TEST(Pictures, GainsAreTakenToTheNearestStepAndRounded) {

@@ -77,7 +77,7 @@ constexpr std::uint32_t scramble(std::uint32_t bits) {
 }  // namespace
 
 void exposeChart(unsigned port, std::uint64_t picture, std::uint64_t line, std::uint64_t column,
-                 std::span<std::uint8_t> samples) {
+                 std::span<std::uint16_t> samples) {
   const int y = static_cast<int>(line % kSize);
   const int discColumn = static_cast<int>(picture * kDiscStep % kSize);
   const auto seed = scramble(scramble(static_cast<std::uint32_t>(picture) * 4 + port) +
@@ -90,7 +90,7 @@ void exposeChart(unsigned port, std::uint64_t picture, std::uint64_t line, std::
   // Two dice of eight faces.
   for (std::size_t i = 0; i < samples.size(); ++i) {
     const std::uint32_t random = scramble(seed + static_cast<std::uint32_t>(column + i));
-    samples[i] = static_cast<std::uint8_t>(samples[i] + random % 8 + random / 8 % 8 - 7);
+    samples[i] = fullScale(static_cast<std::uint8_t>(samples[i] + random % 8 + random / 8 % 8 - 7));
   }
 }
 

@@ -1,107 +1,74 @@
 #include "board/pictures/pixel_format.h"
 
-#include <algorithm>
 #include <iterator>
 
 namespace board {
 namespace {
 
-enum class Layout { kBytes, kSignedBytes, kWords, kPairs };
+enum class Layout { kBytes, kWords, kPairs };
 
 struct Format {
   unsigned depth;
   Layout layout;
+  std::uint8_t flip = 0;  ///< Bits of a byte that are sent the other way round.
 };
 
 /// By `CameraPixelFormat`.
 constexpr Format kFormats[] = {
-    {8, Layout::kBytes},  {8, Layout::kSignedBytes}, {10, Layout::kWords}, {10, Layout::kPairs},
+    {8, Layout::kBytes},  {8, Layout::kBytes, 0x80}, {10, Layout::kWords}, {10, Layout::kPairs},
     {12, Layout::kWords}, {12, Layout::kPairs},      {16, Layout::kWords}, {14, Layout::kWords}};
 
 constexpr Format formatOf(std::uint32_t number) { return kFormats[number % std::size(kFormats)]; }
 
-constexpr unsigned linkBits(Layout layout) {
+constexpr unsigned linkBits(std::uint32_t format) {
+  const Layout layout = formatOf(format).layout;
   if (layout == Layout::kWords) return 16;
   return layout == Layout::kPairs ? 12 : 8;
 }
 
-constexpr std::uint8_t kSignBit = 0x80;
-
-constexpr unsigned fullScale(std::uint8_t sample) { return sample * 257U; }
-constexpr unsigned fullScale(std::uint16_t sample) { return sample; }
-constexpr std::uint8_t high(std::uint8_t sample) { return sample; }
-constexpr std::uint8_t high(std::uint16_t sample) { return static_cast<std::uint8_t>(sample >> 8); }
-
-template <class Sample>
-void packWords(unsigned depth, std::span<const Sample> samples, std::uint8_t* link) {
-  for (const Sample sample : samples) {
-    const unsigned value = fullScale(sample) >> (16 - depth);
-    *link++ = static_cast<std::uint8_t>(value);
-    *link++ = static_cast<std::uint8_t>(value >> 8);
-  }
-}
-
-template <class Sample>
-void packPairs(unsigned depth, std::span<const Sample> samples, std::uint8_t* link) {
-  const auto low = [&](Sample sample) {
-    return fullScale(sample) >> (16 - depth) & ((1U << (depth - 8)) - 1);
-  };
-  std::size_t i = 0;
-  for (; i + 1 < samples.size(); i += 2) {
-    *link++ = high(samples[i]);
-    *link++ = static_cast<std::uint8_t>(low(samples[i]) | low(samples[i + 1]) << 4);
-    *link++ = high(samples[i + 1]);
-  }
-  if (i == samples.size()) return;
-  *link++ = high(samples[i]);
-  *link = static_cast<std::uint8_t>(low(samples[i]));
-}
-
-template <class Sample>
-void packSamples(Format format, std::span<const Sample> samples, std::uint8_t* link) {
-  switch (format.layout) {
-    case Layout::kBytes:
-      std::ranges::transform(samples, link, [](Sample sample) { return high(sample); });
-      return;
-    case Layout::kSignedBytes:
-      std::ranges::transform(samples, link, [](Sample sample) {
-        return static_cast<std::uint8_t>(high(sample) ^ kSignBit);
-      });
-      return;
-    case Layout::kWords:
-      return packWords(format.depth, samples, link);
-    case Layout::kPairs:
-      return packPairs(format.depth, samples, link);
-  }
-}
+constexpr std::uint8_t high(unsigned sample) { return static_cast<std::uint8_t>(sample >> 8); }
 
 }  // namespace
 
 std::uint64_t linkBytes(std::uint32_t format, std::uint64_t pixels) {
-  return (pixels * linkBits(formatOf(format).layout) + 7) / 8;
+  return (pixels * linkBits(format) + 7) / 8;
 }
 
 std::uint64_t linkPixels(std::uint32_t format, std::uint64_t bytes) {
-  return bytes * 8 / linkBits(formatOf(format).layout);
-}
-
-void pack(std::uint32_t format, std::span<const std::uint8_t> samples, std::uint8_t* link) {
-  packSamples(formatOf(format), samples, link);
+  return bytes * 8 / linkBits(format);
 }
 
 void pack(std::uint32_t format, std::span<const std::uint16_t> samples, std::uint8_t* link) {
-  packSamples(formatOf(format), samples, link);
+  const auto [depth, layout, flip] = formatOf(format);
+  const unsigned unused = 16 - depth;
+  switch (layout) {
+    case Layout::kBytes:
+      for (const unsigned sample : samples) *link++ = high(sample) ^ flip;
+      return;
+    case Layout::kWords:
+      for (const unsigned sample : samples) {
+        *link++ = static_cast<std::uint8_t>(sample >> unused);
+        *link++ = high(sample >> unused);
+      }
+      return;
+    case Layout::kPairs:
+      for (std::size_t i = 0; i < samples.size(); i += 2, link += 3) {
+        const bool whole = i + 1 < samples.size();
+        const unsigned next = whole ? samples[i + 1] : 0;
+        link[0] = high(samples[i]);
+        link[1] =
+            static_cast<std::uint8_t>((samples[i] & 0xFF) >> unused | (next & 0xFF) >> unused << 4);
+        if (whole) link[2] = high(next);
+      }
+      return;
+  }
 }
 
 void unpack(std::uint32_t format, const std::uint8_t* link, std::span<std::uint8_t> grey) {
-  const auto [depth, layout] = formatOf(format);
+  const auto [depth, layout, flip] = formatOf(format);
   switch (layout) {
     case Layout::kBytes:
-      std::copy_n(link, grey.size(), grey.begin());
-      return;
-    case Layout::kSignedBytes:
-      std::transform(link, link + grey.size(), grey.begin(),
-                     [](std::uint8_t byte) { return static_cast<std::uint8_t>(byte ^ kSignBit); });
+      for (auto& pixel : grey) pixel = *link++ ^ flip;
       return;
     case Layout::kWords:
       for (auto& pixel : grey) {
@@ -110,7 +77,8 @@ void unpack(std::uint32_t format, const std::uint8_t* link, std::span<std::uint8
       }
       return;
     case Layout::kPairs:
-      for (std::size_t i = 0; i < grey.size(); ++i) grey[i] = link[i / 2 * 3 + i % 2 * 2];
+      for (std::size_t i = 0; i < grey.size(); i += 2) grey[i] = link[i / 2 * 3];
+      for (std::size_t i = 1; i < grey.size(); i += 2) grey[i] = link[i / 2 * 3 + 2];
       return;
   }
 }

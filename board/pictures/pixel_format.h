@@ -21,9 +21,8 @@ namespace board {
 std::uint64_t linkBytes(std::uint32_t format, std::uint64_t pixels);
 std::uint64_t linkPixels(std::uint32_t format, std::uint64_t bytes);
 
-/// Writes the `linkBytes` of the samples; full scale is 255 or 65535. Low bits that the format has
-/// no room for are lost.
-void pack(std::uint32_t format, std::span<const std::uint8_t> samples, std::uint8_t* link);
+/// Writes the `linkBytes` of samples whose full scale is 65535. Low bits that the format has no
+/// room for are lost.
 void pack(std::uint32_t format, std::span<const std::uint16_t> samples, std::uint8_t* link);
 /// The eight high bits of the first pixels of a line.
 void unpack(std::uint32_t format, const std::uint8_t* link, std::span<std::uint8_t> grey);

@@ -38,31 +38,29 @@ void LinkReader::read(std::uint64_t column, std::uint64_t line, std::span<std::u
   const auto pixels = grey.first(std::min<std::uint64_t>(grey.size(), inside));
   std::ranges::fill(grey.subspan(pixels.size()), std::uint8_t{0});
   if (pixels.empty()) return;
-  link_.resize(linkBytes(format_, pixels.size()));
   samples_.resize(pixels.size());
-  std::visit([&](const auto& source) { emit(source, column, line); }, source_);
+  std::visit([&](const auto& source) { expose(source, column, line); }, source_);
+  link_.resize(linkBytes(format_, samples_.size()));
+  pack(format_, samples_, link_.data());
   unpack(format_, link_.data(), pixels);
 }
 
-void LinkReader::emit(const Camera& camera, std::uint64_t column, std::uint64_t line) {
+void LinkReader::expose(const Camera& camera, std::uint64_t column, std::uint64_t line) {
   exposeChart(camera.port, picture_, line, column, samples_);
-  pack(format_, std::span<const std::uint8_t>(samples_), link_.data());
 }
 
-void LinkReader::emit(const Simulator& simulator, std::uint64_t column, std::uint64_t line) {
+void LinkReader::expose(const Simulator& simulator, std::uint64_t column, std::uint64_t line) {
   auto level = static_cast<std::uint8_t>(column + line + simulator.roll * picture_);
-  for (auto& sample : samples_) sample = level++;
-  pack(format_, std::span<const std::uint8_t>(samples_), link_.data());
+  for (auto& sample : samples_) sample = fullScale(level++);
 }
 
-void LinkReader::emit(const HostPicture& picture, std::uint64_t column, std::uint64_t line) {
+void LinkReader::expose(const HostPicture& picture, std::uint64_t column, std::uint64_t line) {
   const std::uint64_t pixel = line * picture.width + column;
   if (picture.bits == 8) {
-    pack(format_, std::span(picture.pixels + pixel, samples_.size()), link_.data());
+    std::transform(picture.pixels + pixel, picture.pixels + pixel + samples_.size(),
+                   samples_.begin(), fullScale);
   } else {
-    deepSamples_.resize(samples_.size());
-    std::memcpy(deepSamples_.data(), picture.pixels + 2 * pixel, 2 * deepSamples_.size());
-    pack(format_, std::span<const std::uint16_t>(deepSamples_), link_.data());
+    std::memcpy(samples_.data(), picture.pixels + 2 * pixel, 2 * samples_.size());
   }
 }
 

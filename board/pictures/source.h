@@ -43,18 +43,17 @@ class LinkReader {
   void read(std::uint64_t column, std::uint64_t line, std::span<std::uint8_t> grey);
 
  private:
-  /// Puts a piece of a line, as long as `samples_`, on the link.
-  void emit(const Camera& camera, std::uint64_t column, std::uint64_t line);
-  void emit(const Simulator& simulator, std::uint64_t column, std::uint64_t line);
-  void emit(const HostPicture& picture, std::uint64_t column, std::uint64_t line);
+  /// Fills `samples_` with a piece of a line.
+  void expose(const Camera& camera, std::uint64_t column, std::uint64_t line);
+  void expose(const Simulator& simulator, std::uint64_t column, std::uint64_t line);
+  void expose(const HostPicture& picture, std::uint64_t column, std::uint64_t line);
 
   const PictureSource& source_;
   std::uint64_t picture_;
   std::uint32_t format_;
   std::uint64_t width_ = 0;
   std::uint64_t height_ = 0;
-  std::vector<std::uint8_t> samples_;
-  std::vector<std::uint16_t> deepSamples_;
+  std::vector<std::uint16_t> samples_;
   std::vector<std::uint8_t> link_;
 };
 
