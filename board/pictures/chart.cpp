@@ -1,7 +1,9 @@
 #include "board/pictures/chart.h"
 
-#include <algorithm>
 #include <array>
+#include <iterator>
+
+#include "board/pictures/pixel_format.h"
 
 namespace board {
 namespace {

@@ -6,10 +6,6 @@
 
 namespace board {
 
-constexpr std::uint16_t fullScale(std::uint8_t grey) {
-  return static_cast<std::uint16_t>(grey * 257);
-}
-
 /// Raw samples of a line from `column` on.
 void exposeChart(unsigned port, std::uint64_t picture, std::uint64_t line, std::uint64_t column,
                  std::span<std::uint16_t> samples);

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <iterator>
+#include <utility>
 #include <vector>
 
 #include "board/pictures/demosaic.h"

@@ -21,6 +21,11 @@ namespace board {
 std::uint64_t linkBytes(std::uint32_t format, std::uint64_t pixels);
 std::uint64_t linkPixels(std::uint32_t format, std::uint64_t bytes);
 
+/// The sample of a grey value of eight bits.
+constexpr std::uint16_t fullScale(std::uint8_t grey) {
+  return static_cast<std::uint16_t>(grey * 257);
+}
+
 /// Writes the `linkBytes` of samples whose full scale is 65535. Low bits that the format has no
 /// room for are lost.
 void pack(std::uint32_t format, std::span<const std::uint16_t> samples, std::uint8_t* link);
