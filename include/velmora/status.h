@@ -4,6 +4,6 @@
 
 enum VelmoraChannelStatus {
   VELMORA_STATUS_GRABBED_PICTURES = 1,  ///< Number of the last picture; 0 before the first start.
-  VELMORA_STATUS_LOST_PICTURES = 2,     ///< Always 0: the virtual board loses no pictures.
+  VELMORA_STATUS_LOST_PICTURES = 2,     ///< Pictures that found no free buffer, since the start.
   VELMORA_STATUS_ACQUIRING = 3          ///< 1 while a channel runs and expects pictures, else 0.
 };
