@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <string>
+#include <utility>
 
 namespace board {
 namespace {
@@ -27,13 +28,12 @@ void EventLog::setNames(const std::vector<std::string_view>& names) {
   *this = {};
   for (unsigned kind = 0; kind < kEventKinds; ++kind) {
     for (unsigned number = 0; number < kNumbers; ++number) {
-      const auto name = "Device1_Process4_Trigger_" + fmt::format(fmt::runtime(kNames[kind]), number,
-                                                                  number < 2 ? "" : "_1");
+      const auto name = "Device1_Process4_Trigger_" +
+                        fmt::format(fmt::runtime(kNames[kind]), number, number < 2 ? "" : "_1");
       const auto found = std::find(names.begin(), names.end(), name);
       // Past the mask when there is none.
-      indices_[kind][number] = found == names.end()
-                                   ? kMaskBits
-                                   : static_cast<unsigned>(found - names.begin());
+      indices_[kind][number] =
+          found == names.end() ? kMaskBits : static_cast<unsigned>(found - names.begin());
     }
   }
 }
@@ -57,8 +57,9 @@ void EventLog::record(EventKind kind, unsigned number, const Train& times) {
 /// Trains are recorded one after the other, though their events lie between each other.
 void EventLog::order() {
   if (ordered_) return;
-  std::stable_sort(entries_.begin(), entries_.end(),
-                   [](const Entry& a, const Entry& b) { return a.time < b.time; });
+  std::sort(entries_.begin(), entries_.end(), [](const Entry& a, const Entry& b) {
+    return std::pair(a.time, a.index) < std::pair(b.time, b.index);
+  });
   const auto excess = entries_.size() - std::min(entries_.size(), kCapacity);
   entries_.erase(entries_.begin(), entries_.begin() + static_cast<std::ptrdiff_t>(excess));
   lost_ += excess;

@@ -29,23 +29,24 @@ std::uint32_t Generator::limit(const Registers& set) {
   return set[kQueueEnabled] != 0 ? atLeastOne(set[kQueueLimit]) : 1;
 }
 
-void Generator::restart(const Registers& set, Time now) {
+void Generator::restart(Registers& set, Time now) {
   *this = {};
+  set[kQueueLevel] = 0;
   if (!queued(set)) last = now;
 }
 
-bool Generator::push(const Registers& set) {
-  const bool kept = level < limit(set);
-  if (kept) ++level;
+bool Generator::push(Registers& set) {
+  const bool kept = set[kQueueLevel] < limit(set);
+  if (kept) ++set[kQueueLevel];
   return kept;
 }
 
 Time Generator::next(const Registers& set, Time now) const {
-  const bool idle = queued(set) && level == 0 && played == 0;
+  const bool idle = queued(set) && set[kQueueLevel] == 0 && played == 0;
   return set[kHold] != 0 || idle ? kNever : std::max(last + period(set), now);
 }
 
-Train Generator::take(const Registers& set, Time now, Time to) {
+Train Generator::take(Registers& set, Time now, Time to) {
   const Time first = next(set, now);
   if (first > to) return {};
   Train pulses{first, period(set), (to - first) / period(set) + 1};
@@ -55,20 +56,21 @@ Train Generator::take(const Registers& set, Time now, Time to) {
     const auto end = played < selected ? selected : std::max(length, played + 1);
     pulses.count = std::min<std::int64_t>(pulses.count, end - played);
     played += static_cast<std::uint32_t>(pulses.count);
-    if (played == selected && level > 0) --level;
+    if (played == selected && set[kQueueLevel] > 0) --set[kQueueLevel];
     if (played >= length) played = 0;
   }
   last = pulses.last();
   return pulses;
 }
 
-void InputStatistics::add(Time time) {
-  ++pulses;
+void InputStatistics::add(Registers& set, Time time) {
+  ++set[kInputPulses];
   if (last != kNever) {
-    period = static_cast<std::uint32_t>(
-        std::min<std::int64_t>((time - last) / kTick, std::numeric_limits<std::uint32_t>::max()));
-    minimum = maximum == 0 ? period : std::min(minimum, period);
-    maximum = std::max(maximum, period);
+    constexpr std::int64_t kMost = std::numeric_limits<std::uint32_t>::max();
+    const auto period = static_cast<std::uint32_t>(std::min((time - last) / kTick, kMost));
+    set[kInputPeriod] = period;
+    set[kInputMinimum] = set[kInputMaximum] == 0 ? period : std::min(set[kInputMinimum], period);
+    set[kInputMaximum] = std::max(set[kInputMaximum], period);
   }
   last = time;
 }

@@ -61,8 +61,7 @@ struct PulseForm {
 /// Sends pulses no closer than the minimum period: those that it was given, each as often as the
 /// sequence says, or with the queue off as many as it can.
 struct Generator {
-  std::uint32_t level = 0;   ///< Pulses that wait.
-  std::uint32_t played = 0;  ///< Of the sequence that the first of them is sent as.
+  std::uint32_t played = 0;  ///< Of the sequence that the first waiting pulse is sent as.
   Time last = kLongAgo;      ///< Pulse, or the start of the free-running generator.
 
   static constexpr Time kLongAgo = Time::min() / 2;
@@ -71,23 +70,22 @@ struct Generator {
   static bool queued(const Registers& set) { return set[kEnableQueue] != 0; }
   static std::uint32_t limit(const Registers& set);
   /// Forgets all pulses. A queue can send at once, the free generator after a period.
-  void restart(const Registers& set, Time now);
+  void restart(Registers& set, Time now);
   /// Whether the minimum period has passed.
   bool ready(const Registers& set, Time now) const { return last + period(set) <= now; }
   /// Whether it could keep the pulse.
-  bool push(const Registers& set);
+  static bool push(Registers& set);
   /// Time of the next pulse, which is not before `now`.
   Time next(const Registers& set, Time now) const;
   /// The next pulses up to `to`, all of one sequence. A waiting pulse is taken off with the last.
-  Train take(const Registers& set, Time now, Time to);
+  Train take(Registers& set, Time now, Time to);
 };
 
 /// Counts pulses and measures their distances, in ticks.
 struct InputStatistics {
-  std::uint32_t pulses = 0, period = 0, minimum = 0, maximum = 0;
   Time last = kNever;
 
-  void add(Time time);
+  void add(Registers& set, Time time);
 };
 
 /// An input pin with its debouncer, and the wave that the outside drives it with.
@@ -96,10 +94,10 @@ struct Input {
   bool level = false;    ///< Debounced.
   Time accept = kNever;  ///< When the raw level counts, unless it changes before.
 
-  Time start{};                  ///< Of the wave.
-  double half = 0;               ///< Nanoseconds from edge to edge.
-  std::int64_t edge = 0;         ///< The next one; even ones rise.
-  std::int64_t edges = 0;        ///< All of them.
+  Time start{};            ///< Of the wave.
+  double half = 0;         ///< Nanoseconds from edge to edge.
+  std::int64_t edge = 0;   ///< The next one; even ones rise.
+  std::int64_t edges = 0;  ///< All of them.
 
   Time nextEdge() const;
   Time next() const { return std::min(accept, nextEdge()); }

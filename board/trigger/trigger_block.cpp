@@ -5,7 +5,7 @@
 namespace board {
 namespace {
 
-constexpr double kFreeRunningRate = 30;   // Hz
+constexpr double kFreeRunningRate = 30;    // Hz
 constexpr double kLastSingleRate = 100e3;  ///< Above, the times of pictures are not exact.
 constexpr std::uint32_t kExceededBit = 1, kFullBit = 2, kMissingBit = 4, kStatusBits = 3;
 enum MultiplexerInput : unsigned { kFirstForm, kSecondForm, kBypass, kConstant };
@@ -78,9 +78,9 @@ void TriggerBlock::levelsChanged(std::uint32_t before) {
     auto& path = paths_[camera];
     const auto& set = path.set;
     const bool high = ((levels_ >> set[kInputSelect] % kInputs ^ set[kInputInvert]) & 1) != 0;
-    const bool rises = high && !std::exchange(path.input, high);
+    const bool rises = !std::exchange(path.input, high) && high;
     if (rises) {
-      path.statistics.add(time_);
+      path.statistics.add(path.set, time_);
       const auto passed =
           path.downscaler.pass(pulse(time_), set[kInputDownscale], set[kInputSelected]);
       if (passed.count > 0 && set[kExternal] != 0) push(camera);
@@ -108,17 +108,18 @@ void TriggerBlock::drive(unsigned input, bool high) {
 void TriggerBlock::push(unsigned camera) {
   auto& path = paths_[camera];
   if (!Generator::queued(path.set) || path.set[kHold] != 0) return;
-  if (!path.generator.push(path.set)) {
-    path.exceeded = true;
+  if (path.generator.push(path.set)) {
+    levelMoved(camera, time_);
+    runGenerator(camera, time_);
+  } else {
+    raise(camera, kExceededBit);
     events_.record(kPeriodExceeded, camera, pulse(time_));
   }
-  checkThresholds(camera, time_);
-  runGenerator(camera, time_);
 }
 
-void TriggerBlock::checkThresholds(unsigned camera, Time time) {
+void TriggerBlock::levelMoved(unsigned camera, Time time) {
   auto& path = paths_[camera];
-  const auto level = path.generator.level;
+  const auto level = path.set[kQueueLevel];
   if (path.threshold ? level > path.set[kOffLevel] : level < path.set[kOnLevel]) return;
   path.threshold = !path.threshold;
   events_.record(path.threshold ? kThresholdOn : kThresholdOff, camera, pulse(time));
@@ -127,9 +128,10 @@ void TriggerBlock::checkThresholds(unsigned camera, Time time) {
 void TriggerBlock::runGenerator(unsigned camera, Time to) {
   auto& path = paths_[camera];
   while (true) {
+    const auto level = path.set[kQueueLevel];
     const auto pulses = path.generator.take(path.set, time_, to);
     if (pulses.count == 0) return;
-    checkThresholds(camera, pulses.last());
+    if (path.set[kQueueLevel] != level) levelMoved(camera, pulses.last());
     for (unsigned fed = 0; fed < kPorts; ++fed) {
       if (source(fed) == camera) runForms(fed, pulses, pulses.last());
     }
@@ -144,7 +146,7 @@ void TriggerBlock::runForms(unsigned camera, const Train& pulses, Time to) {
     const bool commands = path.set[kAction] % 4 == i, inverted = path.set[kAction + 1] % 2 != 0;
     const auto rises = [&](const Train& times) {
       if (path.set[kStatisticsForm] % 2 == i) {
-        path.outputPulses += static_cast<std::uint32_t>(times.count);
+        path.set[kOutputPulses] += static_cast<std::uint32_t>(times.count);
       }
       if (path.set[kEventForm] % 2 == i) events_.record(kOutputPulse, camera, times);
       if (commands && !inverted) command(camera, times);
@@ -152,8 +154,8 @@ void TriggerBlock::runForms(unsigned camera, const Train& pulses, Time to) {
     const auto falls = [&](const Train& times) {
       if (commands && inverted) command(camera, times);
     };
-    path.forms[i].run(path.set[kFormsEnabled] != 0 ? pulses : Train{}, &path.set[kForm0 + 4 * i], to,
-                      rises, falls);
+    path.forms[i].run(path.set[kFormsEnabled] != 0 ? pulses : Train{}, &path.set[kForm0 + 4 * i],
+                      to, rises, falls);
   }
 }
 
@@ -180,11 +182,11 @@ void TriggerBlock::command(unsigned camera, const Train& times) {
   auto& path = paths_[camera];
   if (path.set[kFormsEnabled] == 0) return;
   if (path.simulator) {
-    path.missing = true;
-    path.pending += static_cast<std::uint32_t>(times.count);
+    raise(camera, kMissingBit);
+    path.set[kPendingCommands] += static_cast<std::uint32_t>(times.count);
     events_.record(kFrameMissing, camera, times);
   } else {
-    path.pending = 0;
+    path.set[kPendingCommands] = 0;
     pictures(camera, times);
   }
 }
@@ -232,27 +234,26 @@ void TriggerBlock::write(unsigned camera, unsigned index, std::uint32_t value) {
   auto& path = paths_[camera];
   const bool commanded = level(camera, kAction);
   const auto before = std::exchange(path.set[index], value);
+  if (!commanded && level(camera, kAction)) command(camera, pulse(time_));
   if (index >= kFirstCommand || index == kHold || index == kEnableQueue) {
     obey(camera, index, before);
   }
   levelsChanged(levels_);
   updateRate(camera);
-  if (!commanded && level(camera, kAction)) command(camera, pulse(time_));
 }
 
-/// What a write does besides being kept. Clearing takes anything but 0.
+/// What a write does besides being kept. Commands take anything but 0.
 void TriggerBlock::obey(unsigned camera, unsigned index, std::uint32_t before) {
   auto& path = paths_[camera];
   const auto value = path.set[index];
   if (index == kHold || index == kEnableQueue) {
     if ((value != 0) == (before != 0)) return;
+    const auto level = path.set[kQueueLevel];
     path.generator.restart(path.set, time_);
-    checkThresholds(camera, time_);
-  } else if (index == kClearMinMax) {
-    if (value == before) return;
-    path.statistics.minimum = path.statistics.maximum = 0;
-    clearKept(camera, kInputMinimum);
-    clearKept(camera, kInputMaximum);
+    if (level != 0) levelMoved(camera, time_);
+  } else if (index == kClearMinMax && value != before) {
+    clear(camera, kInputMinimum);
+    clear(camera, kInputMaximum);
   } else if (value != 0) {
     switch (index) {
       case kSoftwarePulse:
@@ -268,75 +269,49 @@ void TriggerBlock::obey(unsigned camera, unsigned index, std::uint32_t before) {
         path.forms[index - kClearForm0].downscaler = {};
         return;
       case kClearInputPulses:
-        path.statistics.pulses = 0;
-        return clearKept(camera, kInputPulses);
+        return clear(camera, kInputPulses);
       case kClearOutputPulses:
-        path.outputPulses = 0;
-        return clearKept(camera, kOutputPulses);
+        return clear(camera, kOutputPulses);
       case kClearExceeded:
-        path.exceeded = false;
-        return clearKept(0, kStatusWord, kExceededBit << kStatusBits * camera);
+        return clear(0, kStatusWord, kExceededBit << kStatusBits * camera);
       case kClearMissing:
-        path.missing = false;
-        return clearKept(0, kStatusWord, kMissingBit << kStatusBits * camera);
+        return clear(0, kStatusWord, kMissingBit << kStatusBits * camera);
       case kResetMissing:
-        path.pending = 0;
-        return;
+        return clear(camera, kPendingCommands);
     }
   }
 }
 
 std::uint32_t TriggerBlock::read(unsigned camera, unsigned index) const {
   const auto& path = paths_[camera];
-  if (const auto& kept = path.kept[index]) return *kept;
-  switch (index) {
-    case kInputLevels:
-      return levels_;
-    case kInputPulses:
-      return path.statistics.pulses;
-    case kInputPeriod:
-      return path.statistics.period;
-    case kInputMinimum:
-      return path.statistics.minimum;
-    case kInputMaximum:
-      return path.statistics.maximum;
-    case kQueueLevel:
-      return path.generator.level;
-    case kMaximumReached:
-      return path.set[kHold] != 0 || path.generator.ready(path.set, time_) ? 1 : 0;
-    case kOutputPulses:
-      return path.outputPulses;
-    case kPendingCommands:
-      return path.pending;
-    case kStatusWord:
-      return statusWord();
-    default:
-      return path.set[index];
+  if (path.kept[index]) return *path.kept[index];
+  auto value = path.set[index];
+  if (index == kInputLevels) value = levels_;
+  if (index == kMaximumReached) {
+    value = path.set[kHold] != 0 || path.generator.ready(path.set, time_) ? 1 : 0;
   }
-}
-
-std::uint32_t TriggerBlock::statusWord() const {
-  std::uint32_t word = 0;
-  for (unsigned camera = 0; camera < kPorts; ++camera) {
-    const auto& path = paths_[camera];
-    const bool full = path.set[kQueueEnabled] != 0 &&
-                      path.generator.level >= Generator::limit(path.set);
-    word |= ((path.exceeded ? kExceededBit : 0) | (full ? kFullBit : 0) |
-             (path.missing ? kMissingBit : 0))
-            << kStatusBits * camera;
+  for (unsigned each = 0; index == kStatusWord && each < kPorts; ++each) {
+    const auto& set = paths_[each].set;
+    const bool full = set[kQueueEnabled] != 0 && set[kQueueLevel] >= Generator::limit(set);
+    if (full) value |= kFullBit << kStatusBits * each;
   }
-  return word;
+  return value;
 }
 
 void TriggerBlock::keep(unsigned camera, unsigned index, std::uint32_t value) {
   paths_[camera].kept[index] = value;
 }
 
-/// A value that is cleared as a whole makes room for the block's own.
-void TriggerBlock::clearKept(unsigned camera, unsigned index, std::uint32_t mask) {
-  auto& kept = paths_[camera].kept[index];
-  if (mask == ~0U) kept.reset();
-  else if (kept) *kept &= ~mask;
+/// A kept value that is cleared as a whole makes room for the block's own.
+void TriggerBlock::clear(unsigned camera, unsigned index, std::uint32_t mask) {
+  auto& path = paths_[camera];
+  path.set[index] &= ~mask;
+  if (mask == ~0U) path.kept[index].reset();
+  if (path.kept[index]) *path.kept[index] &= ~mask;
+}
+
+void TriggerBlock::raise(unsigned camera, std::uint32_t bit) {
+  paths_[0].set[kStatusWord] |= bit << kStatusBits * camera;
 }
 
 }  // namespace board

@@ -1,7 +1,9 @@
 /// The design's trigger block: eight inputs and a trigger path for each of the four cameras.
 ///
-///   inputs -> debounce -> select, invert -> downscale -+-> queue, generator -> pulse forms -> outputs
-///                                     software pulses -+                                  -> camera
+///   inputs -> debounce -> select, invert -> downscale -+-> queue, generator -> pulse forms ->
+///   outputs
+///                                     software pulses -+                                  ->
+///                                     camera
 ///
 /// `docs/virtual-board.md` tells what each stage does. The block has no thread: it catches up with
 /// the time it is given, and everything else happens at the time that it has reached. Not
@@ -63,9 +65,6 @@ class TriggerBlock {
     Generator generator;
     bool threshold = false;  ///< On level reached, off level not yet.
     std::array<PulseForm, 2> forms;
-    std::uint32_t outputPulses = 0;
-    std::uint32_t pending = 0;  ///< Commands since the last frame.
-    bool exceeded = false, missing = false;
     std::optional<double> simulator;
     RateCounter pictures;  ///< Those that no command asks for.
   };
@@ -74,7 +73,7 @@ class TriggerBlock {
   void stepInputs(Time time);
   void levelsChanged(std::uint32_t before);
   void push(unsigned camera);
-  void checkThresholds(unsigned camera, Time time);
+  void levelMoved(unsigned camera, Time time);
   void runGenerator(unsigned camera, Time to);
   void runForms(unsigned camera, const Train& pulses, Time to);
   void takePictures(unsigned port, Time to);
@@ -83,8 +82,8 @@ class TriggerBlock {
   void command(unsigned camera, const Train& times);
   void pictures(unsigned port, const Train& times);
   void obey(unsigned camera, unsigned index, std::uint32_t before);
-  void clearKept(unsigned camera, unsigned index, std::uint32_t mask = ~0U);
-  std::uint32_t statusWord() const;
+  void raise(unsigned camera, std::uint32_t bit);
+  void clear(unsigned camera, unsigned index, std::uint32_t mask = ~0U);
   void updateRate(unsigned port);
 
   PictureSink sink_;
