@@ -52,10 +52,21 @@ class TriggerBlock : public testing::TestWithParam<unsigned> {
           << name << '=' << value;
     }
   }
-  unsigned word(const std::string& name) { return applet->word(id(name), port).value; }
-  std::int64_t pictures() { return picturesOf(port); }
-  std::int64_t picturesOf(unsigned p) { return Fg_getLastPicNumberEx(applet->fg(), p, 0); }
-  unsigned statusWord() { return static_cast<unsigned>(board::value(device, kStatusWord, 0)); }
+  double value(const std::string& name) {
+    if (name == "pictures") return static_cast<double>(pictures(port));
+    if (name == "status") return board::value(device, kStatusWord, 0);
+    const bool real = applet->node(id(name))->kind == REGISTER_INFO_DOUBLE;
+    return real ? applet->real(id(name), port).value : applet->word(id(name), port).value;
+  }
+  /// Values as "1 2", when time has gone on.
+  std::string after(nanoseconds wait, const std::string& names) {
+    time += wait;
+    Lines values;
+    std::istringstream words(names);
+    for (std::string name; words >> name;) values.push_back(fmt::format("{:.0f}", value(name)));
+    return fmt::format("{}", fmt::join(values, " "));
+  }
+  std::int64_t pictures(unsigned p) { return Fg_getLastPicNumberEx(applet->fg(), p, 0); }
 
   /// The port in a text, {p} as a number and {l} as a letter.
   std::string own(const std::string& text) const {
@@ -121,28 +132,25 @@ TEST_P(TriggerBlock, PicturesFollowTheSettings) {
     set(sets);
     board::trainInput(device, 0, 10e3, 100);
     time += 100ms;
-    EXPECT_EQ(pictures(), expected) << sets;
-    EXPECT_EQ(picturesOf((port + 1) % kPorts), 3) << sets;
+    EXPECT_EQ(pictures(port), expected) << sets;
+    EXPECT_EQ(pictures((port + 1) % kPorts), 3) << sets;
   }
 }
 
 /// A level counts when it has held long enough.
 TEST_P(TriggerBlock, Debounces) {
+  const std::string inputs = "FG_DIGIO_INPUT";
   listen("FG_TRIGGER_INPUT3_RISING FG_TRIGGER_INPUT3_FALLING");
-  const auto inputsAfter = [&](nanoseconds wait) {
-    time += wait;
-    return word("FG_DIGIO_INPUT");
-  };
   board::pulseInput(device, 3, kDebounce - 1ns);
-  EXPECT_EQ(inputsAfter(10us), 0);
+  EXPECT_EQ(after(10us, inputs), "0");
   board::pulseInput(device, 3, kDebounce);
-  EXPECT_EQ(inputsAfter(kDebounce), 8);
+  EXPECT_EQ(after(kDebounce, inputs), "8");
   board::setInput(device, 6, true);
-  EXPECT_EQ(inputsAfter(10us), 64);
+  EXPECT_EQ(after(10us, inputs), "64");
   set("FG_TRIGGERIN_DEBOUNCE=0.096");
   board::setInput(device, 6, false);
-  EXPECT_EQ(inputsAfter(95ns), 64);
-  EXPECT_EQ(inputsAfter(1ns), 0);
+  EXPECT_EQ(after(95ns, inputs), "64");
+  EXPECT_EQ(after(1ns, inputs), "0");
   EXPECT_EQ(events(), "11008 FG_TRIGGER_INPUT3_RISING, 12016 FG_TRIGGER_INPUT3_FALLING");
   EXPECT_THROW(board::setInput(device, 8, true), std::out_of_range);
 }
@@ -155,77 +163,69 @@ TEST_P(TriggerBlock, QueuePacesAndTellsItsLevel) {
   const std::string threshold = "FG_TRIGGER_QUEUE_FILLLEVEL_THRESHOLD_CAM{p}_";
   listen(threshold + "ON " + threshold + "OFF");
   board::trainInput(device, 5, 1000, 10);
-  const std::tuple<nanoseconds, int, unsigned> steps[] = {
-      {9500us, 1, 10}, {10ms, 2, 9}, {180ms, 20, 1}, {10ms, 20, 0}};
-  for (const auto& [wait, sent, level] : steps) {
-    time += wait;
-    EXPECT_EQ(pictures(), sent);
-    EXPECT_EQ(word("FG_TRIGGERQUEUE_FILLLEVEL"), level);
-  }
+  const std::string sights = "pictures FG_TRIGGERQUEUE_FILLLEVEL status";
+  EXPECT_EQ(after(9500us, sights), "1 10 0");
+  EXPECT_EQ(after(10ms, sights), "2 9 0");
+  EXPECT_EQ(after(180ms, sights), "20 1 0");
+  EXPECT_EQ(after(10ms, sights), "20 0 0");
   EXPECT_EQ(events(), own("3001008 " + threshold + "ON, 150001008 " + threshold + "OFF"));
-  EXPECT_EQ(statusWord(), 0);
 }
 
 TEST_P(TriggerBlock, QueueHasAnEnd) {
+  const auto status = [this](unsigned bits) { return std::to_string(bits << 3 * port); };
   listen("FG_TRIGGER_EXCEEDED_PERIOD_LIMITS_CAM{p}");
   set(kSoftware);
-  EXPECT_EQ(word("FG_SOFTWARETRIGGER_IS_BUSY"), 0);
+  EXPECT_EQ(after(0s, "FG_SOFTWARETRIGGER_IS_BUSY"), "0");
   set("FG_SENDSOFTWARETRIGGER=1");
   EXPECT_EQ(applet->set(FG_SENDSOFTWARETRIGGER, 1, port), VELMORA_TRIGGER_BUSY);
   time += 125ms;
   set("FG_TRIGGERQUEUE_MODE=1 FG_SENDSOFTWARETRIGGER=2040");
-  EXPECT_EQ(word("FG_SOFTWARETRIGGER_QUEUE_FILLLEVEL"), 2039);
+  EXPECT_EQ(after(0s, "FG_SOFTWARETRIGGER_QUEUE_FILLLEVEL"), "2039");
   set("FG_SENDSOFTWARETRIGGER=1");
-  EXPECT_EQ(statusWord(), 2 << 3 * port);
+  EXPECT_EQ(after(0s, "status"), status(2));
   set("FG_SENDSOFTWARETRIGGER=1");
-  EXPECT_EQ(statusWord(), 3 << 3 * port);
-  EXPECT_EQ(events(), own("125000000 FG_TRIGGER_EXCEEDED_PERIOD_LIMITS_CAM{p}"));
+  EXPECT_EQ(after(0s, "status"), status(3));
   set("FG_TRIGGER_EXCEEDED_PERIOD_LIMITS_CLEAR=1");
-  EXPECT_EQ(statusWord(), 2 << 3 * port);
-  time += 1h;
-  EXPECT_EQ(pictures(), 2042);
-  EXPECT_EQ(word("FG_TRIGGEROUT_STATS_PULSECOUNT"), 2042);
+  EXPECT_EQ(after(0s, "status"), status(2));
+  EXPECT_EQ(after(1h, "pictures FG_TRIGGEROUT_STATS_PULSECOUNT status"), "2042 2042 0");
+  EXPECT_EQ(events(), own("125000000 FG_TRIGGER_EXCEEDED_PERIOD_LIMITS_CAM{p}"));
 }
 
 /// Frequencies come from the distance of the last two pulses, the longest and the shortest.
 TEST_P(TriggerBlock, MeasuresItsInput) {
-  const auto measured = [&](double rate, int pulses) {
-    board::trainInput(device, 4, rate, pulses);
-    time += std::chrono::round<nanoseconds>(std::chrono::duration<double>(pulses / rate));
-    std::string all = fmt::format("{}", word("FG_TRIGGERIN_STATS_PULSECOUNT"));
-    for (const int id : {FG_TRIGGERIN_STATS_FREQUENCY, FG_TRIGGERIN_STATS_MINFREQUENCY,
-                         FG_TRIGGERIN_STATS_MAXFREQUENCY})
-      all += fmt::format(" {:.0f}", applet->real(id, port).value);
-    return all;
+  const auto measured = [this](nanoseconds period, int pulses) {
+    board::trainInput(device, 4, 1e9 / static_cast<double>(period.count()), pulses);
+    return after(pulses * period,
+                 "FG_TRIGGERIN_STATS_PULSECOUNT FG_TRIGGERIN_STATS_FREQUENCY "
+                 "FG_TRIGGERIN_STATS_MINFREQUENCY FG_TRIGGERIN_STATS_MAXFREQUENCY");
   };
   set("FG_TRIGGERIN_SRC=4");
-  EXPECT_EQ(measured(1e3, 1), "1 0 0 0");
-  EXPECT_EQ(measured(25e3, 4), "5 25000 1000 25000");
-  EXPECT_EQ(measured(10e3, 2), "7 10000 1000 25000");
+  EXPECT_EQ(measured(1ms, 1), "1 0 0 0");
+  EXPECT_EQ(measured(40us, 4), "5 25000 1000 25000");
+  EXPECT_EQ(measured(100us, 2), "7 10000 1000 25000");
   set("FG_TRIGGERIN_STATS_MINMAXFREQUENCY_CLEAR=1 FG_TRIGGERIN_STATS_PULSECOUNT_CLEAR=1");
-  EXPECT_EQ(measured(10e3, 0), "0 10000 0 0");
-  EXPECT_EQ(measured(20e3, 2), "2 20000 10000 20000");
+  EXPECT_EQ(measured(50us, 0), "0 10000 0 0");
+  EXPECT_EQ(measured(50us, 2), "2 20000 10000 20000");
   board::trainInput(device, 4, 20e3);
   time += 475us;
   board::trainInput(device, 4, 0);
-  time += 1h;
-  EXPECT_EQ(measured(1, 0), "12 20000 10000 20000");
+  EXPECT_EQ(after(1h, "FG_TRIGGERIN_STATS_PULSECOUNT"), "12");
   // What the hardware's side has set stays until it is cleared.
   board::setValue(device, own(kPrefix + "TriggerCam{p}_InputStatistics_ReadPulses_Status"), 0, 77);
-  EXPECT_EQ(measured(1e3, 5).substr(0, 2), "77");
+  EXPECT_EQ(measured(50us, 5), "77 20000 0 20000");
   set("FG_TRIGGERIN_STATS_PULSECOUNT_CLEAR=1");
-  EXPECT_EQ(measured(1e3, 5).substr(0, 2), "5 ");
+  EXPECT_EQ(measured(50us, 5), "5 20000 0 20000");
   board::setValue(device, kStatusWord, 0, 4095);
   set("FG_MISSING_CAMERA_FRAME_RESPONSE_CLEAR=1");
-  EXPECT_EQ(statusWord(), 4095 - (4 << 3 * port));
+  EXPECT_EQ(after(0s, "status"), std::to_string(4095 - (4 << 3 * port)));
 }
 
 /// Two pulse forms of one pulse, as outputs and events show them.
 TEST_P(TriggerBlock, ShapesPulses) {
   set("FG_TRIGGER_PULSEFORMGEN0_DELAY=20 FG_TRIGGER_PULSEFORMGEN0_WIDTH=40 "
       "FG_TRIGGER_PULSEFORMGEN1_DELAY=30 FG_TRIGGER_PULSEFORMGEN1_WIDTH=10 "
-      "FG_TRIGGEROUT_SELECT0=0 FG_TRIGGER_OUTPUT_EVENT_SELECT=1 " +
-      kSoftware);
+      "FG_TRIGGEROUT_SELECT0=0 FG_TRIGGER_OUTPUT_EVENT_SELECT=1");
+  set(kSoftware);
   listen("FG_TRIGGER_OUTPUT_CAM{p} FG_START_OF_FRAME_CAM_PORT_{l}");
   set("FG_SENDSOFTWARETRIGGER=1");
   std::vector<unsigned> levels;  // Output 1 is inverted, as are those of other ports.
@@ -240,30 +240,24 @@ TEST_P(TriggerBlock, ShapesPulses) {
 
 TEST_P(TriggerBlock, SlavesFollowTheFirstCamera) {
   if (port > 0) set("FG_AREATRIGGERMODE=3 FG_TRIGGERSTATE=0 FG_TRIGGER_PULSEFORMGEN0_DOWNSCALE=3");
-  time += 1s;
-  EXPECT_EQ(pictures(), port == 0 ? 30 : 0);
+  EXPECT_EQ(after(1s, "pictures"), port == 0 ? "30" : "0");
   EXPECT_EQ(applet->set(FG_TRIGGER_FRAMESPERSECOND, 62.5), VELMORA_OK);
   EXPECT_EQ(applet->set(FG_TRIGGERSTATE, TS_ACTIVE), VELMORA_OK);
-  time += 96s;
-  EXPECT_EQ(pictures(), port == 0 ? 30 + 6000 : 2000);
+  EXPECT_EQ(after(96s, "pictures"), port == 0 ? "6030" : "2000");
 }
 
 /// Commands find no camera while the simulator delivers.
 TEST_P(TriggerBlock, MissesFrames) {
-  listen("FG_MISSING_CAM{p}_FRAME_RESPONSE FG_END_OF_FRAME_CAM_PORT_{l}");
+  const std::string sights =
+      "pictures FG_MISSING_CAMERA_FRAME_RESPONSE FG_CAMERA_ACTION_COMMAND_PENDING_COUNT";
+  const std::string missing = " FG_MISSING_CAM{p}_FRAME_RESPONSE";
+  const std::string frame = " FG_END_OF_FRAME_CAM_PORT_{l}";
+  listen(missing + frame);
   set("FG_GEN_ENABLE=1 FG_GEN_START=0 FG_TRIGGER_FRAMESPERSECOND=1000 FG_TRIGGERSTATE=0");
-  time += 2ms;
-  EXPECT_EQ(word("FG_MISSING_CAMERA_FRAME_RESPONSE"), 1);
-  EXPECT_EQ(word("FG_CAMERA_ACTION_COMMAND_PENDING_COUNT"), 2);
-  EXPECT_EQ(pictures(), 0);
+  EXPECT_EQ(after(2ms, sights), "0 1 2");
   set("FG_MISSING_CAMERA_FRAME_RESPONSE_CLEAR=1 FG_GEN_ENABLE=0");
-  time += 1ms;
-  EXPECT_EQ(word("FG_MISSING_CAMERA_FRAME_RESPONSE"), 0);
-  EXPECT_EQ(word("FG_CAMERA_ACTION_COMMAND_PENDING_COUNT"), 0);
-  EXPECT_EQ(pictures(), 1);
-  EXPECT_EQ(events(), own("999984 FG_MISSING_CAM{p}_FRAME_RESPONSE, 1999968 "
-                          "FG_MISSING_CAM{p}_FRAME_RESPONSE, 2999952 "
-                          "FG_END_OF_FRAME_CAM_PORT_{l}"));
+  EXPECT_EQ(after(1ms, sights), "1 0 0");
+  EXPECT_EQ(events(), own("999984" + missing + ", 1999968" + missing + ", 2999952" + frame));
 }
 
 /// The newest ones, in their order, however long nobody asked.
@@ -305,16 +299,20 @@ TEST_P(TriggerBlock, CatchesUpInOneStepOrInMany) {
           const unsigned values[] = {0, 1, 1, below(4), below(4), below(9), below(3000), ~0U};
           board::setValue(device, writable[below(writable.size())], 0, values[below(8)]);
         }
+        for (const auto* leaf :
+             {"Generators_ClearQueuePulse_Mode", "Generators_EnableQueue_Select"})
+          board::setValue(device, fmt::format("{}TriggerCam{}_{}", kPrefix, below(kPorts), leaf), 0,
+                          below(2) * below(2));
         board::trainInput(device, below(8), below(2000000), below(300));
         for (int step = 0; step < 200; ++step, time += 700ns)
-          if (often) pictures();
+          if (often) pictures(0);
         for (const std::string& name : readable)
           seen[often].push_back(fmt::format("{} {}", name, board::value(device, name, 0)));
         for (unsigned p = 0; p < kPorts; ++p)
-          seen[often].push_back(fmt::format("pictures {}", picturesOf(p)));
+          seen[often].push_back(fmt::format("pictures {}", pictures(p)));
         seen[often].push_back(events());
       }
-      taken += picturesOf(0) + picturesOf(3);
+      taken += pictures(0) + pictures(3);
     }
     ASSERT_EQ(seen[false], seen[true]) << "seed " << seed;
   }
