@@ -9,6 +9,7 @@
 #include <chrono>
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -29,10 +30,34 @@ void destroyDevice(KTdevice* device);
 /// the hardware's part (status words, counters, overflow) and to check what was written. The
 /// channel `dma` has no influence on registers and shared parameters. The runtime's own parameters
 /// have names such as "FG_TIMEOUT" or "FG_CAMSTATUS_EXTENDED"; once set here, one keeps that value
-/// instead of following the device's state. Unknown names and channels, and all names before the
-/// first inner handle, throw `std::out_of_range`.
+/// instead of following the device's state. So does a status of the trigger block, until a host
+/// clears it. Unknown names and channels, and all names before the first inner handle, throw
+/// `std::out_of_range`.
 void setValue(KTdevice* device, const std::string& name, unsigned dma, double value);
 double value(KTdevice* device, const std::string& name, unsigned dma);
+
+/// The outside of the trigger block: the level of one of the eight inputs, a pulse, or a train of
+/// pulses that begins now and is as often high as low. The last call on an input replaces what was
+/// going on there; a train of 0 Hz ends with a low level. Trains are limited to 15 MHz. Unknown
+/// inputs throw `std::out_of_range`.
+void setInput(KTdevice* device, unsigned input, bool level);
+void pulseInput(KTdevice* device, unsigned input, std::chrono::nanoseconds width);
+inline constexpr std::int64_t kEndless = -1;
+void trainInput(KTdevice* device, unsigned input, double rate, std::int64_t pulses = kEndless);
+/// Levels of the eight trigger outputs as a bit mask.
+unsigned outputs(KTdevice* device);
+
+/// An event of the design, with its place in the design's list and the time by the board's clock.
+struct BoardEvent {
+  unsigned index;
+  std::string name;
+  std::chrono::nanoseconds time;
+};
+/// Records the events with the index of a bit in `mask` from now on, and no others.
+void enableEvents(KTdevice* device, std::uint64_t mask);
+/// The oldest event that was not taken; of more than 4096 the oldest are lost.
+std::optional<BoardEvent> takeEvent(KTdevice* device);
+std::uint64_t lostEvents(KTdevice* device);
 
 /// Inner handles, designs and strings (type 22) that were handed out and not given back; all 0
 /// when nothing leaked.

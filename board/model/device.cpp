@@ -14,31 +14,6 @@
 namespace board {
 namespace {
 
-constexpr const char* kSoftwarePulseName =
-    "Device1_Process4_Trigger_TriggerCam{}_TriggerMode_SoftwareTrigger_Mode";
-constexpr const char* kOutputPulsesName =
-    "Device1_Process4_Trigger_TriggerCam{}_OutputStatistics_ReadPulses_Status";
-
-/// Writing `command` clears `target`: all of it, or bit `bit` of the camera's three.
-struct ClearSource {
-  const char* command;
-  const char* target;
-  int bit = -1;
-};
-constexpr ClearSource kClearSources[] = {
-    {"Device1_Process4_Trigger_TriggerCam{}_OutputStatistics_ClearPulses_Mode", kOutputPulsesName},
-    {"Device1_Process4_Trigger_TriggerCam{}_InputStatistics_ClearPulses_Mode",
-     "Device1_Process4_Trigger_TriggerCam{}_InputStatistics_ReadPulses_Status"},
-    {"Device1_Process4_Trigger_TriggerCam{}_InputStatistics_ClearMinMax_Value",
-     "Device1_Process4_Trigger_TriggerCam{}_InputStatistics_ReadMin_Status"},
-    {"Device1_Process4_Trigger_TriggerCam{}_InputStatistics_ClearMinMax_Value",
-     "Device1_Process4_Trigger_TriggerCam{}_InputStatistics_ReadMax_Status"},
-    {"Device1_Process4_Trigger_Monitoring_ClearOverrideCam{}_Mode",
-     "Device1_Process4_Trigger_Monitoring_ReadQueueStatus_Status", 0},
-    {"Device1_Process4_Trigger_Monitoring_ClearMissingFrame_Cam{}_Mode",
-     "Device1_Process4_Trigger_Monitoring_ReadQueueStatus_Status", 2},
-};
-
 std::string nameFor(const char* nameTemplate, unsigned port) {
   return fmt::format(fmt::runtime(nameTemplate), port);
 }
@@ -82,47 +57,41 @@ void Device::powerOn() {
   }
   ports_ = {};
   channels_ = {};
-  outputPulses_ = {};
   runtime_ = {};
+  trigger_.powerOn(now());
   assignEffects();
-  updateRates();
+  std::vector<std::string_view> events;
+  for (const auto& event : manifest.events) events.push_back(event.name);
+  trigger_.events().setNames(events);
 }
 
-/// Calls `assign` for the cell of each port that exists in the design.
-template <class Assign>
-void Device::assignTo(const char* nameTemplate, Assign assign) {
-  for (unsigned port = 0; port < kPorts; ++port) {
-    const auto name = nameFor(nameTemplate, port);
-    auto* cell = cellNamed(name);
-    if (!cell) continue;
-    const auto* parameter = design_->parameter(design_->parameterId(name));
-    cell->port = port;
-    cell->slot = !parameter || parameter->shared ? 0 : port;
-    assign(*cell, port);
-  }
-}
-
+/// Finds the cells of each port that exist in the design.
 void Device::assignEffects() {
-  for (const auto& source : settingSources()) {
-    assignTo(source.name, [&](Cell& cell, unsigned port) {
-      cell.effect = Effect::kSetting;
-      cell.setting = source.member;
-      ports_[port].*source.member = cell.bits[cell.slot];
-    });
+  for (unsigned port = 0; port < kPorts; ++port) {
+    for (const auto& source : settingSources()) {
+      if (auto* cell = effectCell(nameFor(source.name, port), port)) {
+        cell->effect = Effect::kSetting;
+        cell->setting = source.member;
+        writeCell(*cell, cell->slot, cell->bits[cell->slot]);
+      }
+    }
+    for (unsigned index = 0; index < kTriggerRegisters; ++index) {
+      if (auto* cell = effectCell(triggerRegisterName(index, port), port)) {
+        cell->effect = index < kFirstStatus ? Effect::kTrigger : Effect::kStatus;
+        cell->index = index;
+        if (index < kFirstCommand) writeCell(*cell, cell->slot, cell->bits[cell->slot]);
+      }
+    }
   }
-  assignTo(kSoftwarePulseName, [](Cell& cell, unsigned) { cell.effect = Effect::kSoftwarePulse; });
-  assignTo(kOutputPulsesName, [](Cell& cell, unsigned) { cell.effect = Effect::kOutputPulses; });
-  clears_.clear();
-  for (const auto& source : kClearSources) {
-    assignTo(source.command, [&](Cell& cell, unsigned port) {
-      auto* target = cellNamed(nameFor(source.target, port));
-      if (!target) return;
-      cell.effect = Effect::kClear;
-      const auto shift = 3 * port + static_cast<unsigned>(std::max(source.bit, 0));
-      clears_.push_back(
-          {&cell, target, source.bit < 0 ? ~std::uint64_t{0} : std::uint64_t{1} << shift});
-    });
-  }
+}
+
+Device::Cell* Device::effectCell(const std::string& name, unsigned port) {
+  auto* cell = cellNamed(name);
+  if (!cell) return nullptr;
+  const auto* parameter = design_->parameter(design_->parameterId(name));
+  cell->port = port;
+  cell->slot = !parameter || parameter->shared ? 0 : port;
+  return cell;
 }
 
 Device::Cell* Device::cellNamed(const std::string& name) {
@@ -136,46 +105,36 @@ Device::Cell* Device::cellNamed(const std::string& name) {
   return nullptr;
 }
 
-std::uint64_t Device::readCell(const Cell& cell, unsigned slot) const {
-  std::uint64_t bits = cell.bits[slot];
-  if (cell.effect == Effect::kOutputPulses) {
-    bits = static_cast<std::uint32_t>(
-        bits + static_cast<std::uint64_t>(outputPulses_[cell.port].count(now())));
-  }
-  return bits;
+std::uint64_t Device::readCell(const Cell& cell, unsigned slot) {
+  if (cell.effect != Effect::kStatus || cell.slot != slot) return cell.bits[slot];
+  catchUp();
+  return trigger_.read(cell.port, cell.index);
 }
 
 void Device::writeCell(Cell& cell, unsigned slot, std::uint64_t bits) {
   cell.bits[slot] = bits;
-  if (cell.slot != slot) return;
+  if (cell.slot != slot || cell.effect == Effect::kNone) return;
   if (cell.effect == Effect::kSetting) {
     ports_[cell.port].*cell.setting = bits;
-    updateRates();
-  } else if (cell.effect == Effect::kOutputPulses) {
-    outputPulses_[cell.port].restart(now());
+    const auto rate = simulatorRate(ports_[cell.port]);
+    if (rate == trigger_.simulator(cell.port)) return;
+    catchUp();
+    trigger_.setSimulator(cell.port, rate);
+  } else if (cell.effect == Effect::kStatus) {
+    trigger_.keep(cell.port, cell.index, static_cast<std::uint32_t>(bits));
+  } else {
+    catchUp();
+    trigger_.write(cell.port, cell.index, static_cast<std::uint32_t>(bits));
   }
 }
 
-void Device::runCommand(const Cell& cell, std::uint64_t bits) {
-  if (cell.effect == Effect::kSoftwarePulse && bits != 0) {
-    for (unsigned port = 0; port < kPorts; ++port) {
-      if (!softwarePulseReaches(ports_, cell.port, port)) continue;
-      outputPulses_[port].add(1);
-      if (followsTrigger(ports_[port])) channels_[port].pictures.add(1);
-    }
-  } else if (cell.effect == Effect::kClear) {
-    for (const auto& clear : clears_) {
-      if (clear.command == &cell) writeCell(*clear.target, 0, clear.target->bits[0] & ~clear.mask);
-    }
-  }
-}
+void Device::catchUp() { trigger_.advance(now()); }
 
-void Device::updateRates() {
-  const auto time = now();
-  for (unsigned port = 0; port < kPorts; ++port) {
-    outputPulses_[port].setRate(time, triggerRate(ports_, port));
-    channels_[port].pictures.setRate(time, pictureRate(ports_, port));
-  }
+void Device::countPictures(unsigned port, std::int64_t pictures) {
+  auto& channel = channels_[port];
+  if (!channel.running) return;
+  channel.pictures += pictures;
+  if (channel.limit >= 0) channel.pictures = std::min(channel.pictures, channel.limit);
 }
 
 Device::Place Device::locate(int id, const void* value, unsigned dma) {
@@ -213,7 +172,6 @@ int Device::setParameter(int id, const void* value, unsigned dma, int type) {
     return kOk;
   }
   writeCell(*place.cell, place.slot, bits);
-  runCommand(*place.cell, bits);
   return kOk;
 }
 
@@ -300,6 +258,12 @@ std::string Device::registerName(int id) const {
   const std::lock_guard guard(mutex_);
   const auto* found = design_ ? design_->registerWithId(id) : nullptr;
   return found ? found->name : fmt::format("#{}", id);
+}
+
+std::string Device::eventName(unsigned index) const {
+  const std::lock_guard guard(mutex_);
+  const auto* event = design_ ? design_->event(static_cast<int>(index)) : nullptr;
+  return event ? event->name : "";
 }
 
 RegisterInfoKind Device::parameterKind(int id) const {

@@ -20,6 +20,7 @@
 
 #include "board/model/design.h"
 #include "board/model/frame_source.h"
+#include "board/trigger/trigger_block.h"
 
 #pragma GCC visibility push(default)
 
@@ -44,11 +45,11 @@ class Device {
   int start(unsigned dma, std::int64_t pictures);
   int stop(unsigned dma);
   /// Number of the last picture since the start, from 1; 0 before the first.
-  std::int64_t lastPicture(unsigned dma) const;
+  std::int64_t lastPicture(unsigned dma);
   /// Waits for a picture, at most `seconds`; returns the number of the last picture.
-  std::int64_t waitForPicture(std::int64_t picture, unsigned dma, std::int64_t seconds) const;
+  std::int64_t waitForPicture(std::int64_t picture, unsigned dma, std::int64_t seconds);
   /// `status` is a `VelmoraChannelStatus`.
-  std::int64_t channelStatus(std::uint32_t status, unsigned dma) const;
+  std::int64_t channelStatus(std::uint32_t status, unsigned dma);
 
   /// The name that an id stands for; "#<id>" for an unknown one.
   std::string parameterName(int id) const;
@@ -62,14 +63,24 @@ class Device {
   void setByName(const std::string& name, unsigned dma, double value);
   double byName(const std::string& name, unsigned dma);
 
+  /// Runs `use` on the trigger block, which has caught up with the clock.
+  template <class Use>
+  auto withTrigger(Use use) {
+    const std::lock_guard guard(mutex_);
+    catchUp();
+    return use(trigger_);
+  }
+  /// Name of an event of the design; empty for an unknown index.
+  std::string eventName(unsigned index) const;
+
  private:
-  /// What writing or reading a cell does besides storing its value.
+  /// What writing or reading a cell does besides storing its value. Other cells leave the clock
+  /// alone.
   enum class Effect {
     kNone,
-    kSetting,        ///< A setting of the picture source.
-    kSoftwarePulse,  ///< Writing anything but 0 sends a trigger pulse.
-    kOutputPulses,   ///< Reads as the pulses sent since it was written.
-    kClear           ///< Writing clears the targets in `clears_`.
+    kSetting,  ///< A setting of the picture source.
+    kTrigger,  ///< A register of the trigger block.
+    kStatus    ///< One that the trigger block writes.
   };
   /// A value per DMA channel; shared parameters and registers use the first.
   struct Cell {
@@ -78,18 +89,13 @@ class Device {
     unsigned port = 0;  ///< Of the effect.
     unsigned slot = 0;  ///< The one that has the effect.
     std::uint64_t PortSettings::*setting = nullptr;
-  };
-  struct Clear {
-    const Cell* command;
-    Cell* target;
-    std::uint64_t mask;
+    unsigned index = 0;  ///< Of the trigger block's register.
   };
   struct Channel {
     bool started = false;  ///< At least once since a handle was opened.
     bool running = false;
     std::int64_t limit = 0;
-    std::int64_t atStop = 0;
-    RateCounter pictures;
+    std::int64_t pictures = 0;  ///< Since the start; none after the stop.
   };
   /// A parameter of the runtime itself, under its SDK id.
   struct RuntimeParameter {
@@ -119,18 +125,16 @@ class Device {
   const ParameterRecord* record(int id) const { return design_ ? design_->parameter(id) : nullptr; }
   void powerOn();
   void assignEffects();
-  template <class Assign>
-  void assignTo(const char* nameTemplate, Assign assign);
+  Cell* effectCell(const std::string& name, unsigned port);
   Cell* cellNamed(const std::string& name);
   const char* knownName(int id) const;
   Place locate(int id, const void* value, unsigned dma);
   Place locate(const std::string& name, unsigned dma);
-  std::uint64_t readCell(const Cell& cell, unsigned slot) const;
+  std::uint64_t readCell(const Cell& cell, unsigned slot);
   void writeCell(Cell& cell, unsigned slot, std::uint64_t bits);
-  void runCommand(const Cell& cell, std::uint64_t bits);
-  std::uint64_t readRuntime(std::size_t index, unsigned dma) const;
-  void updateRates();
-  std::int64_t pictureNumber(const Channel& channel) const;
+  std::uint64_t readRuntime(std::size_t index, unsigned dma);
+  void catchUp();
+  void countPictures(unsigned port, std::int64_t pictures);
   bool acquiring(const Channel& channel) const;
 
   mutable std::mutex mutex_;
@@ -139,10 +143,10 @@ class Device {
   std::vector<Cell> parameters_;
   std::vector<Cell> registers_;
   Texts texts_;  ///< Values of the string parameters.
-  std::vector<Clear> clears_;
-  Ports ports_;
+  std::array<PortSettings, kPorts> ports_;
   std::array<Channel, kPorts> channels_;
-  std::array<RateCounter, kPorts> outputPulses_;
+  TriggerBlock trigger_{
+      [this](unsigned port, const Train& pictures) { countPictures(port, pictures.count); }};
   std::array<std::array<std::optional<std::uint64_t>, kPorts>, kRuntimeParameterCount> runtime_;
 };
 

@@ -33,8 +33,7 @@ const std::array<Device::RuntimeParameter, Device::kRuntimeParameterCount>
          }},
         {FG_CAMSTATUS_EXTENDED, "FG_CAMSTATUS_EXTENDED", REGISTER_INFO_UINT, false,
          [](const Device& device, unsigned dma) {
-           const bool delivers = pictureRate(device.ports_, dma) > 0;
-           return kPixelClock | (delivers ? kLineAndFrameValid : 0);
+           return kPixelClock | (device.trigger_.delivers(dma) ? kLineAndFrameValid : 0);
          }},
         {FG_TRANSFER_LEN, "FG_TRANSFER_LEN", REGISTER_INFO_UINT64, false,
          [](const Device& device, unsigned dma) {
@@ -53,22 +52,17 @@ std::size_t Device::runtimeIndex(int id) {
   return static_cast<std::size_t>(row - kRuntimeParameters.begin());
 }
 
-std::uint64_t Device::readRuntime(std::size_t index, unsigned dma) const {
+std::uint64_t Device::readRuntime(std::size_t index, unsigned dma) {
   const auto& row = kRuntimeParameters[index];
   const auto& kept = runtime_[index][dma];
   if (kept) return *kept;
-  return row.read ? row.read(*this, dma) : 0;
+  if (!row.read) return 0;
+  catchUp();
+  return row.read(*this, dma);
 }
 
 bool Device::acquiring(const Channel& channel) const {
-  return channel.running &&
-         (channel.limit == kEndless || channel.pictures.count(now()) < channel.limit);
-}
-
-std::int64_t Device::pictureNumber(const Channel& channel) const {
-  if (!channel.running) return channel.atStop;
-  const auto count = channel.pictures.count(now());
-  return channel.limit == kEndless ? count : std::min(count, channel.limit);
+  return channel.running && (channel.limit == kEndless || channel.pictures < channel.limit);
 }
 
 int Device::start(unsigned dma, std::int64_t pictures) {
@@ -77,9 +71,8 @@ int Device::start(unsigned dma, std::int64_t pictures) {
   const std::lock_guard guard(mutex_);
   auto& channel = channels_[dma];
   if (channel.running) return kAlreadyStarted;
-  channel.started = channel.running = true;
-  channel.limit = pictures;
-  channel.pictures.restart(now());
+  catchUp();
+  channel = {.started = true, .running = true, .limit = pictures};
   return kOk;
 }
 
@@ -88,48 +81,49 @@ int Device::stop(unsigned dma) {
   const std::lock_guard guard(mutex_);
   auto& channel = channels_[dma];
   if (!channel.running) return kNotStarted;
-  channel.atStop = pictureNumber(channel);
+  catchUp();
   channel.running = false;
   return kOk;
 }
 
-std::int64_t Device::lastPicture(unsigned dma) const {
+std::int64_t Device::lastPicture(unsigned dma) {
   if (dma >= kPorts) return kBadDma;
   const std::lock_guard guard(mutex_);
+  catchUp();
   const auto& channel = channels_[dma];
-  return channel.started ? pictureNumber(channel) : std::int64_t{kNotStarted};
+  return channel.started ? channel.pictures : std::int64_t{kNotStarted};
 }
 
-std::int64_t Device::waitForPicture(std::int64_t picture, unsigned dma,
-                                    std::int64_t seconds) const {
+std::int64_t Device::waitForPicture(std::int64_t picture, unsigned dma, std::int64_t seconds) {
   if (dma >= kPorts) return kBadDma;
   if (seconds < 0) return kBadArgument;
   const auto deadline = now() + std::chrono::seconds(seconds);
-  // Polls, since the rate can change in the meantime.
+  // Polls, since settings can change in the meantime.
   while (true) {
     std::chrono::nanoseconds pause{};
     {
       const std::lock_guard guard(mutex_);
       const auto& channel = channels_[dma];
       if (!channel.started) return kNotStarted;
-      const auto number = pictureNumber(channel);
-      if (number >= picture) return number;
-      if (!channel.running) return kNotStarted;
       const auto time = now();
+      trigger_.advance(time);
+      if (channel.pictures >= picture) return channel.pictures;
+      if (!channel.running) return kNotStarted;
       if (time >= deadline) return kTimeout;
-      pause = std::min(channel.pictures.until(picture, time), deadline - time);
+      pause = std::min(trigger_.next(), deadline) - time;
     }
     sleepFor(std::clamp(pause, kShortestPause, kLongestPause));
   }
 }
 
-std::int64_t Device::channelStatus(std::uint32_t status, unsigned dma) const {
+std::int64_t Device::channelStatus(std::uint32_t status, unsigned dma) {
   if (dma >= kPorts) return kBadDma;
   const std::lock_guard guard(mutex_);
+  catchUp();
   const auto& channel = channels_[dma];
   switch (status) {
     case VELMORA_STATUS_GRABBED_PICTURES:
-      return channel.started ? pictureNumber(channel) : 0;
+      return channel.started ? channel.pictures : 0;
     case VELMORA_STATUS_LOST_PICTURES:
       return 0;
     case VELMORA_STATUS_ACQUIRING:

@@ -8,8 +8,6 @@
 #include "board/pictures/source.h"
 #include "velmora/values.h"
 
-#pragma GCC visibility push(default)
-
 namespace board {
 
 /// A port's picture path: the values of its design parameters. Any values will do: of the
@@ -38,5 +36,3 @@ std::size_t renderPicture(const PictureSource& source, std::int64_t number, cons
                           std::span<std::uint8_t> pixels);
 
 }  // namespace board
-
-#pragma GCC visibility pop

@@ -13,8 +13,6 @@
 #include <cstdint>
 #include <span>
 
-#pragma GCC visibility push(default)
-
 namespace board {
 
 /// The bytes of a line, and the whole pixels in so many bytes.
@@ -33,5 +31,3 @@ void pack(std::uint32_t format, std::span<const std::uint16_t> samples, std::uin
 void unpack(std::uint32_t format, const std::uint8_t* link, std::span<std::uint8_t> grey);
 
 }  // namespace board
-
-#pragma GCC visibility pop

@@ -1,0 +1,322 @@
+/// The virtual board's trigger block, told what to do by the applet on one port and by the outside
+/// of its inputs. Time goes on only when a test says so.
+#include <chrono>
+#include <cmath>
+#include <memory>
+#include <random>
+
+#include "tests/applet_test.h"
+
+namespace {
+
+using namespace fixture;
+using namespace std::chrono_literals;
+using std::chrono::nanoseconds;
+
+constexpr nanoseconds kDebounce = 1008ns;  ///< The default, 21 units of 48 ns.
+const std::string kPrefix = "Device1_Process4_Trigger_";
+const std::string kStatusWord = kPrefix + "Monitoring_ReadQueueStatus_Status";
+const std::string kExternal = "FG_AREATRIGGERMODE=2 FG_TRIGGERSTATE=0 ";
+const std::string kSoftware = "FG_AREATRIGGERMODE=4 FG_TRIGGERSTATE=0 ";
+/// External, and without the limit of the rate.
+const std::string kUnlimited = kExternal + "FG_TRIGGERQUEUE_MODE=1 FG_TRIGGERQUEUE_MODE=0 ";
+
+class TriggerBlock : public testing::TestWithParam<unsigned> {
+ protected:
+  TriggerBlock() {
+    board::setClock([this] { return time; }, [this](auto pause) { time += pause; });
+    open();
+  }
+  ~TriggerBlock() override {
+    applet.reset();
+    board::setClock({}, {});
+  }
+
+  void open() {
+    applet.reset();
+    applet = std::make_unique<Applet>();
+    board::stopJournal();
+    device = applet->device();
+    for (unsigned p = 0; p < kPorts; ++p)
+      EXPECT_EQ(Fg_AcquireEx(applet->fg(), p, -1, 0, nullptr), VELMORA_OK);
+  }
+  int id(const std::string& name) { return Fg_getParameterIdByName(applet->fg(), name.c_str()); }
+  /// Sets such as "NAME=VALUE NAME=VALUE", in their order.
+  void set(const std::string& sets) {
+    std::istringstream words(sets);
+    for (std::string name, value; std::getline(words >> std::ws, name, '=') && words >> value;) {
+      const bool real = applet->node(id(name))->kind == REGISTER_INFO_DOUBLE;
+      EXPECT_EQ(real ? applet->set(id(name), std::stod(value), port)
+                     : applet->set(id(name), std::stoul(value), port),
+                VELMORA_OK)
+          << name << '=' << value;
+    }
+  }
+  double value(const std::string& name) {
+    if (name == "pictures") return static_cast<double>(pictures(port));
+    if (name == "status") return board::value(device, kStatusWord, 0);
+    const bool real = applet->node(id(name))->kind == REGISTER_INFO_DOUBLE;
+    return real ? applet->real(id(name), port).value : applet->word(id(name), port).value;
+  }
+  /// Values as "1 2", when time has gone on.
+  std::string after(nanoseconds wait, const std::string& names) {
+    time += wait;
+    Lines values;
+    std::istringstream words(names);
+    for (std::string name; words >> name;) values.push_back(fmt::format("{:.0f}", value(name)));
+    return fmt::format("{}", fmt::join(values, " "));
+  }
+  std::int64_t pictures(unsigned p) { return Fg_getLastPicNumberEx(applet->fg(), p, 0); }
+
+  /// The port in a text, {p} as a number and {l} as a letter.
+  std::string own(const std::string& text) const {
+    return replaced(forPort(text, port), "{l}", std::string(1, static_cast<char>('A' + port)));
+  }
+  void listen(const std::string& names) {
+    std::uint64_t mask = 0;
+    std::istringstream words(own(names));
+    for (std::string name; words >> name;) mask |= Fg_getEventMask(applet->fg(), name.c_str());
+    board::enableEvents(device, mask);
+    start = time;
+  }
+  /// The events since `listen` or the last call, as "NANOSECONDS NAME, NANOSECONDS NAME".
+  std::string events() {
+    Lines lines;
+    while (const auto event = board::takeEvent(device))
+      lines.push_back(fmt::format("{} {}", (event->time - start).count(),
+                                  Fg_getEventName(applet->fg(), 1ULL << event->index)));
+    return fmt::format("{}", fmt::join(lines, ", "));
+  }
+
+  const unsigned port = GetParam();
+  nanoseconds time{1s}, start{};
+  std::unique_ptr<Applet> applet;
+  KTdevice* device = nullptr;
+};
+INSTANTIATE_TEST_SUITE_P(Ports, TriggerBlock, testing::Range(0U, kPorts));
+
+/// What 100 pulses of 10 kHz at input 0 make, or a tenth of a second.
+TEST_P(TriggerBlock, PicturesFollowTheSettings) {
+  const std::string active = "FG_TRIGGERSTATE=0 ", fps = "FG_TRIGGER_FRAMESPERSECOND=";
+  const std::string form = "FG_TRIGGER_PULSEFORMGEN0_", second = "FG_TRIGGER_PULSEFORMGEN1_";
+  const std::string camera = "FG_CAMERA_ACTION_COMMAND_SOURCE=";
+  const std::pair<std::string, std::int64_t> rows[] = {
+      {"", 3},  // The camera alone.
+      {active + fps + "1000", 100},
+      {form + "WIDTH=1 " + second + "WIDTH=1 " + fps + "976562.5 " + active, 97656},
+      {active + "FG_TRIGGERSTATE=2", 0},
+      {kExternal, 1},  // The first at once.
+      {kExternal + fps + "100 FG_TRIGGERQUEUE_MODE=1", 10},
+      {kExternal + fps + "2505 FG_TRIGGER_MULTIPLY_PULSES=3 FG_TRIGGERQUEUE_MODE=1", 251},
+      {kUnlimited, 100},
+      {kUnlimited + "FG_TRIGGERSTATE=2", 0},
+      {kUnlimited + "FG_TRIGGERIN_SRC=7", 0},
+      {kUnlimited + "FG_TRIGGERIN_POLARITY=1", 101},  // The change is an edge.
+      {kUnlimited + "FG_TRIGGERIN_DOWNSCALE=7", 15},
+      {kUnlimited + "FG_TRIGGERIN_DOWNSCALE=7 FG_TRIGGERIN_DOWNSCALE_PHASE=2", 14},
+      {kUnlimited + form + "DOWNSCALE=7", 15},
+      {kUnlimited + form + "DOWNSCALE=7 " + form + "DOWNSCALE_PHASE=2", 14},
+      // A pulse that comes while another one is delayed or sent is lost.
+      {kUnlimited + form + "DELAY=450", 20},
+      {kUnlimited + form + "WIDTH=250", 34},
+      // Sources of the camera's command; a new level can be an edge, too.
+      {kUnlimited + second + "DOWNSCALE=2 " + camera + "1", 50},
+      {kUnlimited + camera + "6", 101},
+      {kUnlimited + camera + "4", 0},
+      {kUnlimited + camera + "5", 1},
+      {camera + "10 " + active + "FG_TRIGGERSTATE=2", 100},
+      {"FG_TRIGGERIN_BYPASS_SRC=1 " + camera + "10 " + active + "FG_TRIGGERSTATE=2", 0},
+  };
+  for (const auto& [sets, expected] : rows) {
+    open();
+    set(sets);
+    board::trainInput(device, 0, 10e3, 100);
+    time += 100ms;
+    EXPECT_EQ(pictures(port), expected) << sets;
+    EXPECT_EQ(pictures((port + 1) % kPorts), 3) << sets;
+  }
+}
+
+/// A level counts when it has held long enough.
+TEST_P(TriggerBlock, Debounces) {
+  const std::string inputs = "FG_DIGIO_INPUT";
+  listen("FG_TRIGGER_INPUT3_RISING FG_TRIGGER_INPUT3_FALLING");
+  board::pulseInput(device, 3, kDebounce - 1ns);
+  EXPECT_EQ(after(10us, inputs), "0");
+  board::pulseInput(device, 3, kDebounce);
+  EXPECT_EQ(after(kDebounce, inputs), "8");
+  board::setInput(device, 6, true);
+  EXPECT_EQ(after(10us, inputs), "64");
+  set("FG_TRIGGERIN_DEBOUNCE=0.096");
+  board::setInput(device, 6, false);
+  EXPECT_EQ(after(95ns, inputs), "64");
+  EXPECT_EQ(after(1ns, inputs), "0");
+  EXPECT_EQ(events(), "11008 FG_TRIGGER_INPUT3_RISING, 12016 FG_TRIGGER_INPUT3_FALLING");
+  EXPECT_THROW(board::setInput(device, 8, true), std::out_of_range);
+}
+
+/// Ten pulses, a millisecond apart; one every ten milliseconds out again, each of them twice.
+TEST_P(TriggerBlock, QueuePacesAndTellsItsLevel) {
+  set(kExternal +
+      "FG_TRIGGER_FRAMESPERSECOND=100 FG_TRIGGERQUEUE_MODE=1 FG_TRIGGERIN_SRC=5 "
+      "FG_TRIGGER_MULTIPLY_PULSES=2 FG_TRIGGER_QUEUE_FILLLEVEL_EVENT_ON_THRESHOLD=4");
+  const std::string threshold = "FG_TRIGGER_QUEUE_FILLLEVEL_THRESHOLD_CAM{p}_";
+  listen(threshold + "ON " + threshold + "OFF");
+  board::trainInput(device, 5, 1000, 10);
+  const std::string sights = "pictures FG_TRIGGERQUEUE_FILLLEVEL status";
+  EXPECT_EQ(after(9500us, sights), "1 10 0");
+  EXPECT_EQ(after(10ms, sights), "2 9 0");
+  EXPECT_EQ(after(180ms, sights), "20 1 0");
+  EXPECT_EQ(after(10ms, sights), "20 0 0");
+  EXPECT_EQ(events(), own("3001008 " + threshold + "ON, 150001008 " + threshold + "OFF"));
+}
+
+TEST_P(TriggerBlock, QueueHasAnEnd) {
+  const auto status = [this](unsigned bits) { return std::to_string(bits << 3 * port); };
+  listen("FG_TRIGGER_EXCEEDED_PERIOD_LIMITS_CAM{p}");
+  set(kSoftware);
+  EXPECT_EQ(after(0s, "FG_SOFTWARETRIGGER_IS_BUSY"), "0");
+  set("FG_SENDSOFTWARETRIGGER=1");
+  EXPECT_EQ(applet->set(FG_SENDSOFTWARETRIGGER, 1, port), VELMORA_TRIGGER_BUSY);
+  time += 125ms;
+  set("FG_TRIGGERQUEUE_MODE=1 FG_SENDSOFTWARETRIGGER=2040");
+  EXPECT_EQ(after(0s, "FG_SOFTWARETRIGGER_QUEUE_FILLLEVEL"), "2039");
+  set("FG_SENDSOFTWARETRIGGER=1");
+  EXPECT_EQ(after(0s, "status"), status(2));
+  set("FG_SENDSOFTWARETRIGGER=1");
+  EXPECT_EQ(after(0s, "status"), status(3));
+  set("FG_TRIGGER_EXCEEDED_PERIOD_LIMITS_CLEAR=1");
+  EXPECT_EQ(after(0s, "status"), status(2));
+  EXPECT_EQ(after(1h, "pictures FG_TRIGGEROUT_STATS_PULSECOUNT status"), "2042 2042 0");
+  EXPECT_EQ(events(), own("125000000 FG_TRIGGER_EXCEEDED_PERIOD_LIMITS_CAM{p}"));
+}
+
+/// Frequencies come from the distance of the last two pulses, the longest and the shortest.
+TEST_P(TriggerBlock, MeasuresItsInput) {
+  const auto measured = [this](nanoseconds period, int pulses) {
+    board::trainInput(device, 4, 1e9 / static_cast<double>(period.count()), pulses);
+    return after(pulses * period,
+                 "FG_TRIGGERIN_STATS_PULSECOUNT FG_TRIGGERIN_STATS_FREQUENCY "
+                 "FG_TRIGGERIN_STATS_MINFREQUENCY FG_TRIGGERIN_STATS_MAXFREQUENCY");
+  };
+  set("FG_TRIGGERIN_SRC=4");
+  EXPECT_EQ(measured(1ms, 1), "1 0 0 0");
+  EXPECT_EQ(measured(40us, 4), "5 25000 1000 25000");
+  EXPECT_EQ(measured(100us, 2), "7 10000 1000 25000");
+  set("FG_TRIGGERIN_STATS_MINMAXFREQUENCY_CLEAR=1 FG_TRIGGERIN_STATS_PULSECOUNT_CLEAR=1");
+  EXPECT_EQ(measured(50us, 0), "0 10000 0 0");
+  EXPECT_EQ(measured(50us, 2), "2 20000 10000 20000");
+  board::trainInput(device, 4, 20e3);
+  time += 475us;
+  board::trainInput(device, 4, 0);
+  EXPECT_EQ(after(1h, "FG_TRIGGERIN_STATS_PULSECOUNT"), "12");
+  // What the hardware's side has set stays until it is cleared.
+  board::setValue(device, own(kPrefix + "TriggerCam{p}_InputStatistics_ReadPulses_Status"), 0, 77);
+  EXPECT_EQ(measured(50us, 5), "77 20000 0 20000");
+  set("FG_TRIGGERIN_STATS_PULSECOUNT_CLEAR=1");
+  EXPECT_EQ(measured(50us, 5), "5 20000 0 20000");
+  board::setValue(device, kStatusWord, 0, 4095);
+  set("FG_MISSING_CAMERA_FRAME_RESPONSE_CLEAR=1");
+  EXPECT_EQ(after(0s, "status"), std::to_string(4095 - (4 << 3 * port)));
+}
+
+/// Two pulse forms of one pulse, as outputs and events show them.
+TEST_P(TriggerBlock, ShapesPulses) {
+  set("FG_TRIGGER_PULSEFORMGEN0_DELAY=20 FG_TRIGGER_PULSEFORMGEN0_WIDTH=40 "
+      "FG_TRIGGER_PULSEFORMGEN1_DELAY=30 FG_TRIGGER_PULSEFORMGEN1_WIDTH=10 "
+      "FG_TRIGGEROUT_SELECT0=0 FG_TRIGGER_OUTPUT_EVENT_SELECT=1");
+  set(kSoftware);
+  listen("FG_TRIGGER_OUTPUT_CAM{p} FG_START_OF_FRAME_CAM_PORT_{l}");
+  set("FG_SENDSOFTWARETRIGGER=1");
+  std::vector<unsigned> levels;  // Output 1 is inverted, as are those of other ports.
+  for (int i = 0; i < 8; ++i, time += 10us) levels.push_back(board::outputs(device));
+  const unsigned others = 255 - (3 << 2 * port);
+  for (unsigned& level : levels) level = (level - others) >> 2 * port;
+  EXPECT_EQ(levels, (std::vector<unsigned>{2, 2, 3, 1, 3, 3, 2, 2}));
+  EXPECT_EQ(events(), own("20000 FG_START_OF_FRAME_CAM_PORT_{l}, 30000 FG_TRIGGER_OUTPUT_CAM{p}"));
+  set("FG_DIGIO_OUTPUT=2");
+  EXPECT_EQ(board::outputs(device) & 0x88, 0x80);
+}
+
+TEST_P(TriggerBlock, SlavesFollowTheFirstCamera) {
+  if (port > 0) set("FG_AREATRIGGERMODE=3 FG_TRIGGERSTATE=0 FG_TRIGGER_PULSEFORMGEN0_DOWNSCALE=3");
+  EXPECT_EQ(after(1s, "pictures"), port == 0 ? "30" : "0");
+  EXPECT_EQ(applet->set(FG_TRIGGER_FRAMESPERSECOND, 62.5), VELMORA_OK);
+  EXPECT_EQ(applet->set(FG_TRIGGERSTATE, TS_ACTIVE), VELMORA_OK);
+  EXPECT_EQ(after(96s, "pictures"), port == 0 ? "6030" : "2000");
+}
+
+/// Commands find no camera while the simulator delivers.
+TEST_P(TriggerBlock, MissesFrames) {
+  const std::string sights =
+      "pictures FG_MISSING_CAMERA_FRAME_RESPONSE FG_CAMERA_ACTION_COMMAND_PENDING_COUNT";
+  const std::string missing = " FG_MISSING_CAM{p}_FRAME_RESPONSE";
+  const std::string frame = " FG_END_OF_FRAME_CAM_PORT_{l}";
+  listen(missing + frame);
+  set("FG_GEN_ENABLE=1 FG_GEN_START=0 FG_TRIGGER_FRAMESPERSECOND=1000 FG_TRIGGERSTATE=0");
+  EXPECT_EQ(after(2ms, sights), "0 1 2");
+  set("FG_MISSING_CAMERA_FRAME_RESPONSE_CLEAR=1 FG_GEN_ENABLE=0");
+  EXPECT_EQ(after(1ms, sights), "1 0 0");
+  EXPECT_EQ(events(), own("999984" + missing + ", 1999968" + missing + ", 2999952" + frame));
+}
+
+/// The newest ones, in their order, however long nobody asked.
+TEST_P(TriggerBlock, KeepsTheLatestEvents) {
+  set("FG_TRIGGER_FRAMESPERSECOND=1000 FG_TRIGGERSTATE=0");  // 62499 ticks.
+  listen("FG_TRIGGER_OUTPUT_CAM{p} FG_TRIGGER_INPUT0_RISING");
+  board::trainInput(device, 0, 2);
+  time += 100s + kDebounce;
+  const std::string all = events(), between = own(" FG_TRIGGER_OUTPUT_CAM{p}, ");
+  EXPECT_EQ(board::lostEvents(device), 100001 + 201 - 4096);
+  EXPECT_EQ(std::ranges::count(all, ','), 4095);
+  EXPECT_TRUE(all.starts_with("95913465360" + between + "95914465344"));
+  EXPECT_TRUE(all.ends_with("99999399984" + between + "100000001008 FG_TRIGGER_INPUT0_RISING"));
+}
+
+/// Whatever the registers hold, it makes no difference how often somebody looks.
+TEST_P(TriggerBlock, CatchesUpInOneStepOrInMany) {
+  Lines writable, readable;
+  for (const std::string& line : linesOf(contentOf(DESIGN_MANIFEST))) {
+    if (line.find(kPrefix) == line.npos || line.starts_with("event")) continue;
+    for (const auto& [camera, form] : {std::pair("0", "0"), {"1", "0"}, {"2", "1"}, {"3", "1"}}) {
+      std::istringstream words(replaced(replaced(line, "{0-3}", camera), "{0-1}", form));
+      std::string kind, name, access;
+      words >> kind >> name >> access;
+      (access == "rw" ? writable : readable).push_back(replaced(name, "{1-3}", "3"));
+    }
+  }
+  std::int64_t taken = 0;
+  for (unsigned seed = port; seed < 300; seed += kPorts) {
+    Lines seen[2];
+    for (const bool often : {false, true}) {
+      time = 1s;
+      open();
+      std::minstd_rand random(seed);
+      const auto below = [&](std::size_t end) { return static_cast<unsigned>(random() % end); };
+      board::enableEvents(device, seed / kPorts % 2 == 0 ? 0 : ~0ULL);
+      for (int round = 0; round < 10; ++round) {
+        for (int i = 0; i < 150; ++i) {
+          const unsigned values[] = {0, 1, 1, below(4), below(4), below(9), below(3000), ~0U};
+          board::setValue(device, writable[below(writable.size())], 0, values[below(8)]);
+        }
+        for (const auto* leaf :
+             {"Generators_ClearQueuePulse_Mode", "Generators_EnableQueue_Select"})
+          board::setValue(device, fmt::format("{}TriggerCam{}_{}", kPrefix, below(kPorts), leaf), 0,
+                          below(2) * below(2));
+        board::trainInput(device, below(8), below(2000000), below(300));
+        for (int step = 0; step < 200; ++step, time += 700ns)
+          if (often) pictures(0);
+        for (const std::string& name : readable)
+          seen[often].push_back(fmt::format("{} {}", name, board::value(device, name, 0)));
+        for (unsigned p = 0; p < kPorts; ++p)
+          seen[often].push_back(fmt::format("pictures {}", pictures(p)));
+        seen[often].push_back(events());
+      }
+      taken += pictures(0) + pictures(3);
+    }
+    ASSERT_EQ(seen[false], seen[true]) << "seed " << seed;
+  }
+  EXPECT_GT(taken, 10000) << "hardly anything happened";
+}
+
+}  // namespace
