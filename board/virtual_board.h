@@ -59,12 +59,13 @@ void enableEvents(KTdevice* device, std::uint64_t mask);
 std::optional<BoardEvent> takeEvent(KTdevice* device);
 std::uint64_t lostEvents(KTdevice* device);
 
-/// Inner handles, designs and strings (type 22) that were handed out and not given back; all 0
+/// Inner handles, designs, strings (type 22) and picture memories that were handed out and not given back; all 0
 /// when nothing leaked.
 struct Outstanding {
   int handles = 0;
   int designs = 0;
   int strings = 0;
+  int memories = 0;
 };
 Outstanding outstanding();
 

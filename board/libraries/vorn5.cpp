@@ -11,6 +11,7 @@
 #include "board/model/board_error.h"
 #include "board/model/ledger.h"
 #include "board/model/model.h"
+#include "board/model/picture_memory.h"
 #include "board/model/scalar.h"
 #include "board/model/watch.h"
 #include "velmora/values.h"
@@ -45,6 +46,21 @@ auto onDevice(Fg_Struct* fg, Action action) {
     using Result = decltype(action(*fg->device));
     return fg ? action(*fg->device) : static_cast<Result>(board::kNoHandle);
   };
+}
+
+/// The same for a call on a channel, which names its picture memory or none.
+template <class Action>
+auto onChannel(Fg_Struct* fg, std::uint32_t dma, std::int64_t memory, Action action) {
+  return onDevice(fg, [=](auto& device) {
+    using Result = decltype(action(device));
+    return device.usesMemory(dma, memory) ? action(device)
+                                          : static_cast<Result>(board::kBadArgument);
+  });
+}
+
+int start(KTdevice& device, std::uint32_t dma, std::int64_t pictures, void* memory) {
+  if (memory && !board::isHandedOut(board::HandedOut::kMemory, memory)) return board::kBadArgument;
+  return device.start(dma, pictures, static_cast<VirtualBoardMemory*>(memory));
 }
 
 /// The kind to show the value of an unknown parameter as, going by the type in the call.
@@ -205,35 +221,37 @@ int Fg_getAppletId(Fg_Struct* fg, void*) {
              [=]() -> int { return fg ? board::kBoardType : board::kNoHandle; });
 }
 
-int Fg_AcquireEx(Fg_Struct* fg, std::uint32_t dma, std::int64_t pictures, std::int32_t, void*) {
+int Fg_AcquireEx(Fg_Struct* fg, std::uint32_t dma, std::int64_t pictures, std::int32_t,
+                 void* memory) {
   return run(fg, callOn(dma, "Fg_AcquireEx", "dma {}, {} pictures", dma, pictures),
-             onDevice(fg, [=](auto& device) { return device.start(dma, pictures); }));
+             onDevice(fg, [=](auto& device) { return start(device, dma, pictures, memory); }));
 }
 
-int Fg_stopAcquireEx(Fg_Struct* fg, std::uint32_t dma, std::int64_t, std::int32_t) {
+int Fg_stopAcquireEx(Fg_Struct* fg, std::uint32_t dma, std::int64_t memory, std::int32_t) {
   return run(fg, callOn(dma, "Fg_stopAcquireEx", "dma {}", dma),
-             onDevice(fg, [=](auto& device) { return device.stop(dma); }));
+             onChannel(fg, dma, memory, [=](auto& device) { return device.stop(dma); }));
 }
 
-std::int64_t Fg_getLastPicNumberEx(Fg_Struct* fg, std::uint32_t dma, std::int64_t) {
+std::int64_t Fg_getLastPicNumberEx(Fg_Struct* fg, std::uint32_t dma, std::int64_t memory) {
   return run(fg, callOn(dma, "Fg_getLastPicNumberEx", "dma {}", dma),
-             onDevice(fg, [=](auto& device) { return device.lastPicture(dma); }));
+             onChannel(fg, dma, memory, [=](auto& device) { return device.lastPicture(dma); }));
 }
 
 std::int64_t Fg_getLastPicNumberBlockingEx(Fg_Struct* fg, std::int64_t picture, std::uint32_t dma,
-                                           std::int32_t timeout, std::int64_t) {
-  return run(
-      fg,
-      callOn(dma, "Fg_getLastPicNumberBlockingEx", "picture {}, dma {}, {} s", picture, dma,
-             timeout),
-      onDevice(fg, [=](auto& device) { return device.waitForPicture(picture, dma, timeout); }));
+                                           std::int32_t timeout, std::int64_t memory) {
+  return run(fg,
+             callOn(dma, "Fg_getLastPicNumberBlockingEx", "picture {}, dma {}, {} s", picture, dma,
+                    timeout),
+             onChannel(fg, dma, memory,
+                       [=](auto& device) { return device.waitForPicture(picture, dma, timeout); }));
 }
 
 std::int64_t Fg_getStatusEx(Fg_Struct* fg, std::uint32_t param, std::int64_t, std::int32_t dma,
-                            void*) {
+                            void* memory) {
   const auto channel = static_cast<unsigned>(dma);
   return run(fg, callOn(channel, "Fg_getStatusEx", "status {}, dma {}", param, dma),
-             onDevice(fg, [=](auto& device) { return device.channelStatus(param, channel); }));
+             onChannel(fg, channel, reinterpret_cast<std::intptr_t>(memory),
+                       [=](auto& device) { return device.channelStatus(param, channel); }));
 }
 
 // Functions that applets look up but do not call, since they have their own.

@@ -22,6 +22,8 @@ enum Error : int {
   kRegisterReadOnly = VELMORA_BOARD_REGISTER_READ_ONLY,
   kAlreadyStarted = VELMORA_BOARD_ALREADY_STARTED,
   kNotStarted = VELMORA_BOARD_NOT_STARTED,
+  kBufferTooSmall = VELMORA_BOARD_BUFFER_TOO_SMALL,
+  kMemoryInUse = VELMORA_BOARD_MEMORY_IN_USE,
   kTimeout = VELMORA_BOARD_TIMEOUT,
   kNotOffered = VELMORA_NOT_SUPPORTED  ///< The board's runtime lacks the function.
 };

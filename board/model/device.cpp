@@ -40,7 +40,11 @@ int Device::attach(std::shared_ptr<const Design> design) {
 void Device::detach() {
   const std::lock_guard guard(mutex_);
   if (--handles_ > 0) return;
-  for (auto& channel : channels_) channel.started = channel.running = false;
+  catchUp();
+  for (unsigned port = 0; port < kPorts; ++port) {
+    stopChannel(port);
+    channels_[port].started = false;
+  }
 }
 
 void Device::powerOn() {
@@ -115,6 +119,7 @@ void Device::writeCell(Cell& cell, unsigned slot, std::uint64_t bits) {
   cell.bits[slot] = bits;
   if (cell.slot != slot || cell.effect == Effect::kNone) return;
   if (cell.effect == Effect::kSetting) {
+    if (channels_[cell.port].memory) catchUp();  // The pictures so far have the old setting.
     ports_[cell.port].*cell.setting = bits;
     const auto rate = simulatorRate(ports_[cell.port]);
     if (rate == trigger_.simulator(cell.port)) return;
@@ -129,13 +134,6 @@ void Device::writeCell(Cell& cell, unsigned slot, std::uint64_t bits) {
 }
 
 void Device::catchUp() { trigger_.advance(now()); }
-
-void Device::countPictures(unsigned port, std::int64_t pictures) {
-  auto& channel = channels_[port];
-  if (!channel.running) return;
-  channel.pictures += pictures;
-  if (channel.limit >= 0) channel.pictures = std::min(channel.pictures, channel.limit);
-}
 
 Device::Place Device::locate(int id, const void* value, unsigned dma) {
   Place place;

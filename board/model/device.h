@@ -8,7 +8,9 @@
 /// `errors.h` on failure. Parameter ids are the design's, or the runtime's own (below).
 #pragma once
 
+#include <algorithm>
 #include <array>
+#include <chrono>
 #include <cstdint>
 #include <map>
 #include <memory>
@@ -18,6 +20,9 @@
 #include <utility>
 #include <vector>
 
+#include "board/model/board_error.h"
+#include "board/model/camera.h"
+#include "board/model/clock.h"
 #include "board/model/design.h"
 #include "board/model/frame_source.h"
 #include "board/trigger/trigger_block.h"
@@ -25,6 +30,8 @@
 #pragma GCC visibility push(default)
 
 namespace board {
+
+class PictureMemory;
 
 class Device {
  public:
@@ -41,9 +48,15 @@ class Device {
   int writeRegister(int id, std::uint64_t value);
   int readRegister(int id, std::uint64_t* value) const;
 
-  /// Starts a channel for a number of pictures, -1 for no limit.
-  int start(unsigned dma, std::int64_t pictures);
+  /// Starts a channel for a number of pictures, -1 for no limit. A null memory counts them only.
+  int start(unsigned dma, std::int64_t pictures, PictureMemory* memory);
   int stop(unsigned dma);
+  /// Whether a call names the memory that a channel was started with, or none.
+  bool usesMemory(unsigned dma, std::int64_t memory) const;
+  /// Frees a buffer of a memory that a channel of this device runs with.
+  bool returnBuffer(PictureMemory& memory, std::uint32_t buffer);
+  /// Null for the camera of the board.
+  void setCamera(unsigned port, std::shared_ptr<const HostCamera> camera);
   /// Number of the last picture since the start, from 1; 0 before the first.
   std::int64_t lastPicture(unsigned dma);
   /// Waits for a picture, at most `seconds`; returns the number of the last picture.
@@ -70,10 +83,34 @@ class Device {
     catchUp();
     return use(trigger_);
   }
+  /// Lets `attempt` see the device, which has caught up with the clock, until its answer is not
+  /// `kTimeout` or the time is over. It polls, since settings can change in the meantime.
+  template <class Attempt>
+  auto poll(std::chrono::nanoseconds timeout, Attempt attempt) {
+    const auto deadline = now() + std::clamp(timeout, std::chrono::nanoseconds{0}, kLongestTimeout);
+    while (true) {
+      std::chrono::nanoseconds pause{};
+      {
+        const std::lock_guard guard(mutex_);
+        const auto time = now();
+        trigger_.advance(time);
+        const auto answer = attempt();
+        if (answer != kTimeout || time >= deadline) return answer;
+        pause = std::min(trigger_.next(), deadline) - time;
+      }
+      sleepFor(std::clamp(pause, kShortestPause, kLongestPause));
+    }
+  }
+  /// The recorded events, to be used within `poll`.
+  EventLog& events() { return trigger_.events(); }
   /// Name of an event of the design; empty for an unknown index.
   std::string eventName(unsigned index) const;
 
  private:
+  static constexpr std::chrono::nanoseconds kShortestPause = std::chrono::microseconds(20);
+  static constexpr std::chrono::nanoseconds kLongestPause = std::chrono::milliseconds(2);
+  static constexpr std::chrono::nanoseconds kLongestTimeout = std::chrono::hours(24 * 365);
+
   /// What writing or reading a cell does besides storing its value. Other cells leave the clock
   /// alone.
   enum class Effect {
@@ -95,7 +132,10 @@ class Device {
     bool started = false;  ///< At least once since a handle was opened.
     bool running = false;
     std::int64_t limit = 0;
-    std::int64_t pictures = 0;  ///< Since the start; none after the stop.
+    std::int64_t pictures = 0;        ///< Since the start; none after the stop.
+    std::int64_t lost = 0;            ///< Of them, for want of a free buffer.
+    PictureMemory* memory = nullptr;  ///< While it runs.
+    std::intptr_t memoryHandle = 0;   ///< Of that memory, after the stop too.
   };
   /// A parameter of the runtime itself, under its SDK id.
   struct RuntimeParameter {
@@ -134,7 +174,10 @@ class Device {
   void writeCell(Cell& cell, unsigned slot, std::uint64_t bits);
   std::uint64_t readRuntime(std::size_t index, unsigned dma);
   void catchUp();
-  void countPictures(unsigned port, std::int64_t pictures);
+  void receive(unsigned port, const Train& pictures);
+  bool keep(unsigned port, std::int64_t number, Time time);
+  void stopChannel(unsigned port);
+  void show(const char* name, unsigned port, std::uint64_t value);
   bool acquiring(const Channel& channel) const;
 
   mutable std::mutex mutex_;
@@ -145,8 +188,8 @@ class Device {
   Texts texts_;  ///< Values of the string parameters.
   std::array<PortSettings, kPorts> ports_;
   std::array<Channel, kPorts> channels_;
-  TriggerBlock trigger_{
-      [this](unsigned port, const Train& pictures) { countPictures(port, pictures.count); }};
+  TriggerBlock trigger_{[this](unsigned port, const Train& pictures) { receive(port, pictures); }};
+  std::array<std::shared_ptr<const HostCamera>, kPorts> cameras_;
   std::array<std::array<std::optional<std::uint64_t>, kPorts>, kRuntimeParameterCount> runtime_;
 };
 

@@ -1,21 +1,21 @@
 /// The device's runtime side: the runtime's own parameters and the acquisition channels.
+#include <fmt/format.h>
+
 #include <algorithm>
 
-#include "board/model/board_error.h"
-#include "board/model/clock.h"
 #include "board/model/device.h"
+#include "board/model/picture_memory.h"
 #include "velmora/parameters.h"
 #include "velmora/status.h"
 
 namespace board {
 namespace {
 
-constexpr std::uint64_t kPixelBytes = 3;  ///< Of the colour pictures that the design delivers.
 constexpr std::uint64_t kPixelClock = 1;  ///< Bits of the extended camera status.
 constexpr std::uint64_t kLineAndFrameValid = 6;
 constexpr std::int64_t kEndless = -1;
-constexpr std::chrono::nanoseconds kLongestPause = std::chrono::milliseconds(2);
-constexpr std::chrono::nanoseconds kShortestPause = std::chrono::microseconds(20);
+constexpr const char* kFillLevel = "Device1_Process{}_Buffer_FillLevel";
+constexpr const char* kOverflow = "Device1_Process{}_Buffer_Overflow";
 
 /// Every port has one DMA channel, of its own number.
 std::uint64_t portCount(const Device&, unsigned) { return kPorts; }
@@ -37,7 +37,7 @@ const std::array<Device::RuntimeParameter, Device::kRuntimeParameterCount>
          }},
         {FG_TRANSFER_LEN, "FG_TRANSFER_LEN", REGISTER_INFO_UINT64, false,
          [](const Device& device, unsigned dma) {
-           return device.ports_[dma].width * device.ports_[dma].height * kPixelBytes;
+           return device.ports_[dma].width * device.ports_[dma].height * kBytesPerPixel;
          }},
         {FG_NR_OF_DMAS, "FG_NR_OF_DMAS", REGISTER_INFO_UINT, false, portCount},
         {FG_NR_OF_CAMS, "FG_NR_OF_CAMS", REGISTER_INFO_UINT, false, portCount},
@@ -65,14 +65,62 @@ bool Device::acquiring(const Channel& channel) const {
   return channel.running && (channel.limit == kEndless || channel.pictures < channel.limit);
 }
 
-int Device::start(unsigned dma, std::int64_t pictures) {
+/// Counts pictures as far as the channel runs, and keeps those that find a free buffer. Buffers are
+/// returned between two calls only, so after one loss the others are lost too.
+void Device::receive(unsigned port, const Train& pictures) {
+  auto& channel = channels_[port];
+  if (!acquiring(channel)) return;
+  const std::int64_t count = channel.limit == kEndless
+                                 ? pictures.count
+                                 : std::min(pictures.count, channel.limit - channel.pictures);
+  std::int64_t kept = 0;
+  if (channel.memory) {
+    while (kept < count && keep(port, channel.pictures + kept + 1, pictures.at(kept))) ++kept;
+    channel.lost += count - kept;
+    show(kFillLevel, port, channel.memory->fillLevel());
+    show(kOverflow, port, kept < count ? 1 : 0);
+  }
+  channel.pictures += count;
+  if (channel.memory && !acquiring(channel)) channel.memory->finish();
+}
+
+bool Device::keep(unsigned port, std::int64_t number, Time time) {
+  const auto& settings = ports_[port];
+  Exposure exposure{.port = port,
+                    .number = number,
+                    .time = time.count(),
+                    .path = picturePathOf(settings),
+                    .source = Camera{port}};
+  if (settings.simulatorEnabled != 0)
+    exposure.source = simulatorOf(settings);
+  else
+    exposure.camera = cameras_[port];
+  return channels_[port].memory->add(exposure);
+}
+
+void Device::show(const char* name, unsigned port, std::uint64_t value) {
+  if (auto* cell = cellNamed(fmt::format(fmt::runtime(name), port))) cell->bits[port] = value;
+}
+
+int Device::start(unsigned dma, std::int64_t pictures, PictureMemory* memory) {
   if (dma >= kPorts) return kBadDma;
   if (pictures < 1 && pictures != kEndless) return kBadArgument;
   const std::lock_guard guard(mutex_);
   auto& channel = channels_[dma];
   if (channel.running) return kAlreadyStarted;
   catchUp();
-  channel = {.started = true, .running = true, .limit = pictures};
+  if (memory) {
+    if (memory->bytes() < ports_[dma].width * ports_[dma].height * kBytesPerPixel)
+      return kBufferTooSmall;
+    if (!memory->attach(*this)) return kMemoryInUse;
+    show(kFillLevel, dma, memory->fillLevel());
+    show(kOverflow, dma, 0);
+  }
+  channel = {.started = true,
+             .running = true,
+             .limit = pictures,
+             .memory = memory,
+             .memoryHandle = reinterpret_cast<std::intptr_t>(memory)};
   return kOk;
 }
 
@@ -82,8 +130,35 @@ int Device::stop(unsigned dma) {
   auto& channel = channels_[dma];
   if (!channel.running) return kNotStarted;
   catchUp();
-  channel.running = false;
+  stopChannel(dma);
   return kOk;
+}
+
+void Device::stopChannel(unsigned port) {
+  auto& channel = channels_[port];
+  channel.running = false;
+  if (channel.memory) channel.memory->detach();
+  channel.memory = nullptr;
+}
+
+bool Device::usesMemory(unsigned dma, std::int64_t memory) const {
+  const std::lock_guard guard(mutex_);
+  return memory == 0 || dma >= kPorts || memory == channels_[dma].memoryHandle;
+}
+
+bool Device::returnBuffer(PictureMemory& memory, std::uint32_t buffer) {
+  const std::lock_guard guard(mutex_);
+  catchUp();
+  if (!memory.release(buffer)) return false;
+  for (unsigned port = 0; port < kPorts; ++port)
+    if (channels_[port].memory == &memory) show(kFillLevel, port, memory.fillLevel());
+  return true;
+}
+
+void Device::setCamera(unsigned port, std::shared_ptr<const HostCamera> camera) {
+  const std::lock_guard guard(mutex_);
+  catchUp();
+  cameras_[port] = std::move(camera);
 }
 
 std::int64_t Device::lastPicture(unsigned dma) {
@@ -97,23 +172,12 @@ std::int64_t Device::lastPicture(unsigned dma) {
 std::int64_t Device::waitForPicture(std::int64_t picture, unsigned dma, std::int64_t seconds) {
   if (dma >= kPorts) return kBadDma;
   if (seconds < 0) return kBadArgument;
-  const auto deadline = now() + std::chrono::seconds(seconds);
-  // Polls, since settings can change in the meantime.
-  while (true) {
-    std::chrono::nanoseconds pause{};
-    {
-      const std::lock_guard guard(mutex_);
-      const auto& channel = channels_[dma];
-      if (!channel.started) return kNotStarted;
-      const auto time = now();
-      trigger_.advance(time);
-      if (channel.pictures >= picture) return channel.pictures;
-      if (!channel.running) return kNotStarted;
-      if (time >= deadline) return kTimeout;
-      pause = std::min(trigger_.next(), deadline) - time;
-    }
-    sleepFor(std::clamp(pause, kShortestPause, kLongestPause));
-  }
+  return poll(std::chrono::seconds(seconds), [&]() -> std::int64_t {
+    const auto& channel = channels_[dma];
+    if (!channel.started) return kNotStarted;
+    if (channel.pictures >= picture) return channel.pictures;
+    return channel.running ? kTimeout : kNotStarted;
+  });
 }
 
 std::int64_t Device::channelStatus(std::uint32_t status, unsigned dma) {
@@ -125,7 +189,7 @@ std::int64_t Device::channelStatus(std::uint32_t status, unsigned dma) {
     case VELMORA_STATUS_GRABBED_PICTURES:
       return channel.started ? channel.pictures : 0;
     case VELMORA_STATUS_LOST_PICTURES:
-      return 0;
+      return channel.lost;
     case VELMORA_STATUS_ACQUIRING:
       return acquiring(channel) ? 1 : 0;
     default:

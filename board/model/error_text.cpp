@@ -28,6 +28,8 @@ constexpr ErrorText kErrorTexts[] = {
     {kRegisterReadOnly, "the register cannot be written"},
     {kAlreadyStarted, "the channel is acquiring already"},
     {kNotStarted, "the channel is not acquiring"},
+    {kBufferTooSmall, "the buffers of the picture memory are smaller than a picture"},
+    {kMemoryInUse, "the picture memory is in use"},
     {kTimeout, "the picture did not arrive in time"},
     {kNotOffered, "not offered by this runtime"},
 };

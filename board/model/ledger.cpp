@@ -13,7 +13,7 @@ namespace {
 
 struct Ledger {
   std::mutex mutex;
-  std::array<std::set<const void*>, 2> objects;
+  std::array<std::set<const void*>, static_cast<std::size_t>(HandedOut::kCount)> objects;
   std::map<const char*, std::unique_ptr<char[]>> strings;
 };
 
@@ -39,6 +39,11 @@ bool giveBack(HandedOut kind, const void* object) {
   return objectsOf(kind).erase(object) != 0;
 }
 
+bool isHandedOut(HandedOut kind, const void* object) {
+  const std::lock_guard guard(ledger().mutex);
+  return objectsOf(kind).contains(object);
+}
+
 char* handOutString(std::string_view text) {
   auto copy = std::make_unique<char[]>(text.size() + 1);
   text.copy(copy.get(), text.size());
@@ -57,7 +62,8 @@ Outstanding outstanding() {
   const std::lock_guard guard(ledger().mutex);
   return {static_cast<int>(objectsOf(HandedOut::kHandle).size()),
           static_cast<int>(objectsOf(HandedOut::kDesign).size()),
-          static_cast<int>(ledger().strings.size())};
+          static_cast<int>(ledger().strings.size()),
+          static_cast<int>(objectsOf(HandedOut::kMemory).size())};
 }
 
 }  // namespace board

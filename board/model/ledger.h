@@ -7,11 +7,12 @@
 
 namespace board {
 
-enum class HandedOut { kHandle, kDesign };
+enum class HandedOut { kHandle, kDesign, kMemory, kCount };
 
 /// Records an object; `giveBack` removes it and returns whether it was there.
 void handOut(HandedOut kind, const void* object);
 bool giveBack(HandedOut kind, const void* object);
+bool isHandedOut(HandedOut kind, const void* object);
 
 /// A copy of `text` for the caller; `giveBackString` frees it and returns false for any other
 /// pointer.

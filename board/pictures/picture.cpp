@@ -12,8 +12,6 @@
 namespace board {
 namespace {
 
-constexpr std::size_t kBytesPerPixel = 3;
-
 enum Component { kBlue, kGreen, kRed };
 /// The first two components in a Bayer order's first line, then the third.
 constexpr Component kSequences[][3] = {

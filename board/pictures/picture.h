@@ -10,6 +10,8 @@
 
 namespace board {
 
+inline constexpr std::size_t kBytesPerPixel = 3;  ///< Blue, green, red.
+
 /// A port's picture path: the values of its design parameters. Any values will do: of the
 /// enumerations count the low bits, gains are taken to the nearest step in their range, and
 /// not-a-number as 0.
