@@ -41,16 +41,32 @@ class TriggerBlock : public testing::TestWithParam<unsigned> {
       EXPECT_EQ(Fg_AcquireEx(applet->fg(), p, -1, 0, nullptr), VELMORA_OK);
   }
   int id(const std::string& name) { return Fg_getParameterIdByName(applet->fg(), name.c_str()); }
-  /// Sets such as "NAME=VALUE NAME=VALUE", in their order.
-  void set(const std::string& sets) {
-    std::istringstream words(sets);
+  /// Does what words such as "NAME=VALUE" say, one after the other: sets parameters of the applet,
+  /// or registers by what follows the prefix of their names; lets that many microseconds go by
+  /// ("wait") or sends that many pulses of 10 kHz to input 0 ("pulses").
+  void run(const std::string& script) {
+    std::istringstream words(own(script));
     for (std::string name, value; std::getline(words >> std::ws, name, '=') && words >> value;) {
-      const bool real = applet->node(id(name))->kind == REGISTER_INFO_DOUBLE;
-      EXPECT_EQ(real ? applet->set(id(name), std::stod(value), port)
-                     : applet->set(id(name), std::stoul(value), port),
-                VELMORA_OK)
-          << name << '=' << value;
+      const double number = std::stod(value);
+      const auto whole = static_cast<std::uint32_t>(number);
+      if (name == "pulses") board::trainInput(device, 0, 10e3, whole);
+      if (name == "pulses" || name == "wait") {
+        time += whole * (name == "wait" ? 1us : 100us);
+      } else if (!name.starts_with("FG_")) {
+        board::setValue(device, kPrefix + name, 0, number);
+      } else {
+        const bool real = applet->node(id(name))->kind == REGISTER_INFO_DOUBLE;
+        EXPECT_EQ(real ? applet->set(id(name), number, port) : applet->set(id(name), whole, port),
+                  VELMORA_OK)
+            << name << '=' << value;
+      }
     }
+  }
+  /// The same on a fresh board, and what there is to see then.
+  std::string play(const std::string& script, const std::string& sights = "pictures") {
+    open();
+    run(script);
+    return after(0s, sights);
   }
   double value(const std::string& name) {
     if (name == "pictures") return static_cast<double>(pictures(port));
@@ -95,46 +111,49 @@ class TriggerBlock : public testing::TestWithParam<unsigned> {
 };
 INSTANTIATE_TEST_SUITE_P(Ports, TriggerBlock, testing::Range(0U, kPorts));
 
-/// What 100 pulses of 10 kHz at input 0 make, or a tenth of a second.
 TEST_P(TriggerBlock, PicturesFollowTheSettings) {
   const std::string active = "FG_TRIGGERSTATE=0 ", fps = "FG_TRIGGER_FRAMESPERSECOND=";
   const std::string form = "FG_TRIGGER_PULSEFORMGEN0_", second = "FG_TRIGGER_PULSEFORMGEN1_";
-  const std::string camera = "FG_CAMERA_ACTION_COMMAND_SOURCE=";
-  const std::pair<std::string, std::int64_t> rows[] = {
-      {"", 3},  // The camera alone.
-      {active + fps + "1000", 100},
-      {form + "WIDTH=1 " + second + "WIDTH=1 " + fps + "976562.5 " + active, 97656},
-      {active + "FG_TRIGGERSTATE=2", 0},
-      {kExternal, 1},  // The first at once.
-      {kExternal + fps + "100 FG_TRIGGERQUEUE_MODE=1", 10},
-      {kExternal + fps + "2505 FG_TRIGGER_MULTIPLY_PULSES=3 FG_TRIGGERQUEUE_MODE=1", 251},
-      {kUnlimited, 100},
-      {kUnlimited + "FG_TRIGGERSTATE=2", 0},
-      {kUnlimited + "FG_TRIGGERIN_SRC=7", 0},
-      {kUnlimited + "FG_TRIGGERIN_POLARITY=1", 101},  // The change is an edge.
-      {kUnlimited + "FG_TRIGGERIN_DOWNSCALE=7", 15},
-      {kUnlimited + "FG_TRIGGERIN_DOWNSCALE=7 FG_TRIGGERIN_DOWNSCALE_PHASE=2", 14},
-      {kUnlimited + form + "DOWNSCALE=7", 15},
-      {kUnlimited + form + "DOWNSCALE=7 " + form + "DOWNSCALE_PHASE=2", 14},
-      // A pulse that comes while another one is delayed or sent is lost.
-      {kUnlimited + form + "DELAY=450", 20},
-      {kUnlimited + form + "WIDTH=250", 34},
-      // Sources of the camera's command; a new level can be an edge, too.
-      {kUnlimited + second + "DOWNSCALE=2 " + camera + "1", 50},
-      {kUnlimited + camera + "6", 101},
-      {kUnlimited + camera + "4", 0},
-      {kUnlimited + camera + "5", 1},
-      {camera + "10 " + active + "FG_TRIGGERSTATE=2", 100},
-      {"FG_TRIGGERIN_BYPASS_SRC=1 " + camera + "10 " + active + "FG_TRIGGERSTATE=2", 0},
-  };
-  for (const auto& [sets, expected] : rows) {
-    open();
-    set(sets);
-    board::trainInput(device, 0, 10e3, 100);
-    time += 100ms;
-    EXPECT_EQ(pictures(port), expected) << sets;
-    EXPECT_EQ(pictures((port + 1) % kPorts), 3) << sets;
+  const std::string camera = "FG_CAMERA_ACTION_COMMAND_SOURCE=", all = " pulses=100";
+  EXPECT_EQ(play("wait=1000000"), "30");  // The camera alone.
+  EXPECT_EQ(play(fps + "1000 " + active + "wait=100000"), "100");
+  EXPECT_EQ(pictures((port + 1) % kPorts), 3);
+  EXPECT_EQ(play(form + "WIDTH=1 " + second + "WIDTH=1 " + fps + "976562.5 " + active + all),
+            "9765");
+  EXPECT_EQ(play(active + "FG_TRIGGERSTATE=2" + all), "0");
+  // From the input, the first at once.
+  EXPECT_EQ(play(kExternal + all), "1");
+  EXPECT_EQ(play(kExternal + fps + "1000 FG_TRIGGERQUEUE_MODE=1" + all), "10");
+  EXPECT_EQ(play(kUnlimited + all), "100");
+  EXPECT_EQ(play(kUnlimited + "FG_TRIGGERSTATE=2" + all), "0");
+  EXPECT_EQ(play(kUnlimited + "FG_TRIGGERIN_SRC=7" + all), "0");
+  EXPECT_EQ(play(kUnlimited + "FG_TRIGGERIN_POLARITY=1" + all), "101");  // The change is an edge.
+  // Series begin anew when the trigger does.
+  for (const std::string& series : {std::string("FG_TRIGGERIN_"), form}) {
+    EXPECT_EQ(play(kUnlimited + series + "DOWNSCALE=3" + all), "34");
+    EXPECT_EQ(play(kUnlimited + series + "DOWNSCALE=3 " + series + "DOWNSCALE_PHASE=1" + all),
+              "33");
+    EXPECT_EQ(play(kUnlimited + series + "DOWNSCALE=3 pulses=1 FG_TRIGGERSTATE=2 " + active +
+                   "FG_TRIGGERQUEUE_MODE=1 FG_TRIGGERQUEUE_MODE=0 pulses=2"),
+              "2");
   }
+  EXPECT_EQ(play(kUnlimited + "TriggerCam{p}_Downscale_Downscale_SelectedPulse=2" + all), "0");
+  // A pulse that comes while another one is delayed or sent is lost.
+  EXPECT_EQ(play(kUnlimited + form + "DELAY=450" + all), "20");
+  EXPECT_EQ(play(kUnlimited + form + "WIDTH=250" + all), "34");
+  // Sources of the camera's command, which it follows when triggered; a new level can be an edge.
+  EXPECT_EQ(play(kUnlimited + second + "DOWNSCALE=2 " + camera + "1" + all), "50");
+  EXPECT_EQ(play(kUnlimited + camera + "6" + all), "101");
+  EXPECT_EQ(play(kUnlimited + camera + "4" + all), "0");
+  EXPECT_EQ(play(kUnlimited + camera + "5" + all), "1");
+  EXPECT_EQ(play(camera + "10" + all), "0");
+  EXPECT_EQ(play(camera + "10 " + kSoftware + all), "100");
+  EXPECT_EQ(play(camera + "11 FG_TRIGGERIN_BYPASS_SRC=1 " + kSoftware + all), "0");
+  // Pulses of the form that is counted.
+  const std::string counter = "FG_TRIGGEROUT_STATS_PULSECOUNT";
+  EXPECT_EQ(play(kUnlimited + second + "DOWNSCALE=2 FG_TRIGGEROUT_STATS_SOURCE=1" + all, counter),
+            "50");
+  EXPECT_EQ(play("TriggerCam{p}_Generators_ClearQueuePulse_Mode=0 wait=1000000", counter), "0");
 }
 
 /// A level counts when it has held long enough.
@@ -147,7 +166,7 @@ TEST_P(TriggerBlock, Debounces) {
   EXPECT_EQ(after(kDebounce, inputs), "8");
   board::setInput(device, 6, true);
   EXPECT_EQ(after(10us, inputs), "64");
-  set("FG_TRIGGERIN_DEBOUNCE=0.096");
+  run("FG_TRIGGERIN_DEBOUNCE=0.096");
   board::setInput(device, 6, false);
   EXPECT_EQ(after(95ns, inputs), "64");
   EXPECT_EQ(after(1ns, inputs), "0");
@@ -155,38 +174,54 @@ TEST_P(TriggerBlock, Debounces) {
   EXPECT_THROW(board::setInput(device, 8, true), std::out_of_range);
 }
 
-/// Ten pulses, a millisecond apart; one every ten milliseconds out again, each of them twice.
+/// Ten pulses; one a millisecond out again, each of them twice.
 TEST_P(TriggerBlock, QueuePacesAndTellsItsLevel) {
-  set(kExternal +
-      "FG_TRIGGER_FRAMESPERSECOND=100 FG_TRIGGERQUEUE_MODE=1 FG_TRIGGERIN_SRC=5 "
-      "FG_TRIGGER_MULTIPLY_PULSES=2 FG_TRIGGER_QUEUE_FILLLEVEL_EVENT_ON_THRESHOLD=4");
-  const std::string threshold = "FG_TRIGGER_QUEUE_FILLLEVEL_THRESHOLD_CAM{p}_";
-  listen(threshold + "ON " + threshold + "OFF");
-  board::trainInput(device, 5, 1000, 10);
   const std::string sights = "pictures FG_TRIGGERQUEUE_FILLLEVEL status";
-  EXPECT_EQ(after(9500us, sights), "1 10 0");
-  EXPECT_EQ(after(10ms, sights), "2 9 0");
-  EXPECT_EQ(after(180ms, sights), "20 1 0");
-  EXPECT_EQ(after(10ms, sights), "20 0 0");
-  EXPECT_EQ(events(), own("3001008 " + threshold + "ON, 150001008 " + threshold + "OFF"));
+  const std::string threshold = " FG_TRIGGER_QUEUE_FILLLEVEL_THRESHOLD_CAM{p}_";
+  listen(threshold + "ON " + threshold + "OFF");
+  run(kExternal +
+      "FG_TRIGGER_FRAMESPERSECOND=1000 FG_TRIGGERQUEUE_MODE=1 "
+      "FG_TRIGGER_MULTIPLY_PULSES=2 FG_TRIGGER_QUEUE_FILLLEVEL_EVENT_ON_THRESHOLD=4 "
+      "pulses=10");
+  EXPECT_EQ(after(-1ns, sights), "1 10 0");
+  EXPECT_EQ(after(1ms, sights), "2 9 0");
+  EXPECT_EQ(after(18ms, sights), "20 1 0");  // The period goes on.
+  EXPECT_EQ(after(1ms, sights), "20 0 0");
+  run("pulses=10 TriggerCam{p}_Generators_ClearQueuePulse_Mode=1 pulses=10");
+  EXPECT_EQ(after(0s, sights), "21 0 0");
+  EXPECT_EQ(events(), own("301008" + threshold + "ON, 15000768" + threshold + "OFF, 21301007" +
+                          threshold + "ON, 21999999" + threshold + "OFF"));
+  // Registers that the applet has to keep in step.
+  const std::string thrice = kExternal +
+                             "FG_TRIGGER_FRAMESPERSECOND=1000 FG_TRIGGERQUEUE_MODE=1 "
+                             "FG_TRIGGER_MULTIPLY_PULSES=3 ";
+  const std::string sequence = "TriggerCam{p}_Generators_";
+  EXPECT_EQ(play(thrice + sequence + "Sequence_SelectedPulse=1 pulses=2 wait=9000", sights),
+            "6 0 0");
+  EXPECT_EQ(play(thrice + sequence + "Sequence_SelectedPulse=1 pulses=2", sights), "1 1 0");
+  EXPECT_EQ(play(thrice + "pulses=1 " + sequence + "ClearDownscale_Mode=2 wait=9000"), "4");
 }
 
 TEST_P(TriggerBlock, QueueHasAnEnd) {
-  const auto status = [this](unsigned bits) { return std::to_string(bits << 3 * port); };
+  const std::string sights = "FG_TRIGGERQUEUE_FILLLEVEL status", one = "FG_SENDSOFTWARETRIGGER=1 ";
+  const auto seen = [this](unsigned level, unsigned bits) {
+    return fmt::format("{} {}", level, bits << 3 * port);
+  };
+  // With the queue off, one pulse can wait.
+  EXPECT_EQ(play(kExternal + "pulses=2", sights), seen(1, 0));
+  EXPECT_EQ(play(kExternal + "pulses=3", sights), seen(1, 1));
+  open();
   listen("FG_TRIGGER_EXCEEDED_PERIOD_LIMITS_CAM{p}");
-  set(kSoftware);
-  EXPECT_EQ(after(0s, "FG_SOFTWARETRIGGER_IS_BUSY"), "0");
-  set("FG_SENDSOFTWARETRIGGER=1");
+  run(kSoftware + one);
   EXPECT_EQ(applet->set(FG_SENDSOFTWARETRIGGER, 1, port), VELMORA_TRIGGER_BUSY);
-  time += 125ms;
-  set("FG_TRIGGERQUEUE_MODE=1 FG_SENDSOFTWARETRIGGER=2040");
-  EXPECT_EQ(after(0s, "FG_SOFTWARETRIGGER_QUEUE_FILLLEVEL"), "2039");
-  set("FG_SENDSOFTWARETRIGGER=1");
-  EXPECT_EQ(after(0s, "status"), status(2));
-  set("FG_SENDSOFTWARETRIGGER=1");
-  EXPECT_EQ(after(0s, "status"), status(3));
-  set("FG_TRIGGER_EXCEEDED_PERIOD_LIMITS_CLEAR=1");
-  EXPECT_EQ(after(0s, "status"), status(2));
+  run("wait=125000 FG_TRIGGERQUEUE_MODE=1 FG_SENDSOFTWARETRIGGER=2040");
+  EXPECT_EQ(after(0s, sights), seen(2039, 0));
+  run(one);
+  EXPECT_EQ(after(0s, sights), seen(2040, 2));
+  run(one);
+  EXPECT_EQ(after(0s, sights), seen(2040, 3));
+  run("FG_TRIGGER_EXCEEDED_PERIOD_LIMITS_CLEAR=1");
+  EXPECT_EQ(after(0s, sights), seen(2040, 2));
   EXPECT_EQ(after(1h, "pictures FG_TRIGGEROUT_STATS_PULSECOUNT status"), "2042 2042 0");
   EXPECT_EQ(events(), own("125000000 FG_TRIGGER_EXCEEDED_PERIOD_LIMITS_CAM{p}"));
 }
@@ -199,13 +234,15 @@ TEST_P(TriggerBlock, MeasuresItsInput) {
                  "FG_TRIGGERIN_STATS_PULSECOUNT FG_TRIGGERIN_STATS_FREQUENCY "
                  "FG_TRIGGERIN_STATS_MINFREQUENCY FG_TRIGGERIN_STATS_MAXFREQUENCY");
   };
-  set("FG_TRIGGERIN_SRC=4");
+  run("FG_TRIGGERIN_SRC=4");
   EXPECT_EQ(measured(1ms, 1), "1 0 0 0");
   EXPECT_EQ(measured(40us, 4), "5 25000 1000 25000");
   EXPECT_EQ(measured(100us, 2), "7 10000 1000 25000");
-  set("FG_TRIGGERIN_STATS_MINMAXFREQUENCY_CLEAR=1 FG_TRIGGERIN_STATS_PULSECOUNT_CLEAR=1");
+  run("FG_TRIGGERIN_STATS_MINMAXFREQUENCY_CLEAR=1 FG_TRIGGERIN_STATS_PULSECOUNT_CLEAR=1");
   EXPECT_EQ(measured(50us, 0), "0 10000 0 0");
   EXPECT_EQ(measured(50us, 2), "2 20000 10000 20000");
+  run("FG_TRIGGERIN_STATS_MINMAXFREQUENCY_CLEAR=1");
+  EXPECT_EQ(measured(50us, 0), "2 20000 0 0");
   board::trainInput(device, 4, 20e3);
   time += 475us;
   board::trainInput(device, 4, 0);
@@ -213,33 +250,33 @@ TEST_P(TriggerBlock, MeasuresItsInput) {
   // What the hardware's side has set stays until it is cleared.
   board::setValue(device, own(kPrefix + "TriggerCam{p}_InputStatistics_ReadPulses_Status"), 0, 77);
   EXPECT_EQ(measured(50us, 5), "77 20000 0 20000");
-  set("FG_TRIGGERIN_STATS_PULSECOUNT_CLEAR=1");
+  run("FG_TRIGGERIN_STATS_PULSECOUNT_CLEAR=1");
   EXPECT_EQ(measured(50us, 5), "5 20000 0 20000");
   board::setValue(device, kStatusWord, 0, 4095);
-  set("FG_MISSING_CAMERA_FRAME_RESPONSE_CLEAR=1");
+  run("FG_MISSING_CAMERA_FRAME_RESPONSE_CLEAR=1");
   EXPECT_EQ(after(0s, "status"), std::to_string(4095 - (4 << 3 * port)));
 }
 
 /// Two pulse forms of one pulse, as outputs and events show them.
 TEST_P(TriggerBlock, ShapesPulses) {
-  set("FG_TRIGGER_PULSEFORMGEN0_DELAY=20 FG_TRIGGER_PULSEFORMGEN0_WIDTH=40 "
+  run("FG_TRIGGER_PULSEFORMGEN0_DELAY=20 FG_TRIGGER_PULSEFORMGEN0_WIDTH=40 "
       "FG_TRIGGER_PULSEFORMGEN1_DELAY=30 FG_TRIGGER_PULSEFORMGEN1_WIDTH=10 "
       "FG_TRIGGEROUT_SELECT0=0 FG_TRIGGER_OUTPUT_EVENT_SELECT=1");
-  set(kSoftware);
+  run(kSoftware);
   listen("FG_TRIGGER_OUTPUT_CAM{p} FG_START_OF_FRAME_CAM_PORT_{l}");
-  set("FG_SENDSOFTWARETRIGGER=1");
+  run("FG_SENDSOFTWARETRIGGER=1");
   std::vector<unsigned> levels;  // Output 1 is inverted, as are those of other ports.
   for (int i = 0; i < 8; ++i, time += 10us) levels.push_back(board::outputs(device));
   const unsigned others = 255 - (3 << 2 * port);
   for (unsigned& level : levels) level = (level - others) >> 2 * port;
   EXPECT_EQ(levels, (std::vector<unsigned>{2, 2, 3, 1, 3, 3, 2, 2}));
   EXPECT_EQ(events(), own("20000 FG_START_OF_FRAME_CAM_PORT_{l}, 30000 FG_TRIGGER_OUTPUT_CAM{p}"));
-  set("FG_DIGIO_OUTPUT=2");
+  run("FG_DIGIO_OUTPUT=2");
   EXPECT_EQ(board::outputs(device) & 0x88, 0x80);
 }
 
 TEST_P(TriggerBlock, SlavesFollowTheFirstCamera) {
-  if (port > 0) set("FG_AREATRIGGERMODE=3 FG_TRIGGERSTATE=0 FG_TRIGGER_PULSEFORMGEN0_DOWNSCALE=3");
+  if (port > 0) run("FG_AREATRIGGERMODE=3 FG_TRIGGERSTATE=0 FG_TRIGGER_PULSEFORMGEN0_DOWNSCALE=3");
   EXPECT_EQ(after(1s, "pictures"), port == 0 ? "30" : "0");
   EXPECT_EQ(applet->set(FG_TRIGGER_FRAMESPERSECOND, 62.5), VELMORA_OK);
   EXPECT_EQ(applet->set(FG_TRIGGERSTATE, TS_ACTIVE), VELMORA_OK);
@@ -253,16 +290,21 @@ TEST_P(TriggerBlock, MissesFrames) {
   const std::string missing = " FG_MISSING_CAM{p}_FRAME_RESPONSE";
   const std::string frame = " FG_END_OF_FRAME_CAM_PORT_{l}";
   listen(missing + frame);
-  set("FG_GEN_ENABLE=1 FG_GEN_START=0 FG_TRIGGER_FRAMESPERSECOND=1000 FG_TRIGGERSTATE=0");
+  run("FG_GEN_ENABLE=1 FG_GEN_START=0 FG_TRIGGER_FRAMESPERSECOND=1000 FG_TRIGGERSTATE=0");
   EXPECT_EQ(after(2ms, sights), "0 1 2");
-  set("FG_MISSING_CAMERA_FRAME_RESPONSE_CLEAR=1 FG_GEN_ENABLE=0");
+  run("FG_MISSING_CAMERA_FRAME_RESPONSE_CLEAR=1 FG_GEN_ENABLE=0");
   EXPECT_EQ(after(1ms, sights), "1 0 0");
-  EXPECT_EQ(events(), own("999984" + missing + ", 1999968" + missing + ", 2999952" + frame));
+  run("FG_GEN_ENABLE=1 wait=1000");
+  EXPECT_EQ(after(0s, sights), "1 1 1");
+  run("FG_TRIGGERSTATE=2 FG_TRIGGERSTATE=0");
+  EXPECT_EQ(after(0s, sights), "1 1 0");
+  EXPECT_EQ(events(), own("999984" + missing + ", 1999968" + missing + ", 2999952" + frame +
+                          ", 3999936" + missing));
 }
 
 /// The newest ones, in their order, however long nobody asked.
 TEST_P(TriggerBlock, KeepsTheLatestEvents) {
-  set("FG_TRIGGER_FRAMESPERSECOND=1000 FG_TRIGGERSTATE=0");  // 62499 ticks.
+  run("FG_TRIGGER_FRAMESPERSECOND=1000 FG_TRIGGERSTATE=0");  // 62499 ticks.
   listen("FG_TRIGGER_OUTPUT_CAM{p} FG_TRIGGER_INPUT0_RISING");
   board::trainInput(device, 0, 2);
   time += 100s + kDebounce;
@@ -286,7 +328,7 @@ TEST_P(TriggerBlock, CatchesUpInOneStepOrInMany) {
     }
   }
   std::int64_t taken = 0;
-  for (unsigned seed = port; seed < 300; seed += kPorts) {
+  for (unsigned seed = port; seed < 100; seed += kPorts) {
     Lines seen[2];
     for (const bool often : {false, true}) {
       time = 1s;
@@ -316,7 +358,7 @@ TEST_P(TriggerBlock, CatchesUpInOneStepOrInMany) {
     }
     ASSERT_EQ(seen[false], seen[true]) << "seed " << seed;
   }
-  EXPECT_GT(taken, 10000) << "hardly anything happened";
+  EXPECT_GT(taken, 1000) << "hardly anything happened";
 }
 
 }  // namespace

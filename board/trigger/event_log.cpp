@@ -25,7 +25,8 @@ constexpr unsigned kMaskBits = 64;
 }  // namespace
 
 void EventLog::setNames(const std::vector<std::string_view>& names) {
-  *this = {};
+  mask_ = 0;
+  entries_.clear();
   for (unsigned kind = 0; kind < kEventKinds; ++kind) {
     for (unsigned number = 0; number < kNumbers; ++number) {
       const auto name = "Device1_Process4_Trigger_" +

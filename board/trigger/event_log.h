@@ -33,7 +33,8 @@ class EventLog {
     Time time;
   };
 
-  /// The design's events in their order. Forgets everything.
+  EventLog() { setNames({}); }
+  /// The design's events in their order. Forgets what was recorded, and the mask.
   void setNames(const std::vector<std::string_view>& names);
   /// Listens to the events whose bits are set, `1 << index`, from now on.
   void enable(std::uint64_t mask) { mask_ = mask; }
