@@ -1,30 +1,22 @@
 /// The virtual board: a model of a frame grabber, and stand-ins for the libraries that drive one
 /// (`libvorn5.so`, `libdervin.so`, `libkorv_hw.so`), so that applets run without hardware.
 ///
-/// This header is the control side, with which a test or a tool owns a device, watches every access
-/// to it and makes accesses fail. The journal and the faults are process-wide and may be used from
-/// any thread.
+/// `velmora/virtual_board.h` is the control side in C. This header adds what a test or a tool in
+/// C++ watches every access with, and makes accesses fail with. The journal and the faults are
+/// process-wide and may be used from any thread.
 #pragma once
 
 #include <chrono>
 #include <cstdint>
 #include <functional>
-#include <optional>
 #include <string>
 #include <vector>
 
-#include "velmora/handles.h"
+#include "velmora/virtual_board.h"
 
 #pragma GCC visibility push(default)
 
 namespace board {
-
-/// Creates a board device, to be destroyed with `destroyDevice` after all handles on it are
-/// released. The first inner handle gives it the registers and parameters of the handle's design,
-/// with the manifest's initial values (0 if not given). They keep their values from handle to
-/// handle; a design with other content starts afresh.
-KTdevice* createDevice();
-void destroyDevice(KTdevice* device);
 
 /// Sets or returns the value of a register or parameter by name, without a journal entry: to play
 /// the hardware's part (status words, counters, overflow) and to check what was written. The
@@ -36,31 +28,8 @@ void destroyDevice(KTdevice* device);
 void setValue(KTdevice* device, const std::string& name, unsigned dma, double value);
 double value(KTdevice* device, const std::string& name, unsigned dma);
 
-/// The outside of the trigger block: the level of one of the eight inputs, a pulse, or a train of
-/// pulses that begins now and is as often high as low. The last call on an input replaces what was
-/// going on there; a train of 0 Hz ends with a low level. Trains are limited to 15 MHz. Unknown
-/// inputs throw `std::out_of_range`.
-void setInput(KTdevice* device, unsigned input, bool level);
-void pulseInput(KTdevice* device, unsigned input, std::chrono::nanoseconds width);
-inline constexpr std::int64_t kEndless = -1;
-void trainInput(KTdevice* device, unsigned input, double rate, std::int64_t pulses = kEndless);
-/// Levels of the eight trigger outputs as a bit mask.
-unsigned outputs(KTdevice* device);
-
-/// An event of the design, with its place in the design's list and the time by the board's clock.
-struct BoardEvent {
-  unsigned index;
-  std::string name;
-  std::chrono::nanoseconds time;
-};
-/// Records the events with the index of a bit in `mask` from now on, and no others.
-void enableEvents(KTdevice* device, std::uint64_t mask);
-/// The oldest event that was not taken; of more than 4096 the oldest are lost.
-std::optional<BoardEvent> takeEvent(KTdevice* device);
-std::uint64_t lostEvents(KTdevice* device);
-
-/// Inner handles, designs, strings (type 22) and picture memories that were handed out and not given back; all 0
-/// when nothing leaked.
+/// Inner handles, designs, strings (type 22) and picture memories that were handed out and not
+/// given back; all 0 when nothing leaked.
 struct Outstanding {
   int handles = 0;
   int designs = 0;

@@ -32,7 +32,7 @@ using velmora::kPorts;
 /// released.
 class Applet {
  public:
-  explicit Applet(int flags = 0) : device_(board::createDevice()) {
+  explicit Applet(int flags = 0) : device_(VirtualBoard_createDevice()) {
     board::startJournal();
     grabber_.applet = Std_entry(device_, &error_, flags);
   }
@@ -41,7 +41,7 @@ class Applet {
     board::clearFaults();
     board::stopJournal();
     close();
-    board::destroyDevice(device_);
+    VirtualBoard_destroyDevice(device_);
   }
 
   /// Releases the applet ahead of time; the result of `Fg_FreeGrabber`, -2001 when it is gone.

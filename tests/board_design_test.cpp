@@ -125,7 +125,7 @@ TEST(BoardDesign, ExternalDesignMayDiffer) {
 }
 
 TEST(BoardDesign, AnotherDesignTakesADeviceOverWhenItIsFree) {
-  auto* device = board::createDevice();
+  auto* device = VirtualBoard_createDevice();
   fpga_design* const designs[] = {loadRecords("register A 8 rw"), loadRecords("register A 16 rw")};
   auto* fg = Fg_InitHandle("", device, designs[0]);
   board::setValue(device, "A", 0, 5);
@@ -140,7 +140,7 @@ TEST(BoardDesign, AnotherDesignTakesADeviceOverWhenItIsFree) {
   EXPECT_EQ(Fg_FreeGrabber(fg), 0);
   for (auto* design : designs) HapUnloadHapFile(design);
   EXPECT_EQ(board::outstanding().handles + board::outstanding().designs, 0);
-  board::destroyDevice(device);
+  VirtualBoard_destroyDevice(device);
 }
 
 /// Runs `step` with the first allocation failing, then the second and so on, until it succeeds.
@@ -168,7 +168,7 @@ TEST(BoardDesign, WithoutMemoryNothingIsHandedOut) {
   EXPECT_GT(
       untilMemorySuffices(load, [&] { EXPECT_EQ(board::outstanding().designs, design ? 1 : 0); }),
       10);
-  KTdevice* const device = board::createDevice();
+  KTdevice* const device = VirtualBoard_createDevice();
   Fg_Struct* fg = nullptr;
   const auto open = [&] { return (fg = Fg_InitHandle("", device, design)) != nullptr; };
   EXPECT_GT(untilMemorySuffices(open, [&] { EXPECT_EQ(board::outstanding().handles, fg ? 1 : 0); }),
@@ -189,7 +189,7 @@ TEST(BoardDesign, WithoutMemoryNothingIsHandedOut) {
   Fg_FreeGrabber(fg);
   HapUnloadHapFile(other);
   HapUnloadHapFile(design);
-  board::destroyDevice(device);
+  VirtualBoard_destroyDevice(device);
 }
 
 }  // namespace

@@ -27,14 +27,14 @@ inline fpga_design* loadImage() {
 class BoardSession {
  public:
   explicit BoardSession(fpga_design* loaded = loadImage())
-      : device(board::createDevice()),
+      : device(VirtualBoard_createDevice()),
         design(loaded),
         fg(Fg_InitHandleSlaveAware("Velmora.hap", device, design, 0)) {}
   BoardSession(const BoardSession&) = delete;
   ~BoardSession() {
     EXPECT_EQ(Fg_FreeGrabber(fg), 0);
     HapUnloadHapFile(design);
-    board::destroyDevice(device);
+    VirtualBoard_destroyDevice(device);
   }
 
   int id(const std::string& name) const { return Fg_getParameterIdByName(fg, name.c_str()); }

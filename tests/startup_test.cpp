@@ -93,7 +93,7 @@ TEST(StartUp, LetsACancelledThreadEnd) {
        {"HapGetEvent", "Device1_Process4_Trigger_TriggerCam1_TriggerOutput_Select0_Select_Select",
         "Fg_FreeGrabber", "HapUnloadHapFile"}) {
     const bool failed = step == "Fg_FreeGrabber" || step == "HapUnloadHapFile";
-    KTdevice* const device = board::createDevice();
+    KTdevice* const device = VirtualBoard_createDevice();
     board::observe([&](const board::Access& access) {
       if (failed && access.name == "HapGetEvent") throw std::bad_alloc();
       if (access.name != step) return;
@@ -113,7 +113,7 @@ TEST(StartUp, LetsACancelledThreadEnd) {
     board::observe({});
     EXPECT_EQ(board::outstanding().handles, 0) << step;
     EXPECT_EQ(board::outstanding().designs, 0) << step;
-    board::destroyDevice(device);
+    VirtualBoard_destroyDevice(device);
   }
 }
 

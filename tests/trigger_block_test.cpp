@@ -49,7 +49,7 @@ class TriggerBlock : public testing::TestWithParam<unsigned> {
     for (std::string name, value; std::getline(words >> std::ws, name, '=') && words >> value;) {
       const double number = std::stod(value);
       const auto whole = static_cast<std::uint32_t>(number);
-      if (name == "pulses") board::trainInput(device, 0, 10e3, whole);
+      if (name == "pulses") VirtualBoard_trainInput(device, 0, 10e3, whole);
       if (name == "pulses" || name == "wait") {
         time += whole * (name == "wait" ? 1us : 100us);
       } else if (!name.starts_with("FG_")) {
@@ -92,15 +92,15 @@ class TriggerBlock : public testing::TestWithParam<unsigned> {
     std::uint64_t mask = 0;
     std::istringstream words(own(names));
     for (std::string name; words >> name;) mask |= Fg_getEventMask(applet->fg(), name.c_str());
-    board::enableEvents(device, mask);
+    VirtualBoard_enableEvents(device, mask);
     start = time;
   }
   /// The events since `listen` or the last call, as "NANOSECONDS NAME, NANOSECONDS NAME".
   std::string events() {
     Lines lines;
-    while (const auto event = board::takeEvent(device))
-      lines.push_back(fmt::format("{} {}", (event->time - start).count(),
-                                  Fg_getEventName(applet->fg(), 1ULL << event->index)));
+    for (VirtualBoardEvent event; VirtualBoard_takeEvent(device, 0, &event) == VELMORA_OK;)
+      lines.push_back(fmt::format("{} {}", event.time - start.count(),
+                                  Fg_getEventName(applet->fg(), event.mask)));
     return fmt::format("{}", fmt::join(lines, ", "));
   }
 
@@ -160,18 +160,22 @@ TEST_P(TriggerBlock, PicturesFollowTheSettings) {
 TEST_P(TriggerBlock, Debounces) {
   const std::string inputs = "FG_DIGIO_INPUT";
   listen("FG_TRIGGER_INPUT3_RISING FG_TRIGGER_INPUT3_FALLING");
-  board::pulseInput(device, 3, kDebounce - 1ns);
+  VirtualBoard_pulseInput(device, 3, (kDebounce - 1ns).count());
   EXPECT_EQ(after(10us, inputs), "0");
-  board::pulseInput(device, 3, kDebounce);
+  VirtualBoard_pulseInput(device, 3, kDebounce.count());
   EXPECT_EQ(after(kDebounce, inputs), "8");
-  board::setInput(device, 6, true);
+  VirtualBoard_setInput(device, 6, 1);
   EXPECT_EQ(after(10us, inputs), "64");
   run("FG_TRIGGERIN_DEBOUNCE=0.096");
-  board::setInput(device, 6, false);
+  VirtualBoard_setInput(device, 6, 0);
   EXPECT_EQ(after(95ns, inputs), "64");
   EXPECT_EQ(after(1ns, inputs), "0");
   EXPECT_EQ(events(), "11008 FG_TRIGGER_INPUT3_RISING, 12016 FG_TRIGGER_INPUT3_FALLING");
-  EXPECT_THROW(board::setInput(device, 8, true), std::out_of_range);
+  for (const int code :
+       {VirtualBoard_setInput(device, 8, 1), VirtualBoard_pulseInput(device, 0, -1),
+        VirtualBoard_trainInput(device, 0, -1, 1), VirtualBoard_trainInput(device, 0, 15.1e6, 1),
+        VirtualBoard_trainInput(device, 0, NAN, 1), VirtualBoard_trainInput(device, 0, 1, -2)})
+    EXPECT_EQ(code, VELMORA_BOARD_BAD_ARGUMENT);
 }
 
 /// Ten pulses; one a millisecond out again, each of them twice.
@@ -229,7 +233,7 @@ TEST_P(TriggerBlock, QueueHasAnEnd) {
 /// Frequencies come from the distance of the last two pulses, the longest and the shortest.
 TEST_P(TriggerBlock, MeasuresItsInput) {
   const auto measured = [this](nanoseconds period, int pulses) {
-    board::trainInput(device, 4, 1e9 / static_cast<double>(period.count()), pulses);
+    VirtualBoard_trainInput(device, 4, 1e9 / static_cast<double>(period.count()), pulses);
     return after(pulses * period,
                  "FG_TRIGGERIN_STATS_PULSECOUNT FG_TRIGGERIN_STATS_FREQUENCY "
                  "FG_TRIGGERIN_STATS_MINFREQUENCY FG_TRIGGERIN_STATS_MAXFREQUENCY");
@@ -243,9 +247,9 @@ TEST_P(TriggerBlock, MeasuresItsInput) {
   EXPECT_EQ(measured(50us, 2), "2 20000 10000 20000");
   run("FG_TRIGGERIN_STATS_MINMAXFREQUENCY_CLEAR=1");
   EXPECT_EQ(measured(50us, 0), "2 20000 0 0");
-  board::trainInput(device, 4, 20e3);
+  VirtualBoard_trainInput(device, 4, 20e3, -1);
   time += 475us;
-  board::trainInput(device, 4, 0);
+  VirtualBoard_trainInput(device, 4, 0, -1);
   EXPECT_EQ(after(1h, "FG_TRIGGERIN_STATS_PULSECOUNT"), "12");
   // What the hardware's side has set stays until it is cleared.
   board::setValue(device, own(kPrefix + "TriggerCam{p}_InputStatistics_ReadPulses_Status"), 0, 77);
@@ -266,13 +270,13 @@ TEST_P(TriggerBlock, ShapesPulses) {
   listen("FG_TRIGGER_OUTPUT_CAM{p} FG_START_OF_FRAME_CAM_PORT_{l}");
   run("FG_SENDSOFTWARETRIGGER=1");
   std::vector<unsigned> levels;  // Output 1 is inverted, as are those of other ports.
-  for (int i = 0; i < 8; ++i, time += 10us) levels.push_back(board::outputs(device));
+  for (int i = 0; i < 8; ++i, time += 10us) levels.push_back(VirtualBoard_outputs(device));
   const unsigned others = 255 - (3 << 2 * port);
   for (unsigned& level : levels) level = (level - others) >> 2 * port;
   EXPECT_EQ(levels, (std::vector<unsigned>{2, 2, 3, 1, 3, 3, 2, 2}));
   EXPECT_EQ(events(), own("20000 FG_START_OF_FRAME_CAM_PORT_{l}, 30000 FG_TRIGGER_OUTPUT_CAM{p}"));
   run("FG_DIGIO_OUTPUT=2");
-  EXPECT_EQ(board::outputs(device) & 0x88, 0x80);
+  EXPECT_EQ(VirtualBoard_outputs(device) & 0x88, 0x80);
 }
 
 TEST_P(TriggerBlock, SlavesFollowTheFirstCamera) {
@@ -306,10 +310,10 @@ TEST_P(TriggerBlock, MissesFrames) {
 TEST_P(TriggerBlock, KeepsTheLatestEvents) {
   run("FG_TRIGGER_FRAMESPERSECOND=1000 FG_TRIGGERSTATE=0");  // 62499 ticks.
   listen("FG_TRIGGER_OUTPUT_CAM{p} FG_TRIGGER_INPUT0_RISING");
-  board::trainInput(device, 0, 2);
+  VirtualBoard_trainInput(device, 0, 2, -1);
   time += 100s + kDebounce;
   const std::string all = events(), between = own(" FG_TRIGGER_OUTPUT_CAM{p}, ");
-  EXPECT_EQ(board::lostEvents(device), 100001 + 201 - 4096);
+  EXPECT_EQ(VirtualBoard_lostEvents(device), 100001 + 201 - 4096);
   EXPECT_EQ(std::ranges::count(all, ','), 4095);
   EXPECT_TRUE(all.starts_with("95913465360" + between + "95914465344"));
   EXPECT_TRUE(all.ends_with("99999399984" + between + "100000001008 FG_TRIGGER_INPUT0_RISING"));
@@ -335,7 +339,7 @@ TEST_P(TriggerBlock, CatchesUpInOneStepOrInMany) {
       open();
       std::minstd_rand random(seed);
       const auto below = [&](std::size_t end) { return static_cast<unsigned>(random() % end); };
-      board::enableEvents(device, seed / kPorts % 2 == 0 ? 0 : ~0ULL);
+      VirtualBoard_enableEvents(device, seed / kPorts % 2 == 0 ? 0 : ~0ULL);
       for (int round = 0; round < 10; ++round) {
         for (int i = 0; i < 150; ++i) {
           const unsigned values[] = {0, 1, 1, below(4), below(4), below(9), below(3000), ~0U};
@@ -345,7 +349,7 @@ TEST_P(TriggerBlock, CatchesUpInOneStepOrInMany) {
              {"Generators_ClearQueuePulse_Mode", "Generators_EnableQueue_Select"})
           board::setValue(device, fmt::format("{}TriggerCam{}_{}", kPrefix, below(kPorts), leaf), 0,
                           below(2) * below(2));
-        board::trainInput(device, below(8), below(2000000), below(300));
+        VirtualBoard_trainInput(device, below(8), below(2000000), below(300));
         for (int step = 0; step < 200; ++step, time += 700ns)
           if (often) pictures(0);
         for (const std::string& name : readable)

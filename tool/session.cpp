@@ -89,10 +89,12 @@ AccessTrace::AccessTrace() {
 
 AccessTrace::~AccessTrace() { board::observe({}); }
 
-void Session::DestroyDevice::operator()(KTdevice* device) const { board::destroyDevice(device); }
+void Session::DestroyDevice::operator()(KTdevice* device) const {
+  VirtualBoard_destroyDevice(device);
+}
 
 Session::Session(const AppletLibrary& library, const SessionOptions& options)
-    : library_(library), trace_(options.trace), device_(board::createDevice()) {
+    : library_(library), trace_(options.trace), device_(VirtualBoard_createDevice()) {
   if (trace_ == Trace::kAll) tracing_.emplace();
   int error = 0;
   {

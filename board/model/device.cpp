@@ -258,12 +258,6 @@ std::string Device::registerName(int id) const {
   return found ? found->name : fmt::format("#{}", id);
 }
 
-std::string Device::eventName(unsigned index) const {
-  const std::lock_guard guard(mutex_);
-  const auto* event = design_ ? design_->event(static_cast<int>(index)) : nullptr;
-  return event ? event->name : "";
-}
-
 RegisterInfoKind Device::parameterKind(int id) const {
   const std::lock_guard guard(mutex_);
   if (const auto* found = record(id)) return found->kind;

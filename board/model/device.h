@@ -103,8 +103,6 @@ class Device {
   }
   /// The recorded events, to be used within `poll`.
   EventLog& events() { return trigger_.events(); }
-  /// Name of an event of the design; empty for an unknown index.
-  std::string eventName(unsigned index) const;
 
  private:
   static constexpr std::chrono::nanoseconds kShortestPause = std::chrono::microseconds(20);

@@ -1,9 +1,9 @@
 /// Control side of the virtual board, in C: what plays the part of the hardware around an applet.
 /// The functions are those of `libvirtualboard.so`.
 ///
-/// Functions that return an int answer 0 or a code of `velmora/errors.h`; a failure changes nothing.
-/// Null pointers are refused with a code where this header does not give them a meaning. All
-/// functions may be called from any thread; destroying something must not overlap its use.
+/// Functions that return an int answer 0 or a code of `velmora/errors.h`; a failure changes
+/// nothing. Null pointers are refused with a code where this header does not give them a meaning.
+/// All functions may be called from any thread; destroying something must not overlap its use.
 ///
 /// Times are nanoseconds of the board's clock, which counts from an unspecified start.
 #pragma once
@@ -18,7 +18,9 @@ extern "C" {
 #endif
 
 /// A device with four cameras, to be destroyed after all handles on it are released; null when
-/// memory runs out.
+/// memory runs out. The first inner handle gives it the registers and parameters of the handle's
+/// design, with the manifest's initial values (0 if not given). They keep their values from handle
+/// to handle; a design with other content starts afresh.
 KTdevice* VirtualBoard_createDevice(void);
 void VirtualBoard_destroyDevice(KTdevice* device);
 
