@@ -14,6 +14,9 @@
 namespace board {
 namespace {
 
+constexpr const char* kFillLevel = "Device1_Process{}_Buffer_FillLevel";
+constexpr const char* kOverflow = "Device1_Process{}_Buffer_Overflow";
+
 std::string nameFor(const char* nameTemplate, unsigned port) {
   return fmt::format(fmt::runtime(nameTemplate), port);
 }
@@ -79,6 +82,10 @@ void Device::assignEffects() {
         writeCell(*cell, cell->slot, cell->bits[cell->slot]);
       }
     }
+    fillLevels_[port] = effectCell(nameFor(kFillLevel, port), port);
+    overflows_[port] = effectCell(nameFor(kOverflow, port), port);
+    for (auto* cell : {fillLevels_[port], overflows_[port]})
+      if (cell) cell->effect = Effect::kBuffers;
     for (unsigned index = 0; index < kTriggerRegisters; ++index) {
       if (auto* cell = effectCell(triggerRegisterName(index, port), port)) {
         cell->effect = index < kFirstStatus ? Effect::kTrigger : Effect::kStatus;
@@ -110,14 +117,14 @@ Device::Cell* Device::cellNamed(const std::string& name) {
 }
 
 std::uint64_t Device::readCell(const Cell& cell, unsigned slot) {
-  if (cell.effect != Effect::kStatus || cell.slot != slot) return cell.bits[slot];
-  catchUp();
-  return trigger_.read(cell.port, cell.index);
+  if (cell.slot != slot) return cell.bits[slot];
+  if (cell.effect == Effect::kStatus || cell.effect == Effect::kBuffers) catchUp();
+  return cell.effect == Effect::kStatus ? trigger_.read(cell.port, cell.index) : cell.bits[slot];
 }
 
 void Device::writeCell(Cell& cell, unsigned slot, std::uint64_t bits) {
   cell.bits[slot] = bits;
-  if (cell.slot != slot || cell.effect == Effect::kNone) return;
+  if (cell.slot != slot || cell.effect == Effect::kNone || cell.effect == Effect::kBuffers) return;
   if (cell.effect == Effect::kSetting) {
     if (channels_[cell.port].memory) catchUp();  // The pictures so far have the old setting.
     ports_[cell.port].*cell.setting = bits;

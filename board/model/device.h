@@ -115,7 +115,8 @@ class Device {
     kNone,
     kSetting,  ///< A setting of the picture source.
     kTrigger,  ///< A register of the trigger block.
-    kStatus    ///< One that the trigger block writes.
+    kStatus,   ///< One that the trigger block writes.
+    kBuffers   ///< Follows the picture memory.
   };
   /// A value per DMA channel; shared parameters and registers use the first.
   struct Cell {
@@ -175,7 +176,8 @@ class Device {
   void receive(unsigned port, const Train& pictures);
   bool keep(unsigned port, std::int64_t number, Time time);
   void stopChannel(unsigned port);
-  void show(const char* name, unsigned port, std::uint64_t value);
+  void showFillLevel(unsigned port);
+  void showOverflow(unsigned port, bool overflow);
   bool acquiring(const Channel& channel) const;
 
   mutable std::mutex mutex_;
@@ -186,6 +188,8 @@ class Device {
   Texts texts_;  ///< Values of the string parameters.
   std::array<PortSettings, kPorts> ports_;
   std::array<Channel, kPorts> channels_;
+  std::array<Cell*, kPorts> fillLevels_{};  ///< Null if the design lacks them.
+  std::array<Cell*, kPorts> overflows_{};
   TriggerBlock trigger_{[this](unsigned port, const Train& pictures) { receive(port, pictures); }};
   std::array<std::shared_ptr<const HostCamera>, kPorts> cameras_;
   std::array<std::array<std::optional<std::uint64_t>, kPorts>, kRuntimeParameterCount> runtime_;

@@ -1,6 +1,4 @@
 /// The device's runtime side: the runtime's own parameters and the acquisition channels.
-#include <fmt/format.h>
-
 #include <algorithm>
 
 #include "board/model/device.h"
@@ -14,8 +12,6 @@ namespace {
 constexpr std::uint64_t kPixelClock = 1;  ///< Bits of the extended camera status.
 constexpr std::uint64_t kLineAndFrameValid = 6;
 constexpr std::int64_t kEndless = -1;
-constexpr const char* kFillLevel = "Device1_Process{}_Buffer_FillLevel";
-constexpr const char* kOverflow = "Device1_Process{}_Buffer_Overflow";
 
 /// Every port has one DMA channel, of its own number.
 std::uint64_t portCount(const Device&, unsigned) { return kPorts; }
@@ -77,8 +73,8 @@ void Device::receive(unsigned port, const Train& pictures) {
   if (channel.memory) {
     while (kept < count && keep(port, channel.pictures + kept + 1, pictures.at(kept))) ++kept;
     channel.lost += count - kept;
-    show(kFillLevel, port, channel.memory->fillLevel());
-    show(kOverflow, port, kept < count ? 1 : 0);
+    showFillLevel(port);
+    showOverflow(port, kept < count);
   }
   channel.pictures += count;
   if (channel.memory && !acquiring(channel)) channel.memory->finish();
@@ -98,8 +94,12 @@ bool Device::keep(unsigned port, std::int64_t number, Time time) {
   return channels_[port].memory->add(exposure);
 }
 
-void Device::show(const char* name, unsigned port, std::uint64_t value) {
-  if (auto* cell = cellNamed(fmt::format(fmt::runtime(name), port))) cell->bits[port] = value;
+void Device::showFillLevel(unsigned port) {
+  if (auto* cell = fillLevels_[port]) cell->bits[port] = channels_[port].memory->fillLevel();
+}
+
+void Device::showOverflow(unsigned port, bool overflow) {
+  if (auto* cell = overflows_[port]) cell->bits[port] = overflow ? 1 : 0;
 }
 
 int Device::start(unsigned dma, std::int64_t pictures, PictureMemory* memory) {
@@ -113,14 +113,16 @@ int Device::start(unsigned dma, std::int64_t pictures, PictureMemory* memory) {
     if (memory->bytes() < ports_[dma].width * ports_[dma].height * kBytesPerPixel)
       return kBufferTooSmall;
     if (!memory->attach(*this)) return kMemoryInUse;
-    show(kFillLevel, dma, memory->fillLevel());
-    show(kOverflow, dma, 0);
   }
   channel = {.started = true,
              .running = true,
              .limit = pictures,
              .memory = memory,
              .memoryHandle = reinterpret_cast<std::intptr_t>(memory)};
+  if (memory) {
+    showFillLevel(dma);
+    showOverflow(dma, false);
+  }
   return kOk;
 }
 
@@ -151,7 +153,7 @@ bool Device::returnBuffer(PictureMemory& memory, std::uint32_t buffer) {
   catchUp();
   if (!memory.release(buffer)) return false;
   for (unsigned port = 0; port < kPorts; ++port)
-    if (channels_[port].memory == &memory) show(kFillLevel, port, memory.fillLevel());
+    if (channels_[port].memory == &memory) showFillLevel(port);
   return true;
 }
 
