@@ -48,7 +48,7 @@ TEST_F(Board, AnswersWithItsCodes) {
   const auto going = [&] { return Fg_getStatusEx(fg, VELMORA_STATUS_ACQUIRING, 0, 0, nullptr); };
   const auto error = [&] { return Fg_getLastErrorNumber(fg); };
   uint64_t bits = 0;
-  const auto nothing = [](const auto*... pointers) { return (!pointers && ...); };
+  const auto nothing = [](auto... answers) { return (!answers && ...); };
   board::startJournal();
   const struct {
     std::vector<int64_t> results, expected;
@@ -75,19 +75,18 @@ TEST_F(Board, AnswersWithItsCodes) {
       {{(board::failAtWrite(1, -77), KorvRegisterRead(session.device, 1, &bits)),
         Fg_getParameter(fg, length, &bits, 0), session.set("CamGenRoll0", 8)},
        {0, 0, -77}},
+      // Without a name, a value, a device or a design.
       {{Fg_getParameterIdByName(fg, nullptr), error(), Fg_getParameter(fg, length, nullptr, 0),
         error(), Fg_freeParameterStringWithType(fg, 7, nullptr, 0, 22),
-        Fg_freeParameterStringWithType(fg, 7, &bits, 0, 2), error()},
-       {-2080, -2080, -2082, -2082, -2082, -2083, -2083}},
-      {{Fg_getAppletId(fg, nullptr), error(), KorvRegisterRead(session.device, 1, nullptr),
+        Fg_freeParameterStringWithType(fg, 7, &bits, 0, 2), error(), Fg_getAppletId(fg, nullptr),
+        error(), KorvRegisterRead(session.device, 1, nullptr),
         KorvRegisterRead(session.device, 33, &bits)},
-       {3652, -2083, -2082, -2090}},
-      {{HapGetRegisterByName(nullptr, kLength), HapGetRegisterByName(session.design, nullptr),
-        HapGetNrOfRegister(nullptr), HapGetRegisterDirection(nullptr, 1),
-        HapGetRegisterBitRange(nullptr, 1)},
-       std::vector<int64_t>(5, 0)},
+       {-2080, -2080, -2082, -2082, -2082, -2083, -2083, 3652, -2083, -2082, -2090}},
       {{nothing(HapLoadDesignFromBuffer(nullptr, 4096, 1), HapLoadHapFileWithType(nullptr, 3652, 1),
                 HapGetRegisterName(nullptr, 1), HapGetRegisterName(session.design, 33),
+                HapGetRegisterByName(nullptr, kLength),
+                HapGetRegisterByName(session.design, nullptr), HapGetNrOfRegister(nullptr),
+                HapGetRegisterDirection(nullptr, 1), HapGetRegisterBitRange(nullptr, 1),
                 HapGetEvent(nullptr, 0), Fg_getParameterInfo(nullptr, 0),
                 Fg_getParameterInfo(fg, 1), Fg_InitHandle("", nullptr, session.design),
                 Fg_InitHandle("", session.device, nullptr)),
