@@ -159,7 +159,10 @@ class Saved : public Configuration {
 
 TEST_F(Saved, TakesThePlaceOfTheFileBehindALink) {
   fs::create_hard_link(directory / "a.mcf", directory / "backup.mcf");
+  const int unused = dup(STDERR_FILENO);
+  close(unused);
   EXPECT_EQ(saveAs("link.mcf"), 0);
+  EXPECT_EQ(close(unused), -1) << "left open";
   EXPECT_TRUE(whole("a.mcf") && old("backup.mcf"));
   EXPECT_TRUE(fs::is_symlink(directory / "link.mcf"));
   EXPECT_EQ(fs::status(directory / "a.mcf").permissions(), fs::perms(0640));
@@ -218,6 +221,14 @@ TEST_F(Configuration, NumbersFollowTheLocaleOfTheProcess) {
   EXPECT_EQ(applet.set(FG_GEN_FREQ, 40.0, 3), VELMORA_OK);
   EXPECT_EQ(load(file), VELMORA_OK);
   EXPECT_EQ(applet.real(FG_GEN_FREQ, 3).value, 62.5);
+  // A locale called English comes first, if there is one.
+  fs::create_directory_symlink(VELMORA_LOCALES "/de_DE.UTF-8", directory / "English");
+  setenv("LOCPATH", (directory / "").c_str(), 1);
+  for (const bool saves : {true, false}) {
+    std::setlocale(LC_ALL, "C");
+    EXPECT_EQ(saves ? save(file) : load(file), VELMORA_OK);
+    EXPECT_STREQ(std::setlocale(LC_ALL, nullptr), "English");
+  }
   // The document never does.
   EXPECT_NE(document(applet, 3).find("<Max>3.024</Max>"), std::string::npos);
   std::setlocale(LC_ALL, "C");

@@ -92,6 +92,8 @@ TEST(SupportDispatcherSearch, BaseDirectory) {
   } rows[] = {
       {"/opt/x/LIB64/libVelmora.so", "/opt/x", "/env64", "/env32"},
       {"/a/hardware applets/b//c.so", "/a"},
+      {"/opt/bin/velmora", "/opt"},
+      {"DLL/c.so", "."},
       {"/opt/lib32/x64/bin", std::nullopt},  // a file called bin
       {deep.substr(1) + "/lib/x.so", deep.substr(1), "/env64"},
       {deep + "/lib/x.so", "/env64", "/env64"},

@@ -9,6 +9,7 @@
 #include <sstream>
 
 #include "tests/temporary_directory.h"
+#include "tool/code_text.h"
 
 namespace {
 
@@ -57,6 +58,15 @@ TEST_P(Tool, SaysWhatTheTranscriptSays) {
   }
   EXPECT_EQ(said, lines(file, "")) << "What it said lies in " << GetParam() << ".txt";
   if (HasFailure()) std::ofstream(std::string(GetParam()) + ".txt") << said;
+}
+
+TEST(Codes, HaveWords) {
+  std::string said = velmora::tool::codeText(-4711) + '\n';
+  std::ifstream header(ERROR_CODES);
+  for (std::string line; std::getline(header, line);)
+    if (const auto at = line.find(" = "); at != std::string::npos)
+      said += velmora::tool::codeText(std::stoi(line.substr(at + 3))) + '\n';
+  EXPECT_EQ(said, contentOf(TEST_DATA "/codes.txt"));
 }
 
 INSTANTIATE_TEST_SUITE_P(Files, Tool,

@@ -47,11 +47,12 @@ TEST(UniqueFile, InvalidTemplatesAreRefusedUntouched) {
 }
 
 TEST(TempFile, IsRemovedAndKeepsNoDescriptor) {
-  const int lowest = dup(0);
-  close(lowest);
+  const int input = dup(STDIN_FILENO);
+  close(STDIN_FILENO);  // The file opens as this descriptor.
   char* const name = createTempFile();
   ASSERT_NE(name, nullptr);
-  EXPECT_EQ(close(lowest), -1);
+  EXPECT_EQ(close(STDIN_FILENO), -1);
+  dup2(input, STDIN_FILENO);
   const std::string kept = name;
   EXPECT_TRUE(kept.starts_with("/tmp/coef-") && kept.ends_with(".tiff") && kept.size() == 21);
   EXPECT_TRUE(std::filesystem::exists(kept));
