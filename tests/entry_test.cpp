@@ -64,7 +64,7 @@ TEST(Library, IsBuiltHardenedWithAllAroundIt) {
         (READELF " --wide --file-header --segments --dynamic --relocs --dyn-syms " + file).c_str());
     for (const char* there : {
            "DYN (", " GNU_RELRO ", "BIND_NOW", " GNU_STACK ",
-#if defined(__OPTIMIZE__) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+#ifdef _FORTIFY_SOURCE
                file.ends_with("libVelmora.so") ? "_chk@GLIBC" : "",
 #endif
                " __stack_chk_fail"
