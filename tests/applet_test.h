@@ -109,7 +109,7 @@ inline std::string ownRecords() {
 /// Registers of all widths that make a difference, and design parameters of every kind.
 inline std::string everyKindOfRecord() { return contentOf(TEST_DATA "/every_kind.design"); }
 
-/// A row of `data/parameters.txt`.
+/// A row of `data/sdk_parameters.txt`.
 struct Parameter {
   std::string name;
   int id = 0;
@@ -122,7 +122,7 @@ struct Parameter {
 inline const std::vector<Parameter>& parameters() {
   static const std::vector<Parameter> rows = [] {
     std::vector<Parameter> read;
-    for (const std::string& line : linesOf(contentOf(TEST_DATA "/parameters.txt"))) {
+    for (const std::string& line : linesOf(contentOf(TEST_DATA "/sdk_parameters.txt"))) {
       if (line.starts_with("#")) continue;
       Parameter& p = read.emplace_back();
       std::istringstream words(line);
