@@ -80,8 +80,7 @@ void VirtualBoard_destroyDevice(KTdevice* device) { delete device; }
 
 VirtualBoardMemory* VirtualBoard_createMemory(std::uint32_t buffers, std::size_t bytes,
                                               void* const* addresses) {
-  if (buffers == 0 || bytes == 0 || bytes > std::numeric_limits<std::size_t>::max() / buffers)
-    return nullptr;
+  if (bytes == 0 || buffers > std::numeric_limits<std::size_t>::max() / bytes) return nullptr;
   if (addresses && std::count(addresses, addresses + buffers, nullptr) != 0) return nullptr;
   try {
     auto memory = std::make_unique<VirtualBoardMemory>(buffers, bytes, addresses);
@@ -112,6 +111,17 @@ int VirtualBoard_takePicture(VirtualBoardMemory* memory, double seconds,
 int VirtualBoard_returnBuffer(VirtualBoardMemory* memory, std::uint32_t buffer) {
   if (!isHandedOut(HandedOut::kMemory, memory)) return kNoHandle;
   return guarded([&] { return memory->returnBuffer(buffer); });
+}
+
+int VirtualBoard_addBuffer(VirtualBoardMemory* memory, void* address) {
+  if (!isHandedOut(HandedOut::kMemory, memory)) return kNoHandle;
+  if (!address) return kNullValue;
+  return guarded([&] { return memory->addBuffer(address); });
+}
+
+int VirtualBoard_holdBuffer(VirtualBoardMemory* memory, std::uint32_t buffer) {
+  if (!isHandedOut(HandedOut::kMemory, memory)) return kNoHandle;
+  return guarded([&] { return memory->holdBuffer(buffer); });
 }
 
 int VirtualBoard_setCameraPictures(KTdevice* device, std::uint32_t port, std::uint32_t count,

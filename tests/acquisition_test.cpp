@@ -212,6 +212,27 @@ TEST_F(Acquisition, WithoutAFreeBufferPicturesAreLost) {
   EXPECT_EQ(codeOfTake(into), VELMORA_BOARD_NOT_STARTED);
 }
 
+TEST_F(Acquisition, BuffersComeAndGoWhileAChannelRuns) {
+  makeSmall(0);
+  Bytes room(96);
+  const auto into = memory(0, 48);
+  EXPECT_EQ(start(into), VELMORA_OK);
+  time += kFrame;
+  for (int i = 0; i < 2; ++i) EXPECT_EQ(VirtualBoard_addBuffer(into, &room[48 * i]), i);
+  EXPECT_EQ(lost(), 1);
+  EXPECT_EQ(applet.word(FG_FILLLEVEL).value, 100U);
+  EXPECT_EQ(VirtualBoard_returnBuffer(into, 1), VELMORA_OK);
+  EXPECT_EQ(VirtualBoard_holdBuffer(into, 0), VELMORA_BOARD_BAD_ARGUMENT);
+  const auto picture = take(into);
+  EXPECT_EQ(picture.number, 2);
+  EXPECT_EQ(picture.pixels, &room[48]);
+  EXPECT_EQ(VirtualBoard_returnBuffer(into, 0), VELMORA_OK);
+  EXPECT_EQ(VirtualBoard_holdBuffer(into, 0), VELMORA_OK);
+  time += kFrame;
+  EXPECT_EQ(lost(), 2);
+  EXPECT_EQ(VirtualBoard_addBuffer(into, nullptr), VELMORA_BOARD_NULL_VALUE);
+}
+
 TEST_F(Acquisition, APictureNeverLeavesItsBuffer) {
   Bytes room(3 * 48 + 2, 0xEE);
   void* const own[] = {room.data() + 1, room.data() + 49, room.data() + 97};
@@ -264,7 +285,6 @@ TEST_F(Acquisition, CamerasPlayWhatTheHostGives) {
 TEST_F(Acquisition, RefusesWhatItCannotUse) {
   int other = 0;
   void* const holes[] = {&other, nullptr};
-  EXPECT_EQ(VirtualBoard_createMemory(0, 10, nullptr), nullptr);
   EXPECT_EQ(VirtualBoard_createMemory(10, 0, nullptr), nullptr);
   EXPECT_EQ(VirtualBoard_createMemory(2, 4, holes), nullptr);
   EXPECT_EQ(VirtualBoard_createMemory(~0U, ~std::size_t{0} / 2, nullptr), nullptr);

@@ -53,8 +53,16 @@ class Device {
   int stop(unsigned dma);
   /// Whether a call names the memory that a channel was started with, or none.
   bool usesMemory(unsigned dma, std::int64_t memory) const;
-  /// Frees a buffer of a memory that a channel of this device runs with.
-  bool returnBuffer(PictureMemory& memory, std::uint32_t buffer);
+  /// Lets `change` act on the buffers of a memory that a channel of this device runs with.
+  template <class Change>
+  auto withMemory(const PictureMemory& memory, Change change) {
+    const std::lock_guard guard(mutex_);
+    catchUp();
+    const auto result = change();
+    for (unsigned port = 0; port < kPorts; ++port)
+      if (channels_[port].memory == &memory) showFillLevel(port);
+    return result;
+  }
   /// Null for the camera of the board.
   void setCamera(unsigned port, std::shared_ptr<const HostCamera> camera);
   /// Number of the last picture since the start, from 1; 0 before the first.

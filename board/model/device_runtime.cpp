@@ -148,15 +148,6 @@ bool Device::usesMemory(unsigned dma, std::int64_t memory) const {
   return memory == 0 || dma >= kPorts || memory == channels_[dma].memoryHandle;
 }
 
-bool Device::returnBuffer(PictureMemory& memory, std::uint32_t buffer) {
-  const std::lock_guard guard(mutex_);
-  catchUp();
-  if (!memory.release(buffer)) return false;
-  for (unsigned port = 0; port < kPorts; ++port)
-    if (channels_[port].memory == &memory) showFillLevel(port);
-  return true;
-}
-
 void Device::setCamera(unsigned port, std::shared_ptr<const HostCamera> camera) {
   const std::lock_guard guard(mutex_);
   catchUp();

@@ -11,18 +11,19 @@ namespace board {
 PictureMemory::PictureMemory(std::uint32_t buffers, std::size_t bytes, void* const* addresses)
     : bytes_(bytes) {
   if (!addresses) own_ = std::make_unique<std::uint8_t[]>(buffers * bytes);
-  buffers_.reserve(buffers);
   due_.reserve(buffers);
   for (std::uint32_t i = 0; i < buffers; ++i)
     buffers_.push_back(
-        {addresses ? static_cast<std::uint8_t*>(addresses[i]) : own_.get() + i * bytes});
+        {addresses ? static_cast<std::uint8_t*>(addresses[i]) : &own_[i * bytes], State::kFree});
 }
 
 unsigned PictureMemory::fillLevel() const {
   const std::lock_guard guard(mutex_);
   const auto used = std::ranges::count_if(
       buffers_, [](const Buffer& buffer) { return buffer.state != State::kFree; });
-  return static_cast<unsigned>(static_cast<std::size_t>(used) * 100 / buffers_.size());
+  return buffers_.empty()
+             ? 0
+             : static_cast<unsigned>(static_cast<std::size_t>(used) * 100 / buffers_.size());
 }
 
 bool PictureMemory::attach(Device& device) {
@@ -53,50 +54,62 @@ bool PictureMemory::add(const Exposure& exposure) {
   return true;
 }
 
-bool PictureMemory::release(std::uint32_t buffer) {
+bool PictureMemory::move(std::uint32_t buffer, State from, State to) {
   const std::lock_guard guard(mutex_);
-  if (buffer >= buffers_.size() || buffers_[buffer].state != State::kHost) return false;
-  buffers_[buffer].state = State::kFree;
+  if (buffer >= buffers_.size() || buffers_[buffer].state != from) return false;
+  buffers_[buffer].state = to;
   return true;
 }
 
-int PictureMemory::returnBuffer(std::uint32_t buffer) {
+int PictureMemory::change(std::uint32_t buffer, Change how) {
+  const auto changed = [&] { return (this->*how)(buffer); };
   Device* const device = device_;
-  const bool held = device ? device->returnBuffer(*this, buffer) : release(buffer);
-  return held ? kOk : kBadArgument;
+  return (device ? device->withMemory(*this, changed) : changed()) ? kOk : kBadArgument;
+}
+
+int PictureMemory::addBuffer(void* address) {
+  const auto add = [&] {
+    const std::lock_guard guard(mutex_);
+    due_.reserve(buffers_.size() + 1);
+    buffers_.push_back({static_cast<std::uint8_t*>(address), State::kHost});
+    return static_cast<int>(buffers_.size()) - 1;
+  };
+  Device* const device = device_;
+  return device ? device->withMemory(*this, add) : add();
 }
 
 /// Reserves the oldest picture; `kTimeout` when there is none yet.
-int PictureMemory::nextDue(std::uint32_t& buffer) {
+int PictureMemory::nextDue(std::uint32_t& index, Buffer*& buffer) {
   const std::lock_guard guard(mutex_);
   if (due_.empty()) return expecting_ ? kTimeout : kNotStarted;
-  buffer = due_.front();
+  index = due_.front();
   due_.erase(due_.begin());
-  buffers_[buffer].state = State::kComputed;
+  buffer = &buffers_[index];
+  buffer->state = State::kComputed;
   return kOk;
 }
 
 int PictureMemory::take(std::chrono::nanoseconds timeout, VirtualBoardPicture& picture) {
   std::uint32_t index = 0;
-  const auto next = [&] { return nextDue(index); };
+  Buffer* buffer = nullptr;
+  const auto next = [&] { return nextDue(index, buffer); };
   Device* const device = device_;
   if (const int code = device ? device->poll(timeout, next) : next()) return code;
   try {
-    picture = compute(index);
+    picture = compute(index, *buffer);
   } catch (...) {
     const std::lock_guard guard(mutex_);
-    buffers_[index].state = State::kDue;
+    buffer->state = State::kDue;
     due_.insert(due_.begin(), index);  // There is room: it was in before.
     throw;
   }
   const std::lock_guard guard(mutex_);
-  buffers_[index].state = State::kHost;
+  buffer->state = State::kHost;
   return kOk;
 }
 
 /// Nobody else uses a buffer that is being computed.
-VirtualBoardPicture PictureMemory::compute(std::uint32_t index) const {
-  const auto& buffer = buffers_[index];
+VirtualBoardPicture PictureMemory::compute(std::uint32_t index, const Buffer& buffer) const {
   const auto& [port, number, time, path, source, camera] = buffer.exposure;
   PictureSource seen = source;
   std::vector<std::uint8_t> filled;

@@ -7,6 +7,7 @@
 #include <atomic>
 #include <chrono>
 #include <cstdint>
+#include <deque>
 #include <memory>
 #include <mutex>
 #include <vector>
@@ -35,14 +36,18 @@ class PictureMemory {
   void detach();
   /// Puts a picture into a free buffer; false when there is none. Does not allocate.
   bool add(const Exposure& exposure);
-  bool release(std::uint32_t buffer);
+  /// Moves a buffer from the host to the channel or back; false when it is not there.
+  bool release(std::uint32_t buffer) { return move(buffer, State::kHost, State::kFree); }
+  bool hold(std::uint32_t buffer) { return move(buffer, State::kFree, State::kHost); }
   /// @}
 
   /// @name The host's side
   /// @{
   /// Waits for the oldest picture that is due, computes it and hands it over.
   int take(std::chrono::nanoseconds timeout, VirtualBoardPicture& picture);
-  int returnBuffer(std::uint32_t buffer);
+  int returnBuffer(std::uint32_t buffer) { return change(buffer, &PictureMemory::release); }
+  int holdBuffer(std::uint32_t buffer) { return change(buffer, &PictureMemory::hold); }
+  int addBuffer(void* address);
   bool inUse() const { return device_ != nullptr; }
   /// @}
 
@@ -50,19 +55,24 @@ class PictureMemory {
   enum class State { kFree, kDue, kComputed, kHost };
   struct Buffer {
     std::uint8_t* address;
-    State state = State::kFree;
+    State state;
     Exposure exposure{};
   };
+  using Change = bool (PictureMemory::*)(std::uint32_t buffer);
 
-  int nextDue(std::uint32_t& buffer);
-  VirtualBoardPicture compute(std::uint32_t index) const;
+  bool move(std::uint32_t buffer, State from, State to);
+  /// Makes a change when everything before it has happened.
+  int change(std::uint32_t buffer, Change how);
+
+  int nextDue(std::uint32_t& index, Buffer*& buffer);
+  VirtualBoardPicture compute(std::uint32_t index, const Buffer& buffer) const;
 
   const std::size_t bytes_;
   std::unique_ptr<std::uint8_t[]> own_;
   std::atomic<Device*> device_{nullptr};
   mutable std::mutex mutex_;  ///< Of what follows; taken after the device's.
   bool expecting_ = false;
-  std::vector<Buffer> buffers_;
+  std::deque<Buffer> buffers_;      ///< Buffers do not move.
   std::vector<std::uint32_t> due_;  ///< Oldest first.
 };
 

@@ -37,15 +37,22 @@ void VirtualBoard_destroyDevice(KTdevice* device);
 /// @{
 typedef struct VirtualBoardMemory VirtualBoardMemory;
 
-/// @param buffers number of buffers, all free.
+/// @param buffers number of buffers, all free; may be 0.
 /// @param bytes size of each; `Fg_AcquireEx` refuses buffers smaller than a picture (-2112).
 /// @param addresses the host's own buffers, which it keeps until the memory is destroyed; null for
 ///        buffers of the board.
-/// @return the memory; null when an argument is 0, an address is null or memory runs out.
+/// @return the memory; null when `bytes` is 0, an address is null or memory runs out.
 VirtualBoardMemory* VirtualBoard_createMemory(uint32_t buffers, size_t bytes,
                                               void* const* addresses);
 /// @return 0; -2113 while a channel runs with it; -2050 for what is no memory.
 int VirtualBoard_destroyMemory(VirtualBoardMemory* memory);
+/// Adds a buffer of the host, of at least the memory's buffer size. The host holds it until it
+/// returns it. May be called while a channel runs.
+/// @return its index; -2082 for a null address.
+int VirtualBoard_addBuffer(VirtualBoardMemory* memory, void* address);
+/// Takes a free buffer away from the channel: the host holds it until it returns it.
+/// @return 0; -2087 for a buffer that is not free.
+int VirtualBoard_holdBuffer(VirtualBoardMemory* memory, uint32_t buffer);
 
 struct VirtualBoardPicture {
   uint32_t buffer;   ///< Index, for `VirtualBoard_returnBuffer`.
