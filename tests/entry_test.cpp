@@ -60,15 +60,16 @@ TEST(Library, IsBuiltHardenedWithAllAroundIt) {
   int checked = 0;
   for (std::string file; files >> file; ++checked) {
     SCOPED_TRACE(file);
-    const std::string text = outputOf(
-        (READELF " --wide --file-header --segments --dynamic --relocs --dyn-syms " + file).c_str());
-    for (const char* there : {
-           "DYN (", " GNU_RELRO ", "BIND_NOW", " GNU_STACK ",
+    // Some linkers' start files call one function through the table that calls avoid.
+    const std::string command = READELF
+                                " --wide --file-header --segments --dynamic --relocs --dyn-syms " +
+                                file + " | grep -v 'JUMP_SLO.*__cxa_finalize'";
+    const std::string text = outputOf(command.c_str());
+    for (const char* there : {"DYN (", " GNU_RELRO ", "BIND_NOW", " GNU_STACK ",
 #ifdef _FORTIFY_SOURCE
-               file.ends_with("libVelmora.so") ? "_chk@GLIBC" : "",
+                              file.ends_with("libVelmora.so") ? "_chk@GLIBC" : "",
 #endif
-               " __stack_chk_fail"
-         })
+                              " __stack_chk_fail"})
       EXPECT_NE(text.find(there), std::string::npos) << there;
     for (const char* missing : {" RWE ", "JUMP_SLO"})
       EXPECT_EQ(text.find(missing), std::string::npos) << missing;
