@@ -88,6 +88,9 @@ void failNamed(const std::string& name, int code, int times = 0);
 void failAt(unsigned k, int code);
 /// Like `failAt`, counting writes (`kSet`, `kRegisterWrite`) only.
 void failAtWrite(unsigned k, int code);
+/// Like `failAt`, counting every access, of whatever kind; of a function that returns a pointer as
+/// with `failNamed`.
+void failAtCall(unsigned k, int code);
 void clearFaults();
 
 }  // namespace board

@@ -1,10 +1,8 @@
-/// Accepted sets and gets take no memory, whatever the parameter, and refused ones need none. A
-/// document that there is no memory for is refused.
+/// Accepted sets and gets take no memory, whatever the parameter, and refused ones need none.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <new>
-#include <string>
 
 #include "tests/applet_fixture.h"
 #include "tests/fakes/allocation_hook.h"
@@ -57,34 +55,6 @@ TEST(Allocation, RefusalsNeedNone) {
   testing::internal::CaptureStderr();
   EXPECT_EQ(set(FG_DMASTATUS, 0), VELMORA_NOT_AVAILABLE);
   EXPECT_NE(testing::internal::GetCapturedStderr().find("read-only"), std::string::npos);
-}
-
-TEST(Allocation, ADocumentIsWholeOrRefused) {
-  fixture::Applet applet;
-  const auto render = [&](char* buffer, std::size_t& size) {
-    return Fg_getParameterInfoXML(applet.fg(), 0, buffer, &size);
-  };
-  std::size_t exact = 0;
-  ASSERT_EQ(render(nullptr, exact), VELMORA_OK);
-  std::string whole(exact, '#');
-  ASSERT_EQ(render(whole.data(), exact), VELMORA_OK);
-
-  int code = VELMORA_OUT_OF_MEMORY;
-  int failed = 0;
-  for (; code == VELMORA_OUT_OF_MEMORY; ++failed) {
-    std::string buffer(exact, '#');
-    std::size_t size = exact;
-    applet.set(FG_WIDTH, 1024);  // Another last error.
-    {
-      const fakes::FailingAllocation noMemory(failed);
-      code = render(buffer.data(), size);
-    }
-    EXPECT_EQ(applet.lastError(), code);
-    EXPECT_EQ(size, exact);
-    EXPECT_EQ(buffer, code == VELMORA_OK ? whole : std::string(exact, '#')) << failed;
-  }
-  EXPECT_EQ(code, VELMORA_OK);
-  EXPECT_GT(failed, 20);
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <map>
 
 #include "tests/applet_fixture.h"
 #include "tests/temporary_directory.h"
@@ -56,6 +57,65 @@ inline std::string limitsOf(const RegisterInfo& node) {
                              : node.kind == REGISTER_INFO_ENUM ? "enum"
                                                                : fmt::format("kind {}", node.kind);
   return fmt::format("{}, access {}", limits, node.accessMode);
+}
+
+/// A line of a transcript that tells what a host or the hardware does on a port.
+struct TranscriptLine {
+  std::string name, sign, value;
+  int id;
+  bool real;
+
+  TranscriptLine(const std::string& line, Applet& applet, unsigned port) {
+    std::istringstream words(line);
+    words >> name >> sign >> value;
+    if (hardware()) words >> value;  // After the name and the sign.
+    id = Fg_getParameterIdByName(applet.fg(), name.c_str());
+    const RegisterInfo* node = applet.node(id, port);
+    real = node && node->kind == REGISTER_INFO_DOUBLE;
+  }
+  bool hardware() const { return name == "hardware"; }
+
+  /// The result of the set or get. A get stores what it has read, unless it fails.
+  int play(Applet& applet, unsigned port) {
+    const auto read = [&](const auto& reading, auto untouched) {
+      EXPECT_TRUE(reading.code == VELMORA_OK || reading.value == untouched) << name;
+      if (reading.code == VELMORA_OK) value = fmt::format("{}", reading.value);
+      return reading.code;
+    };
+    if (hardware()) board::setValue(applet.device(), sign, port, std::stod(value));
+    if (hardware()) return VELMORA_OK;
+    if (sign == "->")
+      return real ? read(applet.real(id, port), -1.0) : read(applet.word(id, port), 0xDEADBEEF);
+    return real ? applet.set(id, std::stod(value), port) : applet.set(id, std::stoll(value), port);
+  }
+};
+
+/// By port and parameter all that can be read: value and code of a get, and the description.
+/// Without the pulses, which the design counts as it likes, and what follows from registers, whose
+/// writes stay when a later one fails.
+using Place = std::pair<unsigned, int>;
+using Sight = std::map<Place, std::pair<std::string, std::string>>;
+inline Sight sightOf(Applet& applet) {
+  Sight all;
+  for (const int id : applet.ids())
+    for (unsigned port = 0; port < kPorts; ++port) {
+      if (id == FG_TRIGGEROUT_STATS_PULSECOUNT || id == FG_GEN_ACTIVE || id == FG_GEN_PASSIVE)
+        continue;
+      char value[32] = {};
+      const int code = Fg_getParameterWithType(applet.fg(), id, value, port, FG_PARAM_TYPE_INT32);
+      const RegisterInfo* node = applet.node(id, port);
+      all[{port, id}] = {std::string(value, sizeof value) + std::to_string(code),
+                         node ? limitsOf(*node) : ""};
+    }
+  return all;
+}
+
+/// Where two sights of the same parameters differ.
+inline std::vector<Place> differences(const Sight& one, const Sight& other) {
+  std::vector<Place> places;
+  for (const auto& [place, seen] : one)
+    if (seen != other.at(place)) places.push_back(place);
+  return places;
 }
 
 /// A port's GenApi document, fetched as a host does it: the size first.

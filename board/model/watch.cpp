@@ -22,10 +22,13 @@ struct NamedFault {
   int timesLeft;  ///< 0: no limit.
 };
 
+/// What a counted fault counts.
+enum class Counted { kWrites, kValues, kAll };
+
 struct CountedFault {
   unsigned accessesLeft;
   int code;
-  bool writesOnly;
+  Counted counted;
 };
 
 using Observer = std::function<void(const Access&)>;
@@ -58,7 +61,9 @@ void change(Change apply) {
   watch.updateWatching();
 }
 
-bool isWrite(AccessKind kind) {
+bool counts(Counted counted, AccessKind kind) {
+  if (counted == Counted::kAll) return true;
+  if (counted == Counted::kValues) return kind != AccessKind::kCall;
   return kind == AccessKind::kSet || kind == AccessKind::kRegisterWrite;
 }
 
@@ -74,7 +79,7 @@ std::optional<int> takeNamed(Watcher& watch, const std::string& name) {
 std::optional<int> takeCounted(Watcher& watch, AccessKind kind) {
   std::optional<int> code;
   std::erase_if(watch.counted, [&](CountedFault& fault) {
-    if (kind == AccessKind::kCall || (fault.writesOnly && !isWrite(kind))) return false;
+    if (!counts(fault.counted, kind)) return false;
     if (--fault.accessesLeft > 0) return false;
     code = fault.code;
     return true;
@@ -82,9 +87,9 @@ std::optional<int> takeCounted(Watcher& watch, AccessKind kind) {
   return code;
 }
 
-void failCounted(unsigned k, int code, bool writesOnly) {
+void failCounted(unsigned k, int code, Counted counted) {
   if (k == 0) return;
-  change([&](Watcher& watch) { watch.counted.push_back({k, code, writesOnly}); });
+  change([&](Watcher& watch) { watch.counted.push_back({k, code, counted}); });
 }
 
 }  // namespace
@@ -142,9 +147,11 @@ void failNamed(const std::string& name, int code, int times) {
   });
 }
 
-void failAt(unsigned k, int code) { failCounted(k, code, false); }
+void failAt(unsigned k, int code) { failCounted(k, code, Counted::kValues); }
 
-void failAtWrite(unsigned k, int code) { failCounted(k, code, true); }
+void failAtWrite(unsigned k, int code) { failCounted(k, code, Counted::kWrites); }
+
+void failAtCall(unsigned k, int code) { failCounted(k, code, Counted::kAll); }
 
 void clearFaults() {
   change([](Watcher& watch) {

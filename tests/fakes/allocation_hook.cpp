@@ -22,11 +22,13 @@ AllocationHook::AllocationHook(std::function<void()> step) : step_(std::move(ste
 AllocationHook::~AllocationHook() { hook = nullptr; }
 void AllocationHook::again() { hook = &step_; }
 
-FailingAllocation::FailingAllocation(int others)
-    : AllocationHook([this, others]() mutable {
-        if (others-- == 0) throw std::bad_alloc();
+FailingAllocation::FailingAllocation(unsigned others)
+    : AllocationHook([this] {
+        met_ = others_-- == 0;
+        if (met_) throw std::bad_alloc();
         again();
-      }) {}
+      }),
+      others_(others) {}
 
 }  // namespace fakes
 

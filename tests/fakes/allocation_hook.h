@@ -22,7 +22,13 @@ class AllocationHook {
 /// Lets the allocation of this thread fail that follows so many others.
 class FailingAllocation : public AllocationHook {
  public:
-  explicit FailingAllocation(int others);
+  explicit FailingAllocation(unsigned others);
+  /// Whether one failed.
+  bool met() const { return met_; }
+
+ private:
+  unsigned others_;
+  bool met_ = false;
 };
 
 }  // namespace fakes
