@@ -1,6 +1,6 @@
 /// The control side's access to a device's values.
+#include "board/control.h"
 #include "board/model/model.h"
-#include "board/virtual_board.h"
 
 namespace board {
 

@@ -12,7 +12,7 @@
 #include <string>
 #include <string_view>
 
-#include "board/virtual_board.h"
+#include "board/control.h"
 #include "tests/temporary_directory.h"
 
 namespace fuzzing {

@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "board/virtual_board.h"
+#include "board/control.h"
 #include "fuzz/fuzzing.h"
 #include "tool/command_line.h"
 

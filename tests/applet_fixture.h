@@ -7,7 +7,7 @@
 #include <type_traits>
 #include <vector>
 
-#include "board/virtual_board.h"
+#include "board/control.h"
 #include "velmora/errors.h"
 #include "velmora/parameters.h"
 #include "velmora/values.h"

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string>
 
-#include "board/virtual_board.h"
+#include "board/control.h"
 #include "design/design_image.h"
 #include "external/dervin.h"
 #include "external/korv_hw.h"

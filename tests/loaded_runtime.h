@@ -6,7 +6,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "board/virtual_board.h"
+#include "board/control.h"
 
 using Library = std::shared_ptr<void>;
 

@@ -8,7 +8,7 @@
 #include <stdexcept>
 #include <vector>
 
-#include "board/virtual_board.h"
+#include "board/control.h"
 #include "external/dervin.h"
 #include "parameters/fg_kt_wrapper_impl.h"
 #include "tests/temporary_directory.h"

@@ -6,7 +6,7 @@
 #include <iterator>
 #include <string_view>
 
-#include "board/virtual_board.h"
+#include "board/control.h"
 #include "velmora/errors.h"
 
 namespace velmora::tool {

@@ -9,7 +9,7 @@
 #include <filesystem>
 #include <optional>
 
-#include "board/virtual_board.h"
+#include "board/control.h"
 #include "tool/code_text.h"
 #include "tool/text.h"
 

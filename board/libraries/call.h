@@ -3,7 +3,7 @@
 
 #include <fmt/format.h>
 
-#include "board/virtual_board.h"
+#include "board/control.h"
 
 namespace board {
 

@@ -7,7 +7,7 @@
 #include <thread>
 #include <utility>
 
-#include "board/virtual_board.h"
+#include "board/control.h"
 
 namespace board {
 namespace {

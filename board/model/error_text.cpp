@@ -2,8 +2,8 @@
 #include <algorithm>
 #include <iterator>
 
+#include "board/control.h"
 #include "board/model/board_error.h"
-#include "board/virtual_board.h"
 
 namespace board {
 namespace {

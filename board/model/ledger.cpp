@@ -6,7 +6,7 @@
 #include <mutex>
 #include <set>
 
-#include "board/virtual_board.h"
+#include "board/control.h"
 
 namespace board {
 namespace {

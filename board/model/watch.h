@@ -1,5 +1,5 @@
 /// How each call of the board's libraries passes through the journal, the observer and the faults
-/// of `virtual_board.h`.
+/// of `control.h`.
 #pragma once
 
 #include <atomic>
@@ -8,7 +8,7 @@
 #include <type_traits>
 #include <utility>
 
-#include "board/virtual_board.h"
+#include "board/control.h"
 
 #pragma GCC visibility push(default)
 
