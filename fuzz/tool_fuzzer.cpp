@@ -1,5 +1,6 @@
 /// The input is a command line, an argument a line up to an empty line, and then the content of the
-/// file "file.mcf" in the working directory. The tool ends with 0, or with 1 and a complaint.
+/// file "file.mcf" in the working directory. The tool ends with 0, or with 1 and a complaint. What
+/// it says is text, which a terminal shows and does not obey.
 #include <sys/stat.h>
 
 #include <algorithm>
@@ -9,6 +10,7 @@
 #include <vector>
 
 #include "board/control.h"
+#include "board/printable.h"
 #include "fuzz/fuzzing.h"
 #include "tool/command_line.h"
 
@@ -63,6 +65,16 @@ class Capture {
   std::size_t size_ = 0;
 };
 
+/// Whether no line has a control character, or a byte that is part of none.
+bool isText(std::string_view output) {
+  bool text = true;
+  while (text && !output.empty()) {
+    const std::string line = take(output, "\n");
+    text = board::printable(line) == line;
+  }
+  return text;
+}
+
 void clearWorkingDirectory() {
   for (const auto& entry : std::filesystem::directory_iterator("."))
     std::filesystem::remove_all(entry.path());
@@ -99,6 +111,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const bool complained =
       ("\n" + std::string(errors.text())).find("\nvelmora: ") != std::string::npos;
   require(status == (complained ? 1 : 0), "the status tells whether there was a complaint");
+  // A document is written as it is: not to a terminal.
+  require(output.text().starts_with("<?xml") || isText(output.text()), "the output is text");
+  require(isText(errors.text()), "the messages are text");
   requireNothingOutstanding();
   return 0;
 }

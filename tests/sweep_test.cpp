@@ -42,11 +42,11 @@ class Sweep : public testing::TestWithParam<bool> {
  protected:
   Sweep() {
     board::stopJournal();
-    board::takeJournal();
     board::setClock([] { return std::chrono::nanoseconds(0); }, [](auto) {});  // One for both.
     for (Applet* each : {&host, &reference})
       for (unsigned port = 0; port < kPorts; ++port)  // Follows from what is written.
         board::setValue(each->device(), "FG_CAMSTATUS_EXTENDED", port, 1);
+    host.set(FG_DMASTATUS, 0);  // The loggers are made once, and do without memory.
     // Calls are described to an observer, which takes memory.
     if (allocations) board::observe([](const board::Access&) {});
   }
@@ -90,7 +90,7 @@ class Sweep : public testing::TestWithParam<bool> {
     if (HasFailure()) return code;
     SCOPED_TRACE(name);
     EXPECT_EQ(code, action(reference));
-    EXPECT_EQ(board::takeJournal().size(), calls);
+    EXPECT_TRUE(allocations || board::takeJournal().size() == calls);
     board::stopJournal();
     expectTheSame();
     return code;
@@ -133,6 +133,7 @@ TEST_P(Sweep, OpensOrLeavesNothing) {
   board::observe({});
   // The board's reading of its own design would take most of the allocations.
   const ExternalDesign other(allocations ? "" : ownRecords());
+  EXPECT_TRUE(Applet().opened());  // Missing names are logged.
   step("open", open, [&](int code, unsigned k) {
     if (allocations)
       EXPECT_TRUE(code == VELMORA_NO_DESIGN || code == VELMORA_NO_RUNTIME) << code;
