@@ -3,7 +3,6 @@
 #include <cmath>
 #include <limits>
 #include <memory>
-#include <new>
 #include <optional>
 #include <span>
 
@@ -74,7 +73,13 @@ int onInput(KTdevice* device, std::uint32_t input, bool valid, Use use) {
 
 using namespace board;
 
-KTdevice* VirtualBoard_createDevice() { return new (std::nothrow) KTdevice; }
+KTdevice* VirtualBoard_createDevice() {
+  try {
+    return new KTdevice;
+  } catch (...) {
+    return nullptr;
+  }
+}
 
 void VirtualBoard_destroyDevice(KTdevice* device) { delete device; }
 
