@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <string>
 #include <type_traits>
 #include <vector>
@@ -82,12 +83,19 @@ class Applet {
     return all;
   }
 
-  /// A parameter's description node, or null.
-  RegisterInfo* node(int id, unsigned port = 0) {
+  /// The description nodes of all parameters by id.
+  std::map<int, RegisterInfo*> nodes(unsigned port) {
+    std::map<int, RegisterInfo*> all;
     for (RegisterInfo* root = Fg_getParameterInfo(&grabber_, static_cast<int>(port)); root;
          root = root->next)
-      if (RegisterInfo* found = find(*root, id)) return found;
-    return nullptr;
+      collect(*root, all);
+    return all;
+  }
+  /// A parameter's description node, or null.
+  RegisterInfo* node(int id, unsigned port = 0) {
+    const auto all = nodes(port);
+    const auto found = all.find(id);
+    return found == all.end() ? nullptr : found->second;
   }
   bool writable(int id) {
     const RegisterInfo* described = node(id);
@@ -100,11 +108,12 @@ class Applet {
     const int code = Fg_getParameterWithType(&grabber_, id, &value, port, type);
     return {code, value};
   }
-  static RegisterInfo* find(RegisterInfo& node, int id) {
-    if (node.kind != REGISTER_INFO_GROUP) return node.id == id ? &node : nullptr;
-    for (std::uint32_t i = 0; i < node.value.group.childCount; ++i)
-      if (RegisterInfo* found = find(*node.value.group.children[i], id)) return found;
-    return nullptr;
+  static void collect(RegisterInfo& node, std::map<int, RegisterInfo*>& all) {
+    if (node.kind != REGISTER_INFO_GROUP)
+      all.emplace(node.id, &node);
+    else
+      for (std::uint32_t i = 0; i < node.value.group.childCount; ++i)
+        collect(*node.value.group.children[i], all);
   }
 
   KTdevice* device_;

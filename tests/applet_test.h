@@ -91,22 +91,26 @@ struct TranscriptLine {
 };
 
 /// By port and parameter all that can be read: value and code of a get, and the description.
-/// Without the pulses, which the design counts as it likes, and what follows from registers, whose
-/// writes stay when a later one fails.
+/// Without what the design counts by itself, and what follows from registers, whose writes stay
+/// when a later one fails.
 using Place = std::pair<unsigned, int>;
 using Sight = std::map<Place, std::pair<std::string, std::string>>;
 inline Sight sightOf(Applet& applet) {
   Sight all;
-  for (const int id : applet.ids())
-    for (unsigned port = 0; port < kPorts; ++port) {
-      if (id == FG_TRIGGEROUT_STATS_PULSECOUNT || id == FG_GEN_ACTIVE || id == FG_GEN_PASSIVE)
-        continue;
+  const auto ids = applet.ids();
+  for (unsigned port = 0; port < kPorts; ++port) {
+    const auto nodes = applet.nodes(port);
+    for (const int id : ids) {
       char value[32] = {};
       const int code = Fg_getParameterWithType(applet.fg(), id, value, port, FG_PARAM_TYPE_INT32);
-      const RegisterInfo* node = applet.node(id, port);
+      const auto node = nodes.find(id);
       all[{port, id}] = {std::string(value, sizeof value) + std::to_string(code),
-                         node ? limitsOf(*node) : ""};
+                         node == nodes.end() ? "" : limitsOf(*node->second)};
     }
+    for (const int id : {FG_TRIGGEROUT_STATS_PULSECOUNT, FG_TRIGGERIN_STATS_PULSECOUNT,
+                         FG_CAMERA_ACTION_COMMAND_PENDING_COUNT, FG_GEN_ACTIVE, FG_GEN_PASSIVE})
+      all.erase({port, id});
+  }
   return all;
 }
 

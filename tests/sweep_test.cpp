@@ -28,15 +28,6 @@ int outstanding() {
   return handles + designs + strings + memories;
 }
 
-/// What a session shows, without what the hardware counts.
-Sight shownBy(Applet& applet) {
-  Sight sight = sightOf(applet);
-  for (unsigned port = 0; port < kPorts; ++port)
-    for (const int id : {FG_CAMERA_ACTION_COMMAND_PENDING_COUNT, FG_TRIGGERIN_STATS_PULSECOUNT})
-      sight.erase({port, id});
-  return sight;
-}
-
 class Sweep : public testing::TestWithParam<bool> {
  protected:
   Sweep() {
@@ -98,18 +89,18 @@ class Sweep : public testing::TestWithParam<bool> {
   /// A set or get that a failure ends, and that changes nothing then. One that is refused changes
   /// nothing either, any other one its own port at most.
   void allOrNothing(const std::string& name, unsigned port, const Action& action) {
-    const Sight before = shownBy(host);
+    const Sight before = sightOf(host);
     const int code = step(name, action, [&](int code, unsigned) {
       EXPECT_EQ(code, allocations ? kThrown : kInjected);
       EXPECT_TRUE(allocations || host.lastError() == code);
-      EXPECT_EQ(differences(before, shownBy(host)), kNone);
+      EXPECT_EQ(differences(before, sightOf(host)), kNone);
     });
-    for (const auto& [place, id] : differences(before, shownBy(host)))
+    for (const auto& [place, id] : differences(before, sightOf(host)))
       // The debouncer serves all ports.
       EXPECT_TRUE(code == VELMORA_OK && (place == port || id == FG_TRIGGERIN_DEBOUNCE)) << name;
   }
 
-  void expectTheSame() { EXPECT_EQ(differences(shownBy(host), shownBy(reference)), kNone); }
+  void expectTheSame() { EXPECT_EQ(differences(sightOf(host), sightOf(reference)), kNone); }
 
   const bool allocations = GetParam();        ///< Whether these fail, not calls.
   const ExternalDesign design{ownRecords()};  // Loads faster than the image.
@@ -200,11 +191,11 @@ TEST_P(Sweep, ALoadCanBeRepeated) {
   };
   ASSERT_EQ(Fg_saveConfig(host.fg(), file.c_str()), VELMORA_OK);
   ASSERT_EQ(load(reference), VELMORA_OK);
-  const Sight loaded = shownBy(reference);
+  const Sight loaded = sightOf(reference);
   ASSERT_EQ(reset(reference), VELMORA_OK);
   step("load", load, [&](int code, unsigned) {
     EXPECT_EQ(code, allocations ? kThrown : VELMORA_OK);
-    const Sight after = shownBy(host);
+    const Sight after = sightOf(host);
     for (const auto& [port, id] : differences(after, loaded)) {
       const Parameter& p = *std::ranges::find(parameters(), id, &Parameter::id);
       const bool stored = p.writable() && p.kind != "time" && id != FG_AREATRIGGERMODE &&
@@ -212,7 +203,7 @@ TEST_P(Sweep, ALoadCanBeRepeated) {
       EXPECT_TRUE(!stored || after.at({port, id}).first == loaded.at({port, id}).first) << p.name;
     }
     EXPECT_EQ(load(host), VELMORA_OK);
-    EXPECT_EQ(differences(shownBy(host), loaded), kNone);
+    EXPECT_EQ(differences(sightOf(host), loaded), kNone);
     EXPECT_EQ(reset(host), VELMORA_OK);
     expectTheSame();
   });
