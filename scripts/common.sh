@@ -11,6 +11,7 @@ demo_packages=(
   "libfmt-dev:/usr/include/fmt/core.h"
   "libspdlog-dev:/usr/include/spdlog/spdlog.h"
   "zlib1g-dev:/usr/include/zlib.h"
+  "libpng-dev:/usr/include/png.h"
 )
 # Tests and benchmarks need these as well.
 test_packages=(
@@ -18,7 +19,6 @@ test_packages=(
   "libgtest-dev:/usr/include/gtest/gtest.h"
   "libgmock-dev:/usr/include/gmock/gmock.h"
   "libbenchmark-dev:/usr/include/benchmark/benchmark.h"
-  "libpng-dev:/usr/include/png.h"
   "libaravis-dev:/usr/include/aravis-0.8/arv.h"
   "pkg-config:/usr/bin/pkg-config"
   "locales:/usr/share/i18n/locales/de_DE"

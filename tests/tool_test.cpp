@@ -1,13 +1,17 @@
 /// The tool `velmora`, run as a user runs it: transcripts of a shell, `data/tool/*.txt`. Below each
 /// command are its output, its messages after "! " and its exit status if that is not 0; "## "
 /// begins a comment.
+#include <fmt/format.h>
 #include <gtest/gtest.h>
+#include <png.h>
 #include <sys/wait.h>
 
 #include <cstdlib>
 #include <fstream>
+#include <random>
 #include <sstream>
 
+#include "tests/picture_reference.h"
 #include "tests/temporary_directory.h"
 #include "tool/code_text.h"
 
@@ -20,7 +24,7 @@ constexpr const char* kPath = "${OTHER:+$OTHER:}$LIB";
 constexpr const char* kPath = "$OTHER";
 #endif
 
-class Tool : public testing::TestWithParam<const char*> {
+class Tool : public testing::Test {
  protected:
   /// The lines of a file, each after a prefix.
   static std::string lines(const std::string& file, const std::string& prefix) {
@@ -48,7 +52,9 @@ class Tool : public testing::TestWithParam<const char*> {
   TemporaryDirectory directory_;
 };
 
-TEST_P(Tool, SaysWhatTheTranscriptSays) {
+class Transcripts : public Tool, public testing::WithParamInterface<const char*> {};
+
+TEST_P(Transcripts, AreWhatTheToolSays) {
   const std::string file = std::string(TEST_DATA "/tool/") + GetParam() + ".txt";
   std::string said;
   std::ifstream stream(file);
@@ -60,6 +66,48 @@ TEST_P(Tool, SaysWhatTheTranscriptSays) {
   if (HasFailure()) std::ofstream(std::string(GetParam()) + ".txt") << said;
 }
 
+/// A grey picture of 8 or 16 bits and a coloured one, in the order of their names.
+TEST_F(Tool, PlaysFilesAsCamerasAndWritesWhatTheBoardMakesOfThem) {
+  constexpr int kWidth = 10, kHeight = 6;
+  std::mt19937 random(5);
+  const auto write = [&](const char* name, unsigned format, std::size_t bytes) {
+    Bytes pixels(kWidth * kHeight * bytes);
+    for (auto& byte : pixels) byte = static_cast<std::uint8_t>(random());
+    png_image image{};
+    image.version = PNG_IMAGE_VERSION;
+    image.width = kWidth;
+    image.height = kHeight;
+    image.format = format;
+    EXPECT_NE(
+        png_image_write_to_file(&image, (directory_ / name).c_str(), 0, pixels.data(), 0, nullptr),
+        0);
+    return pixels;
+  };
+  const Bytes grey = write("1.png", PNG_FORMAT_GRAY, 1);
+  const Bytes fine = write("2.png", PNG_FORMAT_LINEAR_Y, 2);
+  const Bytes colour = write("3.png", PNG_FORMAT_RGB, 3);
+  Bytes mosaic;
+  for (int y = 0; y < kHeight; ++y)
+    for (int x = 0; x < kWidth; ++x)
+      mosaic.push_back(colour[static_cast<std::size_t>(3 * (y * kWidth + x) + x % 2 + y % 2)]);
+  run("velmora acquire --port 1 --count 3 --camera 1=. -o out --set FG_WIDTH=8 --set "
+      "FG_HEIGHT=4 --set FG_GBE_CAMTYPE=MONO16");
+  const std::pair<const Bytes*, unsigned> raws[] = {{&grey, 8}, {&fine, 16}, {&mosaic, 8}};
+  for (int i = 0; i < 3; ++i) {
+    png_image image{};
+    image.version = PNG_IMAGE_VERSION;
+    const std::string file = directory_ / fmt::format("out/port1-{:06}.png", i + 1);
+    ASSERT_NE(png_image_begin_read_from_file(&image, file.c_str()), 0) << file;
+    image.format = PNG_FORMAT_BGR;
+    Bytes pixels(PNG_IMAGE_SIZE(image));
+    EXPECT_NE(png_image_finish_read(&image, nullptr, pixels.data(), 0, nullptr), 0);
+    const auto& [raw, bits] = raws[i];
+    EXPECT_EQ(pixels,
+              referencePicture({raw->data(), kWidth, kHeight, bits}, {.width = 8, .height = 4}))
+        << file;
+  }
+}
+
 TEST(Codes, HaveWords) {
   std::string said = velmora::tool::codeText(-4711) + '\n';
   std::ifstream header(ERROR_CODES);
@@ -69,7 +117,7 @@ TEST(Codes, HaveWords) {
   EXPECT_EQ(said, contentOf(TEST_DATA "/codes.txt"));
 }
 
-INSTANTIATE_TEST_SUITE_P(Files, Tool,
+INSTANTIATE_TEST_SUITE_P(Tool, Transcripts,
                          testing::Values("parameters", "refusals", "descriptions", "acquisition",
                                          "configurations", "designs", "hostile", "libraries",
                                          "help"));

@@ -33,6 +33,7 @@ AppletLibrary::AppletLibrary() : library_(open()) {
   find("Fg_AcquireEx", acquire);
   find("Fg_stopAcquireEx", stopAcquire);
   find("Fg_getLastPicNumberBlockingEx", waitForPicture);
+  find("Fg_getStatusEx", status);
   find("Fg_setParameterWithType", setParameter);
   find("Fg_getParameterWithType", getParameter);
   find("Fg_freeParameterStringWithType", freeString);

@@ -20,6 +20,7 @@ class AppletLibrary {
   decltype(::Fg_AcquireEx)* acquire;
   decltype(::Fg_stopAcquireEx)* stopAcquire;
   decltype(::Fg_getLastPicNumberBlockingEx)* waitForPicture;
+  decltype(::Fg_getStatusEx)* status;
 
   decltype(::Fg_setParameterWithType)* setParameter;
   decltype(::Fg_getParameterWithType)* getParameter;

@@ -15,6 +15,7 @@
 #include "tool/applet_library.h"
 #include "tool/code_text.h"
 #include "tool/commands.h"
+#include "tool/interrupts.h"
 #include "tool/session.h"
 #include "tool/text.h"
 
@@ -70,6 +71,8 @@ class CommandLine {
     try {
       const AppletLibrary library;
       command_(library);
+    } catch (const Interrupted&) {
+      return 128 + SIGINT;
     } catch (const Failure& failure) {
       std::fflush(stdout);
       for (const std::string& message : failure.messages()) report(message);
@@ -214,6 +217,36 @@ class CommandLine {
         ->type_name("N")
         ->required()
         ->check(range<std::int64_t>(1, std::numeric_limits<std::int64_t>::max()));
+    acquire
+        ->add_option("-o,--output", acquire_.output,
+                     "Write PNG files into a directory, or by a pattern such as\n"
+                     "'name-{port}-{number}.png'")
+        ->type_name("DIR");
+    acquire
+        ->add_option_function<std::vector<std::string>>(
+            "--camera",
+            [this](const std::vector<std::string>& texts) {
+              for (const auto& text : texts) acquire_.cameras.push_back(parseCameraFiles(text));
+            },
+            "Play the PNG files of a directory as the camera of a port")
+        ->type_name("PORT=DIR")
+        ->allow_extra_args(false);
+    acquire
+        ->add_option_function<std::vector<std::string>>(
+            "--trigger",
+            [this](const std::vector<std::string>& texts) {
+              for (const auto& text : texts) acquire_.triggers.push_back(parseTriggerTrain(text));
+            },
+            "Send pulses to a trigger input meanwhile")
+        ->type_name("input=N,rate=HZ[,pulses=N]")
+        ->allow_extra_args(false);
+    acquire
+        ->add_option("--software-trigger", acquire_.softwareTrigger,
+                     "Send software triggers meanwhile")
+        ->type_name("HZ")
+        ->check(range(0.001, 1e6));
+    acquire->add_option("--show", acquire_.shown, "Print parameters of the ports afterwards")
+        ->type_name("NAME[@PORT]");
     acquire->add_option("--timeout", acquire_.timeout, "Longest wait for a picture")
         ->type_name("SECONDS")
         ->check(range(0, std::numeric_limits<int>::max()))

@@ -10,6 +10,7 @@
 
 #include "tool/parameter_access.h"
 #include "tool/session.h"
+#include "tool/stimuli.h"
 
 namespace velmora::tool {
 
@@ -40,8 +41,14 @@ struct Acquisition {
   std::vector<unsigned> ports;
   std::int64_t pictures = 0;  ///< On each port.
   int timeout = 5;            ///< Seconds to wait for each picture.
+  std::string output;         ///< Directory or pattern of the PNG files; empty for none.
+  std::vector<CameraFiles> cameras;
+  std::vector<TriggerTrain> triggers;
+  double softwareTrigger = 0;      ///< Hz, on each port; 0 for none.
+  std::vector<std::string> shown;  ///< Parameters to print afterwards.
 };
-/// Acquires on several ports at the same time; reports pictures and rate of each.
+/// Acquires on several ports at the same time; reports pictures, rate and lost pictures of each.
+/// `Interrupted` at the end when a signal ended it.
 void acquirePictures(Session& session, const Acquisition& acquisition);
 
 /// Writes the settings of all ports to a configuration file. A failure names each value that is

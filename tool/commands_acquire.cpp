@@ -1,5 +1,6 @@
 /// acquire
 #include <fmt/format.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -8,38 +9,102 @@
 #include <condition_variable>
 #include <cstdio>
 #include <deque>
+#include <filesystem>
+#include <memory>
 #include <mutex>
 #include <thread>
 
 #include "tool/code_text.h"
 #include "tool/commands.h"
+#include "tool/interrupts.h"
+#include "tool/png_file.h"
+#include "tool/stimuli.h"
 #include "tool/text.h"
+#include "velmora/errors.h"
+#include "velmora/parameters.h"
+#include "velmora/values.h"
 
 namespace velmora::tool {
 namespace {
 
+namespace fs = std::filesystem;
 using Clock = std::chrono::steady_clock;
+using Seconds = std::chrono::duration<double>;
 
-/// One port's acquisition; runs on a thread of its own, since the wait for a picture blocks.
+constexpr std::uint32_t kBuffers = 16;
+constexpr Seconds kSlice{0.1};  ///< How long a wait may overlook an interrupt.
+
+void replace(std::string& text, std::string_view mark, const std::string& value) {
+  for (auto at = text.find(mark); at != std::string::npos; at = text.find(mark, at + value.size()))
+    text.replace(at, mark.size(), value);
+}
+
+/// The files of an acquisition: a directory, or a pattern with {port} and {number}.
+class PictureFiles {
+ public:
+  PictureFiles(const std::string& output, std::size_t ports) : pattern_(output) {
+    if (output.find('{') == std::string::npos) {
+      std::error_code error;
+      fs::create_directories(output, error);
+      if (!fs::is_directory(output))
+        throw Failure(fmt::format("{}: cannot be used as a directory", output));
+      pattern_ = fs::path(output) / "port{port}-{number}.png";
+    }
+    for (const auto& [mark, needed] : {std::pair{"{number}", true}, {"{port}", ports > 1}})
+      if (needed && pattern_.find(mark) == std::string::npos)
+        throw Failure(
+            fmt::format("{}: without {} pictures would take each other's place", output, mark));
+  }
+
+  std::string nameOf(const VirtualBoardPicture& picture) const {
+    std::string name = pattern_;
+    replace(name, "{port}", std::to_string(picture.port));
+    replace(name, "{number}", fmt::format("{:06}", picture.number));
+    return name;
+  }
+
+ private:
+  std::string pattern_;
+};
+
+struct DestroyMemory {
+  void operator()(VirtualBoardMemory* memory) const { VirtualBoard_destroyMemory(memory); }
+};
+
+/// One port's acquisition; runs on a thread of its own, since waiting and writing block. What it
+/// does not write in time is lost, and counted.
 class Channel {
  public:
-  explicit Channel(unsigned port) : port_(port) {}
+  Channel(Session& session, const Acquisition& acquisition, const PictureFiles* files,
+          unsigned port)
+      : session_(session), acquisition_(acquisition), files_(files), port_(port) {
+    if (!files_) return;
+    std::uint64_t bytes = 0;
+    session.library().getParameter(session.grabber(), FG_TRANSFER_LEN, &bytes, port,
+                                   FG_PARAM_TYPE_UINT64);
+    memory_.reset(VirtualBoard_createMemory(kBuffers, bytes, nullptr));
+    if (!memory_) throw Failure(fmt::format("port {}: no memory for its pictures", port));
+  }
 
-  void run(Session& session, const Acquisition& acquisition) {
-    const AppletLibrary& library = session.library();
-    Fg_Struct* const grabber = session.grabber();
-    const auto start = Clock::now();
-    if (!succeeded("start", library.acquire(grabber, port_, acquisition.pictures, 0, nullptr)))
-      return;
-    while (pictures_ < acquisition.pictures) {
-      const std::int64_t next = pictures_ + 1;
-      const std::int64_t last =
-          library.waitForPicture(grabber, next, port_, acquisition.timeout, 0);
-      if (!succeeded(fmt::format("picture {}", next), last)) break;
-      pictures_ = std::max(last, next);
+  bool start() {
+    begin_ = Clock::now();
+    started_ =
+        succeeded("start", session_.library().acquire(session_.grabber(), port_,
+                                                      acquisition_.pictures, 0, memory_.get()));
+    return started_;
+  }
+
+  void run() {
+    if (!started_) return;
+    try {
+      while (pictures_ < acquisition_.pictures && !Interrupts::came() && next()) continue;
+    } catch (const Failure& failure) {
+      failures_.add(failure);
     }
-    seconds_ = std::chrono::duration<double>(Clock::now() - start).count();
-    succeeded("stop", library.stopAcquire(grabber, port_, 0, 0));
+    seconds_ = Seconds(Clock::now() - begin_).count();
+    lost_ = session_.library().status(session_.grabber(), VELMORA_STATUS_LOST_PICTURES, 0,
+                                      static_cast<std::int32_t>(port_), nullptr);
+    succeeded("stop", session_.library().stopAcquire(session_.grabber(), port_, 0, 0));
   }
 
   /// May be called while the channel runs.
@@ -52,20 +117,64 @@ class Channel {
     const std::int64_t pictures = pictures_;
     const std::string rate =
         seconds_ > 0 ? fmt::format("{:.4g}", static_cast<double>(pictures) / seconds_) : "0";
-    return fmt::format("port {}: {} pictures in {:.3f} s, {} pictures/s", port_, pictures, seconds_,
-                       rate);
+    return fmt::format("port {}: {} pictures in {:.3f} s, {} pictures/s{}", port_, pictures,
+                       seconds_, rate, lost_ > 0 ? fmt::format(", {} lost", lost_) : "");
   }
   const Failures& failures() const { return failures_; }
 
  private:
+  /// Waits for a picture, and writes it; false when there is none.
+  bool next() {
+    const auto deadline = Clock::now() + std::chrono::seconds(acquisition_.timeout);
+    std::int64_t code = VELMORA_BOARD_TIMEOUT;
+    const auto wait = [&](Seconds left) { return memory_ ? take(left) : count(left); };
+    do code = wait(std::clamp<Seconds>(deadline - Clock::now(), Seconds{0}, kSlice));
+    while (code == VELMORA_BOARD_TIMEOUT && Clock::now() < deadline && !Interrupts::came());
+    if (code == VELMORA_BOARD_TIMEOUT && Interrupts::came()) return false;
+    // The rest of the pictures was lost.
+    if (memory_ && code == VELMORA_BOARD_NOT_STARTED)
+      pictures_ = acquisition_.pictures;
+    else
+      return succeeded(fmt::format("picture {}", pictures_ + 1), code);
+    return false;
+  }
+
+  std::int64_t take(Seconds longest) {
+    VirtualBoardPicture picture{};
+    const int code = VirtualBoard_takePicture(memory_.get(), longest.count(), &picture);
+    if (code != VELMORA_OK) return code;
+    pictures_ = picture.number;
+    if (picture.complete)
+      writePng(files_->nameOf(picture), picture);
+    else
+      failures_.add(
+          Failure(fmt::format("port {}: picture {} is incomplete", port_, picture.number)));
+    return VirtualBoard_returnBuffer(memory_.get(), picture.buffer);
+  }
+
+  /// Waits whole seconds only, as the runtime does, but never less than one that is left.
+  std::int64_t count(Seconds longest) {
+    const std::int64_t last = session_.library().waitForPicture(
+        session_.grabber(), pictures_ + 1, port_, longest.count() > 0 ? 1 : 0, 0);
+    if (last >= 0) pictures_ = std::max<std::int64_t>(last, pictures_ + 1);
+    return last;
+  }
+
   bool succeeded(const std::string& what, std::int64_t code) {
     if (code < 0)
       failures_.add(Failure(fmt::format("port {}: {}: {}", port_, what, codeText(code))));
     return code >= 0;
   }
 
+  Session& session_;
+  const Acquisition& acquisition_;
+  const PictureFiles* files_;
   unsigned port_;
+  std::unique_ptr<VirtualBoardMemory, DestroyMemory> memory_;
+  Clock::time_point begin_{};
+  bool started_ = false;
   std::atomic<std::int64_t> pictures_{0};
+  std::int64_t lost_ = 0;
   double seconds_ = 0;
   Failures failures_;
 };
@@ -80,7 +189,7 @@ class Countdown {
     changed_.notify_all();
   }
   /// Whether all were done within the time.
-  bool waitFor(std::chrono::milliseconds time) {
+  bool waitFor(Seconds time) {
     std::unique_lock guard(mutex_);
     return changed_.wait_for(guard, time, [this] { return count_ == 0; });
   }
@@ -91,56 +200,71 @@ class Countdown {
   std::size_t count_;
 };
 
-/// Progress that overwrites its line on a terminal and adds lines elsewhere.
+/// Progress in one line of the terminal, if standard error is one.
 class ProgressLine {
  public:
-  std::chrono::milliseconds interval() const {
-    return std::chrono::milliseconds(terminal_ ? 100 : 1000);
-  }
-  void show(const std::string& text) const {
-    fmt::print("{}{}{}", terminal_ ? "\r\x1b[K" : "", text, terminal_ ? "" : "\n");
-    std::fflush(stdout);
+  void show(const std::deque<Channel>& channels, std::int64_t wanted) const {
+    winsize size{};
+    if (!terminal_ || ioctl(STDERR_FILENO, TIOCGWINSZ, &size) != 0) return;
+    std::string line;
+    for (const Channel& channel : channels) line += channel.progress(wanted) + "  ";
+    line.resize(std::min<std::size_t>(line.size(), size.ws_col));
+    fmt::print(stderr, "\r\x1b[K{}", line);
   }
   void clear() const {
-    if (terminal_) fmt::print("\r\x1b[K");
+    if (terminal_) fmt::print(stderr, "\r\x1b[K");
   }
 
  private:
-  bool terminal_ = isatty(STDOUT_FILENO) != 0;
+  bool terminal_ = isatty(STDERR_FILENO) != 0;
 };
 
-std::string progress(const std::deque<Channel>& channels, std::int64_t wanted) {
-  std::string line;
-  for (const Channel& channel : channels)
-    line += (line.empty() ? "" : "  ") + channel.progress(wanted);
-  return line;
-}
-
-}  // namespace
-
-void acquirePictures(Session& session, const Acquisition& acquisition) {
-  std::deque<Channel> channels;  // Channels do not move.
-  for (const unsigned port : acquisition.ports) channels.emplace_back(port);
+void runAll(std::deque<Channel>& channels, std::int64_t wanted) {
   Countdown countdown(channels.size());
   std::vector<std::jthread> threads;
   threads.reserve(channels.size());
   for (Channel& channel : channels) {
     threads.emplace_back([&] {
-      channel.run(session, acquisition);
+      channel.run();
       countdown.done();
     });
   }
   const ProgressLine line;
-  do line.show(progress(channels, acquisition.pictures));
-  while (!countdown.waitFor(line.interval()));
+  do line.show(channels, wanted);
+  while (!countdown.waitFor(kSlice));
   line.clear();
-  threads.clear();
+}
+
+}  // namespace
+
+void acquirePictures(Session& session, const Acquisition& acquisition) {
+  std::optional<PictureFiles> files;
+  if (!acquisition.output.empty()) files.emplace(acquisition.output, acquisition.ports.size());
+  for (const CameraFiles& camera : acquisition.cameras) playFiles(session, camera);
+  const Interrupts interrupts;
+  std::deque<Channel> channels;  // Channels do not move.
+  for (const unsigned port : acquisition.ports)
+    channels.emplace_back(session, acquisition, files ? &*files : nullptr, port).start();
   Failures failures;
+  {
+    const SoftwareTrigger trigger(session, acquisition.ports, acquisition.softwareTrigger,
+                                  failures);
+    drive(session, acquisition.triggers, true);
+    runAll(channels, acquisition.pictures);
+    drive(session, acquisition.triggers, false);
+  }
   for (const Channel& channel : channels) {
     printLine(channel.result());
     failures.add(channel.failures());
   }
+  std::vector<std::string> shown;
+  for (const std::string& name : acquisition.shown)
+    for (const unsigned port : acquisition.ports)
+      shown.push_back(name.find('@') == std::string::npos ? fmt::format("{}@{}", name, port)
+                                                          : name);
+  if (!shown.empty()) getParameters(session, shown);
   failures.throwIfAny();
+  if (Interrupts::came()) throw Interrupted();
 }
 
 }  // namespace velmora::tool

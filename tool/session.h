@@ -47,6 +47,7 @@ class Session {
 
   const AppletLibrary& library() const { return library_; }
   Fg_Struct* grabber() { return &grabber_; }
+  KTdevice* device() const { return device_.get(); }
 
  private:
   struct DestroyDevice {
