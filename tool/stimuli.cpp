@@ -58,6 +58,8 @@ void playFiles(Session& session, const CameraFiles& camera) {
   std::ranges::sort(names);
   std::vector<RawPicture> raw;
   std::vector<VirtualBoardRawPicture> pictures;
+  raw.reserve(names.size());
+  pictures.reserve(names.size());
   for (const std::string& name : names) raw.push_back(readRawPng(name));
   for (const RawPicture& r : raw) pictures.push_back({r.pixels.data(), r.width, r.height, r.bits});
   const int code = VirtualBoard_setCameraPictures(
