@@ -22,15 +22,6 @@ std::string joined(const std::vector<std::string>& texts) {
   return line;
 }
 
-std::string entryList(const RegisterInfo& node) {
-  std::string list;
-  if (node.kind != REGISTER_INFO_ENUM) return list;
-  const auto& entries = node.value.enumeration;
-  for (std::uint32_t i = 0; i < entries.entryCount; ++i)
-    list += fmt::format("{}{} {}", i == 0 ? "" : ", ", entries.values[i], entryName(node, i));
-  return list;
-}
-
 /// What a parameter takes, in one line.
 std::string summary(const RegisterInfo& node) {
   return joined({rangeText(node), entryList(node), accessText(node)});

@@ -10,6 +10,7 @@
 #include "tool/parameter_description.h"
 #include "tool/parameter_values.h"
 #include "tool/text.h"
+#include "velmora/errors.h"
 #include "velmora/parameters.h"
 #include "velmora/values.h"
 
@@ -20,6 +21,42 @@ using Form = ValueKind::Form;
 
 Failure refusal(const Parameter& parameter, int code) {
   return Failure(fmt::format("{}: refused: {}", parameter.label(), codeText(code)));
+}
+
+/// The values that a parameter takes at the moment, after a refusal that is about them.
+std::string accepted(const Parameter& parameter, int code) {
+  if (!parameter.node || (code != VELMORA_OUT_OF_RANGE && code != VELMORA_STEP_VIOLATION))
+    return {};
+  const std::string entries = entryList(*parameter.node);
+  const std::string values = entries.empty() ? rangeText(*parameter.node) : entries;
+  return values.empty() ? values : fmt::format(": {}", values);
+}
+
+/// The name as the applet lists it: in any case, with or without its prefix.
+std::optional<std::string> listedName(Session& session, const std::string& name) {
+  const auto& library = session.library();
+  for (int i = 0; i < library.parameterCount(session.grabber()); ++i) {
+    const std::string listed = library.parameterName(session.grabber(), i);
+    if (equalIgnoringCase(listed, name) || equalIgnoringCase(listed, "FG_" + name)) return listed;
+  }
+  return std::nullopt;
+}
+
+/// Names that are almost this one, such as "; did you mean FG_WIDTH?".
+std::string similarNames(Session& session, const std::string& name) {
+  constexpr std::size_t kMostNames = 3;
+  const auto& library = session.library();
+  std::vector<std::pair<std::size_t, std::string>> near;
+  for (int i = 0; i < library.parameterCount(session.grabber()); ++i) {
+    const std::string listed = library.parameterName(session.grabber(), i);
+    const auto distance = std::min(editDistance(listed, name), editDistance(listed, "FG_" + name));
+    if (distance <= 1 + name.size() / 5) near.emplace_back(distance, listed);
+  }
+  std::ranges::sort(near);
+  near.resize(std::min(near.size(), kMostNames));
+  std::string names;
+  for (const auto& [distance, listed] : near) names += (names.empty() ? "" : ", ") + listed;
+  return names.empty() ? names : fmt::format("; did you mean {}?", names);
 }
 
 /// The kind of a parameter with a single value.
@@ -63,9 +100,18 @@ Assignment parseAssignment(const std::string& text) {
 std::string Parameter::label() const { return fmt::format("{}@{}", name, port); }
 
 Parameter findParameter(Session& session, const std::string& name, unsigned port) {
-  const int id = session.library().parameterIdByName(session.grabber(), name.c_str());
-  if (id < 0) throw Failure(fmt::format("{}: {}", name, codeText(id)));
-  return {name, id, port, findNode(session, port, id)};
+  const auto idOf = [&](const std::string& exact) {
+    return session.library().parameterIdByName(session.grabber(), exact.c_str());
+  };
+  std::string listed = name;
+  int id = idOf(name);
+  if (id < 0) {
+    listed = listedName(session, name).value_or(name);
+    id = idOf(listed);
+  }
+  if (id < 0)
+    throw Failure(fmt::format("{}: no such parameter{}", name, similarNames(session, name)));
+  return {listed, id, port, findNode(session, port, id)};
 }
 
 std::string readParameter(Session& session, const Parameter& parameter) {
@@ -87,7 +133,7 @@ void writeParameter(Session& session, const Parameter& parameter, const std::str
   const void* place = value.c_str();
   if (kind.form != Form::kText) {
     try {
-      bits = parseValue(session.library(), parameter.node, kind, value);
+      bits = parseValue(parameter.node, kind, value);
     } catch (const Failure& failure) {
       throw Failure(fmt::format("{}: {}", parameter.label(), failure.what()));
     }
@@ -95,7 +141,9 @@ void writeParameter(Session& session, const Parameter& parameter, const std::str
   }
   const int code = session.library().setParameter(session.grabber(), parameter.id, place,
                                                   parameter.port, kind.type);
-  if (code != 0) throw refusal(parameter, code);
+  if (code != 0)
+    throw Failure(fmt::format("{}: refused: {}{}", parameter.label(), codeText(code),
+                              accepted(parameter, code)));
 }
 
 std::string parameterText(Session& session, const Parameter& parameter) {

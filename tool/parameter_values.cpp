@@ -3,13 +3,11 @@
 #include <fmt/format.h>
 
 #include <bit>
-#include <cstdlib>
 #include <iterator>
 #include <optional>
 
 #include "tool/code_text.h"
 #include "tool/text.h"
-#include "velmora/info.h"
 #include "velmora/parameters.h"
 #include "velmora/values.h"
 
@@ -52,15 +50,12 @@ std::optional<Integer> parseInteger(std::string_view text) {
   return Integer{*magnitude, negative};
 }
 
-std::optional<int> namedValue(const AppletLibrary& library, const RegisterInfo* node,
-                              const std::string& name) {
-  const int value =
-      library.info(VELMORA_INFO_VALUE_OF_NAME, 0, 0, const_cast<char*>(name.c_str()), nullptr);
-  if (value >= 0) return value;
+/// The value of an entry of the parameter's own, in upper or lower case.
+std::optional<int> namedValue(const RegisterInfo* node, const std::string& name) {
   if (!node || node->kind != REGISTER_INFO_ENUM) return std::nullopt;
   const auto& entries = node->value.enumeration;
   for (std::uint32_t i = 0; i < entries.entryCount; ++i)
-    if (entryName(*node, i) == name) return entries.values[i];
+    if (equalIgnoringCase(entryName(*node, i), name)) return entries.values[i];
   return std::nullopt;
 }
 
@@ -84,19 +79,15 @@ const ValueKind& valueKind(const RegisterInfo* node, int id) {
   return kOtherKind;
 }
 
-std::uint64_t parseValue(const AppletLibrary& library, const RegisterInfo* node,
-                         const ValueKind& kind, const std::string& text) {
+std::uint64_t parseValue(const RegisterInfo* node, const ValueKind& kind, const std::string& text) {
   const bool real = kind.form == Form::kReal;
   if (real)
     if (const auto number = parseWhole<double>(text)) return realBits(*number);
-  auto integer = parseInteger(text);
-  if (!integer) {
-    const auto value = namedValue(library, node, text);
-    if (!value)
-      throw Failure(fmt::format("'{}' is neither {} nor a value name", text,
-                                real ? "a number" : "a whole number"));
-    integer = Integer{static_cast<std::uint64_t>(std::abs(std::int64_t{*value})), *value < 0};
-  }
+  if (const auto value = namedValue(node, text)) return static_cast<std::uint32_t>(*value);
+  const auto integer = parseInteger(text);
+  if (!integer && kind.kind == REGISTER_INFO_ENUM)
+    throw Failure(fmt::format("'{}' is none of {}", text, entryList(*node)));
+  if (!integer) throw Failure(fmt::format("'{}' is no {}number", text, real ? "" : "whole "));
   if (!real) return integerBits(*integer, kind.bits, text);
   const auto magnitude = static_cast<double>(integer->magnitude);
   return realBits(integer->negative ? -magnitude : magnitude);
@@ -118,6 +109,15 @@ std::string showValue(const RegisterInfo* node, const ValueKind& kind, std::uint
 std::string entryName(const RegisterInfo& enumeration, std::uint32_t entry) {
   const char* const identifier = enumeration.value.enumeration.identifiers[entry];
   return utf8(identifier ? identifier : enumeration.value.enumeration.names[entry]);
+}
+
+std::string entryList(const RegisterInfo& node) {
+  std::string list;
+  if (node.kind != REGISTER_INFO_ENUM) return list;
+  const auto& entries = node.value.enumeration;
+  for (std::uint32_t i = 0; i < entries.entryCount; ++i)
+    list += fmt::format("{}{} {}", i == 0 ? "" : ", ", entries.values[i], entryName(node, i));
+  return list;
 }
 
 }  // namespace velmora::tool

@@ -24,16 +24,17 @@ struct ValueKind {
 /// the runtime, except for the number of processes, which is the applet's own 32-bit answer.
 const ValueKind& valueKind(const RegisterInfo* node, int id);
 
-/// The bits of a value as the user wrote it: a decimal or hexadecimal (0x) number, or a value name
-/// that the applet or, for an enumeration, the description knows. `Failure` when it is neither or
-/// too wide; the applet checks ranges.
-std::uint64_t parseValue(const AppletLibrary& library, const RegisterInfo* node,
-                         const ValueKind& kind, const std::string& text);
+/// The bits of a value as the user wrote it: a decimal or hexadecimal (0x) number, or an entry of
+/// the parameter's own, in upper or lower case. `Failure` when it is neither or too wide; the
+/// applet checks ranges.
+std::uint64_t parseValue(const RegisterInfo* node, const ValueKind& kind, const std::string& text);
 
 /// The number, followed by its name where the parameter is an enumeration: "1 (FG_ON)".
 std::string showValue(const RegisterInfo* node, const ValueKind& kind, std::uint64_t bits);
 
 /// What an entry of an enumeration is called: its symbolic name, else its display text.
 std::string entryName(const RegisterInfo& enumeration, std::uint32_t entry);
+/// All of them, such as "1 FG_ON, 0 FG_OFF"; empty for another kind.
+std::string entryList(const RegisterInfo& node);
 
 }  // namespace velmora::tool

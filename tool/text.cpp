@@ -6,6 +6,8 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <numeric>
+#include <utility>
 
 #include "board/printable.h"
 #include "tool/code_text.h"
@@ -28,6 +30,10 @@ std::string utf8(std::string_view latin1) {
 
 namespace {
 
+char upper(char letter) {
+  return letter >= 'a' && letter <= 'z' ? static_cast<char>(letter - 'a' + 'A') : letter;
+}
+
 void print(std::FILE* stream, std::string_view line) {
   std::fputs((board::printable(line) + '\n').c_str(), stream);
 }
@@ -36,6 +42,24 @@ void print(std::FILE* stream, std::string_view line) {
 
 void printLine(std::string_view line) { print(stdout, line); }
 void printError(std::string_view line) { print(stderr, line); }
+
+bool equalIgnoringCase(std::string_view one, std::string_view other) {
+  return std::ranges::equal(one, other, {}, upper, upper);
+}
+
+std::size_t editDistance(std::string_view one, std::string_view other) {
+  std::vector<std::size_t> row(other.size() + 1);
+  std::iota(row.begin(), row.end(), std::size_t{0});
+  for (std::size_t i = 0; i < one.size(); ++i) {
+    std::size_t diagonal = std::exchange(row[0], i + 1);
+    for (std::size_t j = 0; j < other.size(); ++j) {
+      const std::size_t replaced = diagonal + (upper(one[i]) == upper(other[j]) ? 0 : 1);
+      diagonal = row[j + 1];
+      row[j + 1] = std::min({replaced, diagonal + 1, row[j] + 1});
+    }
+  }
+  return row.back();
+}
 
 void writeFile(const std::string& file, std::string_view content) {
   std::FILE* const stream = std::fopen(file.c_str(), "wb");

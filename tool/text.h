@@ -22,6 +22,11 @@ std::optional<Number> parseWhole(std::string_view text, Base... base) {
   return result.ec == std::errc{} && result.ptr == end ? std::optional(number) : std::nullopt;
 }
 
+/// Of ASCII letters.
+bool equalIgnoringCase(std::string_view one, std::string_view other);
+/// Number of letters to insert, remove or replace to make one text of the other, in any case.
+std::size_t editDistance(std::string_view one, std::string_view other);
+
 /// Writes a line to standard output or standard error; without one, nothing happens. Any thread.
 /// What of the line is not printable is shown as `board::printable` does: names, values and
 /// messages come from designs and files of others.
