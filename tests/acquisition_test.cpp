@@ -288,49 +288,59 @@ TEST_F(Acquisition, RefusesWhatItCannotUse) {
   EXPECT_EQ(VirtualBoard_createMemory(10, 0, nullptr), nullptr);
   EXPECT_EQ(VirtualBoard_createMemory(2, 4, holes), nullptr);
   EXPECT_EQ(VirtualBoard_createMemory(~0U, ~std::size_t{0} / 2, nullptr), nullptr);
-  const auto none = reinterpret_cast<VirtualBoardMemory*>(&other);
-  const auto handle = [](const void* memory) { return reinterpret_cast<std::intptr_t>(memory); };
-  makeSmall(0);
-  makeSmall(1);
-  const auto into = memory(1, 48);
-  EXPECT_EQ(codeOfTake(into), VELMORA_BOARD_NOT_STARTED);
-  EXPECT_EQ(start(into), VELMORA_OK);
-  EXPECT_EQ(start(into, 1), VELMORA_BOARD_MEMORY_IN_USE);
-  EXPECT_EQ(start(none, 1), VELMORA_BOARD_BAD_ARGUMENT);
-  EXPECT_EQ(Fg_getLastPicNumberEx(applet.fg(), 0, handle(into)), 0);
-  EXPECT_EQ(Fg_getLastPicNumberEx(applet.fg(), 0, handle(none)), VELMORA_BOARD_BAD_ARGUMENT);
-  EXPECT_EQ(Fg_stopAcquireEx(applet.fg(), 0, handle(none), 0), VELMORA_BOARD_BAD_ARGUMENT);
-  EXPECT_EQ(Fg_getStatusEx(applet.fg(), VELMORA_STATUS_ACQUIRING, 0, 0, none),
-            VELMORA_BOARD_BAD_ARGUMENT);
-  for (const double seconds : {-1.0, std::nan("")})
-    EXPECT_EQ(codeOfTake(into, seconds), VELMORA_BOARD_BAD_ARGUMENT);
-  EXPECT_EQ(VirtualBoard_takePicture(into, 1, nullptr), VELMORA_BOARD_NULL_VALUE);
-  for (const unsigned buffer : {0U, 1U})
-    EXPECT_EQ(VirtualBoard_returnBuffer(into, buffer), VELMORA_BOARD_BAD_ARGUMENT);
-  for (const auto memory : {none, static_cast<VirtualBoardMemory*>(nullptr)}) {
-    EXPECT_EQ(codeOfTake(memory), VELMORA_BOARD_NO_HANDLE);
-    EXPECT_EQ(VirtualBoard_returnBuffer(memory, 0), VELMORA_BOARD_NO_HANDLE);
-    EXPECT_EQ(VirtualBoard_destroyMemory(memory), VELMORA_BOARD_NO_HANDLE);
-  }
-  const Bytes raw(16);
-  KTdevice* const device = applet.device();
-  EXPECT_EQ(VirtualBoard_setCameraPictures(device, 0, 1, nullptr), VELMORA_BOARD_NULL_VALUE);
-  const VirtualBoardRawPicture bad[] = {{nullptr, 1, 1, 8}, {&raw, 0, 1, 8},     {&raw, 1, 0, 8},
-                                        {&raw, 8193, 1, 8}, {&raw, 1, 65536, 8}, {&raw, 1, 1, 12}};
-  for (const auto& picture : bad)
-    EXPECT_EQ(VirtualBoard_setCameraPictures(device, 0, 1, &picture), VELMORA_BOARD_BAD_ARGUMENT);
-  const VirtualBoardRawPicture good{raw.data(), 4, 4, 8};
-  EXPECT_EQ(VirtualBoard_setCameraPictures(device, kPorts, 1, &good), VELMORA_BOARD_BAD_DMA);
-  EXPECT_EQ(VirtualBoard_setCameraPictures(nullptr, 0, 1, &good), VELMORA_BOARD_NO_HANDLE);
-  EXPECT_EQ(VirtualBoard_setCameraFunction(device, 0, nullptr, nullptr, &good),
-            VELMORA_BOARD_NULL_VALUE);
+  EXPECT_EQ(VirtualBoard_outputs(nullptr), 0U);
+  for (const unsigned port : {1U, 2U}) makeSmall(port);
+  VirtualBoardMemory* const no = nullptr;
+  const auto none = reinterpret_cast<VirtualBoardMemory*>(&other), into = memory(1, 48);
+  const auto alien = reinterpret_cast<std::intptr_t>(none);
+  const auto fg = applet.fg();
+  const auto device = applet.device();
+  const auto fill = [](void*, std::uint32_t, std::int64_t, void*) { return 0; };
   VirtualBoardEvent event{};
-  EXPECT_EQ(VirtualBoard_takeEvent(nullptr, 0, &event), VELMORA_BOARD_NO_HANDLE);
-  EXPECT_EQ(VirtualBoard_takeEvent(device, 0, nullptr), VELMORA_BOARD_NULL_VALUE);
-  EXPECT_EQ(VirtualBoard_takeEvent(device, -1, &event), VELMORA_BOARD_BAD_ARGUMENT);
-  const auto before = time;
-  EXPECT_EQ(VirtualBoard_takeEvent(device, 0.5, &event), VELMORA_BOARD_TIMEOUT);
-  EXPECT_EQ(time - before, 500ms);
+  const auto playing = [&](const VirtualBoardRawPicture& raw) {
+    return VirtualBoard_setCameraPictures(device, 0, 1, &raw);
+  };
+  const VirtualBoardRawPicture good{&other, 2, 2, 8};
+  const std::pair<std::int64_t, int> calls[] = {
+      {codeOfTake(into), VELMORA_BOARD_NOT_STARTED},
+      {start(into, 2), VELMORA_OK},
+      {start(into, 1), VELMORA_BOARD_MEMORY_IN_USE},
+      {start(none, 1), VELMORA_BOARD_BAD_ARGUMENT},
+      {Fg_getLastPicNumberEx(fg, 2, reinterpret_cast<std::intptr_t>(into)), 0},
+      {Fg_getLastPicNumberEx(fg, 2, alien), VELMORA_BOARD_BAD_ARGUMENT},
+      {Fg_getLastPicNumberBlockingEx(fg, 1, 2, 0, alien), VELMORA_BOARD_BAD_ARGUMENT},
+      {Fg_stopAcquireEx(fg, 2, alien, 0), VELMORA_BOARD_BAD_ARGUMENT},
+      {Fg_getStatusEx(fg, VELMORA_STATUS_ACQUIRING, 0, 2, none), VELMORA_BOARD_BAD_ARGUMENT},
+      {codeOfTake(into, -1), VELMORA_BOARD_BAD_ARGUMENT},
+      {codeOfTake(into, std::nan("")), VELMORA_BOARD_BAD_ARGUMENT},
+      {VirtualBoard_takePicture(into, 1, nullptr), VELMORA_BOARD_NULL_VALUE},
+      {VirtualBoard_returnBuffer(into, 0), VELMORA_BOARD_BAD_ARGUMENT},
+      {VirtualBoard_returnBuffer(into, 1), VELMORA_BOARD_BAD_ARGUMENT},
+      {codeOfTake(none), VELMORA_BOARD_NO_HANDLE},
+      {codeOfTake(no), VELMORA_BOARD_NO_HANDLE},
+      {VirtualBoard_returnBuffer(no, 0), VELMORA_BOARD_NO_HANDLE},
+      {VirtualBoard_holdBuffer(none, 0), VELMORA_BOARD_NO_HANDLE},
+      {VirtualBoard_addBuffer(no, &other), VELMORA_BOARD_NO_HANDLE},
+      {VirtualBoard_destroyMemory(none), VELMORA_BOARD_NO_HANDLE},
+      {VirtualBoard_setCameraPictures(device, 0, 1, nullptr), VELMORA_BOARD_NULL_VALUE},
+      {VirtualBoard_setCameraPictures(device, kPorts, 1, &good), VELMORA_BOARD_BAD_DMA},
+      {VirtualBoard_setCameraPictures(nullptr, 0, 1, &good), VELMORA_BOARD_NO_HANDLE},
+      {VirtualBoard_setCameraFunction(device, 0, nullptr, nullptr, &good),
+       VELMORA_BOARD_NULL_VALUE},
+      {VirtualBoard_setCameraFunction(device, 0, fill, nullptr, nullptr), VELMORA_BOARD_NULL_VALUE},
+      {playing({nullptr, 1, 1, 8}), VELMORA_BOARD_BAD_ARGUMENT},
+      {playing({&other, 0, 1, 8}), VELMORA_BOARD_BAD_ARGUMENT},
+      {playing({&other, 1, 0, 8}), VELMORA_BOARD_BAD_ARGUMENT},
+      {playing({&other, 8193, 1, 8}), VELMORA_BOARD_BAD_ARGUMENT},
+      {playing({&other, 1, 65536, 8}), VELMORA_BOARD_BAD_ARGUMENT},
+      {playing({&other, 1, 1, 12}), VELMORA_BOARD_BAD_ARGUMENT},
+      {VirtualBoard_takeEvent(nullptr, 0, &event), VELMORA_BOARD_NO_HANDLE},
+      {VirtualBoard_takeEvent(device, 0, nullptr), VELMORA_BOARD_NULL_VALUE},
+      {VirtualBoard_takeEvent(device, -1, &event), VELMORA_BOARD_BAD_ARGUMENT},
+      {VirtualBoard_takeEvent(device, 0.5, &event), VELMORA_BOARD_TIMEOUT},
+  };
+  for (const auto& [code, expected] : calls) EXPECT_EQ(code, expected) << &code - &calls[0].first;
+  EXPECT_EQ(time, 1500ms);
 }
 
 TEST_F(Acquisition, WithoutMemoryAPictureStaysDue) {

@@ -143,6 +143,7 @@ TEST(Pictures, CameraShowsAChartWithThePortAndAMovingDisc) {
   EXPECT_EQ(colour(0, 1, 700, 100), "..X");
   EXPECT_EQ(colour(0, 1, 450, 100), ".X.");
   EXPECT_EQ(colour(0, 1, 830, 100), "X..");
+  EXPECT_EQ(colour(0, 30, 1000, 448), "XXX");
   EXPECT_EQ(colour(0, 1, 640, 640), "x..");  // 0 has a dot where 1 has none.
   EXPECT_EQ(colour(1, 1, 640, 640), "XXX");
   EXPECT_EQ(colour(0, 10, 80, 448), ".xX");
