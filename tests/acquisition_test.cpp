@@ -9,6 +9,7 @@
 #include "tests/applet_test.h"
 #include "tests/fakes/allocation_hook.h"
 #include "tests/picture_reference.h"
+#include "tests/test_clock.h"
 
 namespace {
 
@@ -21,17 +22,6 @@ using testing::ElementsAre;
 
 constexpr std::int64_t kEndless = -1;
 constexpr nanoseconds kFrame{33333334};  ///< Of the free-running camera.
-
-/// Time that goes on when somebody waits, or a test says so.
-struct TestClock {
-  TestClock() {
-    board::setClock([this] { return time; }, [this](auto pause) { time += pause; });
-  }
-  TestClock(const TestClock&) = delete;
-  ~TestClock() { board::setClock({}, {}); }
-
-  nanoseconds time{1s};
-};
 
 class Acquisition : public TestClock, public testing::Test {
  protected:

@@ -6,25 +6,17 @@
 #include <vector>
 
 #include "board/printable.h"
-#include "board_session.h"
+#include "tests/board_session.h"
+#include "tests/test_clock.h"
 #include "velmora/parameters.h"
 
 namespace {
 
 using namespace std::chrono_literals;
-using Writes = std::vector<std::pair<std::string, uint64_t>>;
 
 constexpr const char* kLength = "Device1_Process0_Buffer_XLength";
 
-/// Time goes on only when a test says so, or while somebody sleeps.
-class Board : public testing::Test {
- protected:
-  Board() {
-    board::setClock([this] { return time; }, [this](auto pause) { time += pause; });
-  }
-  ~Board() override { board::setClock({}, {}); }
-  std::chrono::nanoseconds time{1s};
-};
+class Board : public TestClock, public testing::Test {};
 
 TEST_F(Board, AnswersWithItsCodes) {
   const BoardSession session;
@@ -108,33 +100,6 @@ TEST_F(Board, GoesByTheSteadyClockWithoutAnother) {
   ASSERT_GE(Fg_getLastPicNumberEx(session.fg, 0, 0), 2);  // Of 30 a second.
   EXPECT_GE(Fg_getLastPicNumberBlockingEx(session.fg, 9, 0, 60, 0), 9);
   EXPECT_EQ(time, 1s);
-}
-
-TEST_F(Board, CountsPicturesAtTheRateOfTheSimulator) {
-  // 1000 units a line, 1000 lines, 8 of 25 cycles: 40 pictures a second.
-  const Writes simulator{{"CamGenEnable0", 1},   {"CamGenStart0", 1},  {"CamGenLineWidth0", 1000},
-                         {"CamGenHeight0", 999}, {"CamGenActive0", 7}, {"CamGenPassive0", 16}};
-  const struct {
-    Writes more;
-    int64_t pictures;
-  } rows[] = {
-      {{}, 400},
-      {{{"CamGenPassive0", ~0ULL}}, 1250},
-      {{{"CamGenLineWidth0", 1}, {"CamGenHeight0", 0}}, 400000000},
-      {{{"CamGenHeight0", 4294967295}}, 0},
-      {{{"CamGenStart0", 0}}, 0},
-      {{{"CamGenEnable0", 0}}, 300},
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(&row - rows);
-    const BoardSession session;
-    for (const unsigned dma : {0U, 3U}) Fg_AcquireEx(session.fg, dma, -1, 0, nullptr);
-    for (const auto& writes : {simulator, row.more})
-      for (const auto& [name, value] : writes) EXPECT_EQ(session.set(name, value), 0) << name;
-    time += 10s;
-    EXPECT_EQ(Fg_getLastPicNumberEx(session.fg, 0, 0), row.pictures);
-    EXPECT_EQ(Fg_getLastPicNumberEx(session.fg, 3, 0), 300);
-  }
 }
 
 TEST(Printable, KeepsTextAndShowsBytesThatAreNone) {

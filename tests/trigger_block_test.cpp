@@ -7,6 +7,7 @@
 #include <random>
 
 #include "tests/applet_test.h"
+#include "tests/test_clock.h"
 
 namespace {
 
@@ -16,16 +17,9 @@ using std::chrono::nanoseconds;
 
 const std::string kPrefix = "Device1_Process4_Trigger_";
 
-class TriggerBlock : public testing::TestWithParam<unsigned> {
+class TriggerBlock : public TestClock, public testing::TestWithParam<unsigned> {
  protected:
-  TriggerBlock() {
-    board::setClock([this] { return time; }, [this](auto pause) { time += pause; });
-    open();
-  }
-  ~TriggerBlock() override {
-    applet.reset();
-    board::setClock({}, {});
-  }
+  TriggerBlock() { open(); }
 
   void open() {
     applet.reset();
@@ -121,7 +115,7 @@ class TriggerBlock : public testing::TestWithParam<unsigned> {
   }
 
   const unsigned port = GetParam();
-  nanoseconds time{1s}, start{};
+  nanoseconds start{};
   std::unique_ptr<Applet> applet;
   KTdevice* device = nullptr;
   std::uint64_t listened = 0;
