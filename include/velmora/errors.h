@@ -46,7 +46,7 @@ enum VelmoraBoardError {
   VELMORA_BOARD_REGISTER_READ_ONLY = -2091,  ///< Register that only the design writes.
   VELMORA_BOARD_ALREADY_STARTED = -2110,     ///< Acquisition runs on the channel.
   VELMORA_BOARD_NOT_STARTED = -2111,         ///< No acquisition runs, or ran, on the channel.
-  VELMORA_BOARD_BUFFER_TOO_SMALL = -2112,    ///< Picture memory with buffers smaller than a picture.
-  VELMORA_BOARD_MEMORY_IN_USE = -2113,       ///< Another channel uses the picture memory.
-  VELMORA_BOARD_TIMEOUT = -2120              ///< The picture or event did not arrive in time.
+  VELMORA_BOARD_BUFFER_TOO_SMALL = -2112,  ///< Picture memory with buffers smaller than a picture.
+  VELMORA_BOARD_MEMORY_IN_USE = -2113,     ///< Another channel uses the picture memory.
+  VELMORA_BOARD_TIMEOUT = -2120            ///< The picture or event did not arrive in time.
 };
