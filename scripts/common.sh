@@ -22,6 +22,9 @@ test_packages=(
   "libaravis-dev:/usr/include/aravis-0.8/arv.h"
   "pkg-config:/usr/bin/pkg-config"
   "locales:/usr/share/i18n/locales/de_DE"
+  "dpkg-dev:/usr/bin/dpkg-shlibdeps"
+  "file:/usr/bin/file"
+  "python3:/usr/bin/python3"
 )
 
 # install_missing PACKAGE:FILE...

@@ -89,7 +89,9 @@ enum VelmoraParameter {
   FG_TRIGGERIN_STATS_MINMAXFREQUENCY_CLEAR = 300212,  ///< `Switch` (FG_APPLY), read/write.
 
   FG_TRIGGER_MULTIPLY_PULSES = 300213,  ///< uint32, 1 to 65535, read/write.
-  FG_TRIGGERQUEUE_MODE = 300214,        ///< `Switch` (FG_OFF, FG_ON), read/write.
+  FG_TRIGGERQUEUE_MODE = 300214,        ///< `Switch` (FG_OFF, FG_ON), read/write. In
+                                        ///< `ATM_GENERATOR` it is stored and does nothing, also
+                                        ///< later: choose the mode first.
   FG_TRIGGERQUEUE_FILLLEVEL = 300215,   ///< uint32, pulses, 0 to 2040, read only.
 
   FG_TRIGGER_QUEUE_FILLLEVEL_EVENT_ON_THRESHOLD = 300240,   ///< uint32, pulses, 2 to 2047,
@@ -125,3 +127,6 @@ enum VelmoraParameter {
   // A get takes a parameter's name from the value and returns that parameter's description.
   FG_PARAM_DESCR = 24114  ///< text, read only. Has no index; not found by name.
 };
+
+/// Bytes that are enough for any text of a parameter, terminating zero included.
+enum { VELMORA_TEXT_ROOM = 256 };

@@ -87,6 +87,6 @@ struct RegisterInfo {
   struct RegisterInfo* prev;  ///< Root groups: the next newer root group of the process.
   uint32_t level;             ///< Groups: 0 for a root group, parent's level + 1 below.
   char* parentName;           ///< Sub-groups: the parent group's name; null otherwise.
-  char* unit;                 ///< Unit text; null when there is none.
+  char* unit;                 ///< Such as "\xB5s"; null when there is none.
   int32_t process;            ///< Process (camera port) the node belongs to.
 };

@@ -7,6 +7,9 @@
 /// of `velmora/errors.h` or of the libraries around the applet. A set or get succeeds with 0 only:
 /// codes of those libraries may be positive.
 ///
+/// Texts end in a zero and are ASCII, except that the micro sign in units is the single byte 0xB5.
+/// What a host passes in is compared byte by byte.
+///
 /// Threads: `Std_entry` and `Fg_FreeGrabber` must not overlap other calls on the same handle. Sets
 /// and gets may come from any thread; they run one after the other. These must not overlap sets on
 /// the same handle, nor a load:
@@ -105,8 +108,8 @@ int Fg_setParameterWithType(Fg_Struct* fg, int id, const void* value, unsigned d
 /// Reads SDK parameter `id` of port `dma` into `value`, which must have room for the parameter: 4
 /// bytes, 8 for doubles; for types 3 and 4 the 8 bytes are cleared first. With type 22 the text
 /// parameters store a `char*` to be given back with `Fg_freeParameterStringWithType`; with any
-/// other type they copy the text, which must fit. `FG_PARAM_DESCR` takes the name to describe from
-/// `value`.
+/// other type they copy the text; `VELMORA_TEXT_ROOM` bytes are enough. `FG_PARAM_DESCR` takes the
+/// name to describe from `value`.
 /// @return 0; -2070 null value, unknown id or port; else the design's or runtime's code. Recorded.
 int Fg_getParameterWithType(Fg_Struct* fg, int id, void* value, unsigned dma, int type);
 
@@ -155,11 +158,18 @@ int Fg_getParameterInfoXML(Fg_Struct* fg, int port, char* buffer, size_t* size);
 /// such port.
 struct RegisterInfo* Fg_getParameterInfo(Fg_Struct* fg, int port);
 
+/// @name Events
+/// The applet knows what the events of the design are called and in which bit of a mask each one
+/// is. The events themselves come from whoever drives the board: the virtual board records those of
+/// a mask after `VirtualBoard_enableEvents`, and `VirtualBoard_takeEvent` waits for them.
+/// @{
+
 /// Mask of the event called `name`; 0 and -2070 recorded when there is none.
 uint64_t Fg_getEventMask(Fg_Struct* fg, const char* name);
 /// Name of the event with exactly this mask, valid while the instance lives; null and -2070
 /// recorded when there is none.
 const char* Fg_getEventName(Fg_Struct* fg, uint64_t mask);
+/// @}
 
 /// Result recorded by the latest call that records one.
 int Fg_getLastErrorNumber(Fg_Struct* fg);
