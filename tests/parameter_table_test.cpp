@@ -41,7 +41,8 @@ std::string rangeOf(const RegisterInfo& node, const RegisterInfo& onPort0) {
 std::string helpOf(Applet& applet, const std::string& name) {
   const std::string beyond(1000, '#');
   std::string text = name + std::string(VELMORA_TEXT_ROOM - name.size(), '\0') + beyond;
-  EXPECT_EQ(Fg_getParameterWithType(applet.fg(), FG_PARAM_DESCR, text.data(), 0, 0), VELMORA_OK);
+  const unsigned port = static_cast<unsigned>(name.size()) % kPorts;
+  EXPECT_EQ(Fg_getParameterWithType(applet.fg(), FG_PARAM_DESCR, text.data(), port, 2), VELMORA_OK);
   EXPECT_EQ(text.substr(VELMORA_TEXT_ROOM), beyond) << name;
   return text.c_str();
 }

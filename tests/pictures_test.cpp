@@ -90,30 +90,15 @@ TEST(Pictures, TheLinkCarriesEachFormat) {
 }
 
 TEST(Pictures, GainsAreTakenToTheNearestStepAndRounded) {
-  const struct {
-    double gain;
-    std::uint8_t grey;
-    std::uint8_t result;
-  } cases[] = {{1026.49 / 1024, 200, 200},
-               {1026.51 / 1024, 200, 201},
-               {0.5, 1, 1},
-               {0.5, 3, 2},
-               {1.5, 170, 255},
-               {1.5, 171, 255},
-               {0, 255, 0},
-               {4, 50, 200},
-               {kInfinity, 60, 240},
-               {-kInfinity, 60, 0},
-               {kNan, 60, 0},
-               {-1, 60, 0},
-               {1e300, 255, 255},
-               {3.9990234375, 1, 4},
-               {1e-300, 255, 0}};
-  for (const auto& [gain, grey, result] : cases) {
-    const Bytes raw(16, grey);
+  const double gains[] = {1026.49 / 1024, 1026.51 / 1024, 0.5,  0.5, 1.5,   1.5,          0,     4,
+                          kInfinity,      -kInfinity,     kNan, -1,  1e300, 3.9990234375, 1e-300};
+  const std::uint8_t greys[] = {200, 200, 1, 3, 170, 171, 255, 50, 60, 60, 60, 60, 255, 1, 255};
+  const std::uint8_t results[] = {200, 201, 1, 2, 255, 255, 0, 200, 240, 0, 0, 0, 255, 4, 0};
+  for (std::size_t i = 0; i < std::size(gains); ++i) {
+    const Bytes raw(16, greys[i]);
     const PicturePath path{
-        .width = 4, .height = 4, .blueGain = gain, .greenGain = gain, .redGain = gain};
-    EXPECT_THAT(render(board::HostPicture{raw.data(), 4, 4}, path), Each(result)) << gain;
+        .width = 4, .height = 4, .blueGain = gains[i], .greenGain = gains[i], .redGain = gains[i]};
+    EXPECT_THAT(render(board::HostPicture{raw.data(), 4, 4}, path), Each(results[i])) << gains[i];
   }
 }
 
