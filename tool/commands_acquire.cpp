@@ -125,11 +125,13 @@ class Channel {
  private:
   /// Waits for a picture, and writes it; false when there is none.
   bool next() {
-    const auto deadline = Clock::now() + std::chrono::seconds(acquisition_.timeout);
     std::int64_t code = VELMORA_BOARD_TIMEOUT;
-    const auto wait = [&](Seconds left) { return memory_ ? take(left) : count(left); };
-    do code = wait(std::clamp<Seconds>(deadline - Clock::now(), Seconds{0}, kSlice));
-    while (code == VELMORA_BOARD_TIMEOUT && Clock::now() < deadline && !Interrupts::came());
+    Seconds left(acquisition_.timeout);  // By the board's clock.
+    do {
+      const Seconds slice = std::min(left, memory_ ? kSlice : Seconds{1});
+      code = memory_ ? take(slice) : count(slice);
+      left -= slice;
+    } while (code == VELMORA_BOARD_TIMEOUT && left > Seconds{0} && !Interrupts::came());
     if (code == VELMORA_BOARD_TIMEOUT && Interrupts::came()) return false;
     // The rest of the pictures was lost.
     if (memory_ && code == VELMORA_BOARD_NOT_STARTED)
@@ -152,10 +154,10 @@ class Channel {
     return VirtualBoard_returnBuffer(memory_.get(), picture.buffer);
   }
 
-  /// Waits whole seconds only, as the runtime does, but never less than one that is left.
+  /// The runtime waits whole seconds.
   std::int64_t count(Seconds longest) {
     const std::int64_t last = session_.library().waitForPicture(
-        session_.grabber(), pictures_ + 1, port_, longest.count() > 0 ? 1 : 0, 0);
+        session_.grabber(), pictures_ + 1, port_, static_cast<std::int32_t>(longest.count()), 0);
     if (last >= 0) pictures_ = std::max<std::int64_t>(last, pictures_ + 1);
     return last;
   }
