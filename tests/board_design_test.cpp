@@ -1,10 +1,8 @@
 // Designs: images and files that are none, external manifests, devices that change theirs.
-#include <new>
 #include <set>
 #include <utility>
 
 #include "board_session.h"
-#include "fakes/allocation_hook.h"
 #include "temporary_directory.h"
 #include "velmora/register_info.h"
 
@@ -140,55 +138,6 @@ TEST(BoardDesign, AnotherDesignTakesADeviceOverWhenItIsFree) {
   EXPECT_EQ(Fg_FreeGrabber(fg), 0);
   for (auto* design : designs) HapUnloadHapFile(design);
   EXPECT_EQ(board::outstanding().handles + board::outstanding().designs, 0);
-  VirtualBoard_destroyDevice(device);
-}
-
-/// Runs `step` with the first allocation failing, then the second and so on, until it succeeds.
-/// `check` follows each attempt.
-template <class Step, class Check>
-int untilMemorySuffices(Step step, Check check) {
-  for (int failed = 0;; ++failed) {
-    bool done = false;
-    {
-      const fakes::FailingAllocation noMemory(failed);
-      try {
-        done = step();
-      } catch (const std::bad_alloc&) {
-      }
-    }
-    check();
-    if (done) return failed;
-  }
-}
-
-TEST(BoardDesign, WithoutMemoryNothingIsHandedOut) {
-  board::startJournal();
-  fpga_design* design = nullptr;
-  const auto load = [&] { return (design = loadRecords("string Text rw channel old")) != nullptr; };
-  EXPECT_GT(
-      untilMemorySuffices(load, [&] { EXPECT_EQ(board::outstanding().designs, design ? 1 : 0); }),
-      10);
-  KTdevice* const device = VirtualBoard_createDevice();
-  Fg_Struct* fg = nullptr;
-  const auto open = [&] { return (fg = Fg_InitHandle("", device, design)) != nullptr; };
-  EXPECT_GT(untilMemorySuffices(open, [&] { EXPECT_EQ(board::outstanding().handles, fg ? 1 : 0); }),
-            10);
-  const int id = Fg_getParameterIdByName(fg, "Text");
-  char* text = nullptr;
-  const auto get = [&] { return Fg_getParameterWithType(fg, id, &text, 3, 22) == 0; };
-  EXPECT_GT(
-      untilMemorySuffices(get, [&] { EXPECT_EQ(board::outstanding().strings, text ? 1 : 0); }), 0);
-  EXPECT_STREQ(text, "old");
-  EXPECT_EQ(Fg_freeParameterStringWithType(fg, id, text, 3, 22), 0);
-  board::stopJournal();
-
-  // The device was not taken by the attempts that failed.
-  EXPECT_EQ(Fg_FreeGrabber(fg), 0);
-  fpga_design* const other = loadRecords("register A 8 rw");
-  EXPECT_NE(fg = Fg_InitHandle("", device, other), nullptr);
-  Fg_FreeGrabber(fg);
-  HapUnloadHapFile(other);
-  HapUnloadHapFile(design);
   VirtualBoard_destroyDevice(device);
 }
 

@@ -1,5 +1,4 @@
 // The virtual board: codes, picture rates and printable text.
-#include <chrono>
 #include <string>
 #include <thread>
 #include <utility>

@@ -116,7 +116,8 @@ TEST_P(Sweep, OpensOrLeavesNothing) {
   reference.close();
   board::observe({});
   // The board's reading of its own design would take most of the allocations.
-  const ExternalDesign other(allocations ? "" : ownRecords());
+  const ExternalDesign other(allocations ? "string Text rw channel old" : ownRecords());
+  const EnvironmentVariable dra("KORV_ENABLE_DRA", "1"), dkta("KORV_ENABLE_DKTA", "1");
   EXPECT_TRUE(Applet().opened());  // Missing names are logged.
   step("open", open, [&](int code, unsigned k) {
     if (allocations)
@@ -128,6 +129,17 @@ TEST_P(Sweep, OpensOrLeavesNothing) {
     host.close();
     EXPECT_EQ(outstanding(), left);
   });
+  if (allocations) {  // The device has all of the design.
+    const int id = Fg_getParameterIdByName(host.fg(), "DKTA_Text");
+    char* text = nullptr;
+    ASSERT_EQ(Fg_getParameterWithType(host.fg(), id, &text, 3, FG_PARAM_TYPE_STRING), VELMORA_OK);
+    EXPECT_STREQ(text, "old");
+    Fg_freeParameterStringWithType(host.fg(), id, text, 3, FG_PARAM_TYPE_STRING);
+  }
+  // It is free for another one.
+  host.close();
+  const ExternalDesign another("register A 8 rw");
+  EXPECT_EQ(open(host), VELMORA_OK);
 }
 
 /// Those of all transcripts, on every port, as they come.
@@ -145,12 +157,20 @@ TEST_P(Sweep, SetsAndGetsAreAllOrNothing) {
       }
 }
 
+/// The applet's own and one of the runtime.
 TEST_P(Sweep, ATextIsHandedOutOrNot) {
-  allOrNothing("text", 0, [](Applet& applet) {
-    char* text = nullptr;
-    const int code = Fg_getParameterWithType(applet.fg(), FG_HAP_FILE, &text, 0, 22);
-    return code ? code : Fg_freeParameterStringWithType(applet.fg(), FG_HAP_FILE, text, 0, 22);
-  });
+  for (const int id : {FG_HAP_FILE, FG_NR_OF_DMAS}) {
+    std::map<Applet*, char*> texts{{&host, nullptr}, {&reference, nullptr}};
+    const auto get = [&](Applet& applet) {
+      return Fg_getParameterWithType(applet.fg(), id, &texts[&applet], 0, FG_PARAM_TYPE_STRING);
+    };
+    step("text", get, [&](int code, unsigned) {
+      EXPECT_EQ(code, allocations ? kThrown : kInjected);
+      EXPECT_EQ(texts[&host], nullptr);
+    });
+    for (const auto& [applet, text] : texts)
+      EXPECT_EQ(Fg_freeParameterStringWithType(applet->fg(), id, text, 0, 22), VELMORA_OK);
+  }
 }
 
 TEST_P(Sweep, ADocumentIsWholeOrRefused) {
