@@ -119,7 +119,7 @@ TEST(Codes, HaveWords) {
 
 INSTANTIATE_TEST_SUITE_P(Tool, Transcripts,
                          testing::Values("parameters", "refusals", "descriptions", "acquisition",
-                                         "configurations", "designs", "hostile", "libraries",
-                                         "help"));
+                                         "configurations", "files", "designs", "hostile",
+                                         "libraries", "help"));
 
 }  // namespace
