@@ -47,30 +47,6 @@ TEST(BoardDesign, RefusesDamagedImages) {
   }
 }
 
-TEST(BoardDesign, JudgesManifests) {
-  EXPECT_EQ(HapLoadHapFileWithType("/nonexistent/Velmora.hap", 3652, 1), nullptr);
-  for (const char* text : {"", "velmora-design 1\nend\n", "velmora-design 1\nboard 3653\nend\n",
-                           "velmora-design 2\nboard 3652\nend\n"}) {
-    EXPECT_FALSE(accepted(loadText(text))) << text;
-  }
-  for (const char* good : {"# comment\n\n  register  A 33\trw", "register A{0-3}_{5-6} 8 ro",
-                           "enum A rw shared X=-1 Y=2 unit=V initial=2"}) {
-    EXPECT_TRUE(accepted(loadRecords(good))) << good;
-  }
-  for (const char* bad :
-       {"register A 33", "register A 65 rw", "register A 8 rw\nregister A 8 rw",
-        "register A{3-0} 8 rw", "register A{0-3 8 rw", "register A{0-9999}{0-9999} 8 rw",
-        "event E{0-1} 1\nevent E1 1", "uint A rw shared 0 4294967296 1",
-        "int A rw shared 0 1 1 initial=x", "string A rw shared x initial=1", "enum A rw shared X",
-        "float A rw shared 0 1 1", "end", "register A{0-6}_{0-9361} 8 rw\nregister B{0-2} 8 rw"}) {
-    EXPECT_FALSE(accepted(loadRecords(bad))) << bad;
-  }
-  EXPECT_TRUE(accepted(loadRecords("register A{0-6}_{0-9361} 8 rw\nregister B{0-1} 8 rw")));
-  for (const std::size_t length : {255U, 256U})
-    EXPECT_EQ(accepted(loadRecords("event " + std::string(length, 'E') + " 1")), length == 255);
-  EXPECT_EQ(board::outstanding().designs, 0);
-}
-
 TEST(BoardDesign, ExternalDesignMayDiffer) {
   const BoardSession session(loadRecords(
       "register Wide 33 rw\nregister CamGenStatus 8 ro\nevent First 0\nevent E{1-69} 1\n"

@@ -1,10 +1,9 @@
-// The virtual board: codes, picture rates and printable text.
+// The virtual board: codes and picture rates.
 #include <string>
 #include <thread>
 #include <utility>
 #include <vector>
 
-#include "board/printable.h"
 #include "tests/board_session.h"
 #include "tests/test_clock.h"
 #include "velmora/parameters.h"
@@ -99,19 +98,6 @@ TEST_F(Board, GoesByTheSteadyClockWithoutAnother) {
   ASSERT_GE(Fg_getLastPicNumberEx(session.fg, 0, 0), 2);  // Of 30 a second.
   EXPECT_GE(Fg_getLastPicNumberBlockingEx(session.fg, 9, 0, 60, 0), 9);
   EXPECT_EQ(time, 1s);
-}
-
-TEST(Printable, KeepsTextAndShowsBytesThatAreNone) {
-  const std::pair<std::string, std::string> rows[] = {
-      {"A \xC2\xB5 \xE2\x82\xAC \xF0\x9F\x98\x80~", "A \xC2\xB5 \xE2\x82\xAC \xF0\x9F\x98\x80~"},
-      {std::string("\0\r\n\x1b\x7f", 5), R"(\x00\x0d\x0a\x1b\x7f)"},
-      {"\xC2\x9B", R"(\xc2\x9b)"},                          // A control character of Latin-1.
-      {"\xC0\x9B\xE0\x82\x9B", R"(\xc0\x9b\xe0\x82\x9b)"},  // Longer forms.
-      {"\xF0\x80\x82\x9B\xF5", R"(\xf0\x80\x82\x9b\xf5)"},
-      {"\xB5\xC2", R"(\xb5\xc2)"},
-      {"\xE2\x82", R"(\xe2\x82)"},
-  };
-  for (const auto& [text, shown] : rows) EXPECT_EQ(board::printable(text), shown);
 }
 
 }  // namespace

@@ -85,14 +85,6 @@ TEST_F(Configuration, AMissingKeyLeavesWhatWasAppliedBefore) {
   EXPECT_EQ(applet.word(FG_BAYERINIT, 3).value, 2u);
 }
 
-TEST_F(Configuration, ARefusedValueDoesNotEndALoad) {
-  EXPECT_EQ(loadWith("FG_GEN_ROLL=7;", "FG_GEN_ROLL=700;"), VELMORA_OK);
-  EXPECT_EQ(applet.word(FG_GEN_ROLL, 3).value, 700u);
-  EXPECT_EQ(board::value(applet.device(), "CamGenRoll3", 0), 0);
-  EXPECT_EQ(applet.word(FG_BAYERINIT, 3).value, 1u);
-  EXPECT_EQ(board::value(applet.device(), "Device1_Process3_White_BayerInit", 3), 1);
-}
-
 /// The rate is checked against the width that the design still has.
 TEST_F(Configuration, LoadingAGoodFileAgainSettlesWhatWasBeforeIt) {
   const char* const kPeriod =

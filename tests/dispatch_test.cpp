@@ -115,21 +115,11 @@ TEST(Refusals, NameUnknownIdsAndProcesses) {
 TEST(Failures, ReturnAndRecordTheirCode) {
   Applet applet;
   Fg_Struct* const fg = applet.fg();
-  // Frequencies beyond what any set accepts, by way of a file.
-  const TemporaryDirectory directory;
-  const std::string file = directory / "edited.mcf";
-  ASSERT_EQ(Fg_saveConfig(fg, file.c_str()), VELMORA_OK);
-  const std::string edited = replaced(contentOf(file), "FG_GEN_FREQ=40", "FG_GEN_FREQ=200");
-  std::ofstream(file) << replaced(edited, "PERSECOND=8", "PERSECOND=0.01");
-  ASSERT_EQ(Fg_loadConfig(fg, file.c_str()), VELMORA_OK);
-  ASSERT_EQ(applet.set(FG_AREATRIGGERMODE, ATM_SOFTWARE), VELMORA_OK);
   takeAccesses();
   const std::pair<int, std::function<int()>> refusals[] = {
       {-2070, [&] { return Fg_setParameterWithType(fg, FG_WIDTH, nullptr, 0, 2); }},
       {-2070, [&] { return Fg_getParameterWithType(fg, FG_WIDTH, nullptr, 0, 3); }},
       {-2070, [&] { return Fg_getParameterWithType(fg, 2000001, nullptr, 0, 2); }},
-      {-2075, [&] { return applet.set(FG_GEN_ACCURACY, 25, 0); }},
-      {-6000, [&] { return applet.set(FG_TRIGGERQUEUE_MODE, FG_ON); }},
   };
   for (const auto& [code, call] : refusals) {
     Fg_getParameterId(fg, 0);
