@@ -14,7 +14,8 @@ class Failure : public std::runtime_error {
  public:
   explicit Failure(const std::string& message) : Failure(std::vector{message}) {}
   explicit Failure(std::vector<std::string> messages)
-      : std::runtime_error(messages.front()), messages_(std::move(messages)) {}
+      : std::runtime_error(messages.empty() ? "" : messages.front()),
+        messages_(std::move(messages)) {}
 
   const std::vector<std::string>& messages() const { return messages_; }
 
@@ -27,6 +28,7 @@ class Failures {
  public:
   void add(const Failure& failure) { add(failure.messages()); }
   void add(const Failures& others) { add(others.messages_); }
+  const std::vector<std::string>& messages() const { return messages_; }
   /// Throws all that was added as one `Failure`.
   void throwIfAny() const {
     if (!messages_.empty()) throw Failure(messages_);

@@ -71,12 +71,10 @@ class CommandLine {
     try {
       const AppletLibrary library;
       command_(library);
-    } catch (const Interrupted&) {
-      return 128 + SIGINT;
+    } catch (const Interrupted& interrupted) {
+      return report(interrupted, 128 + SIGINT);
     } catch (const Failure& failure) {
-      std::fflush(stdout);
-      for (const std::string& message : failure.messages()) report(message);
-      return 1;
+      return report(failure, 1);
     }
     return 0;
   }
@@ -90,6 +88,11 @@ class CommandLine {
   }
 
   static void report(const std::string& message) { printError("velmora: " + message); }
+  static int report(const Failure& failure, int status) {
+    std::fflush(stdout);
+    for (const std::string& message : failure.messages()) report(message);
+    return status;
+  }
 
  private:
   /// A range that is left out of the help text.

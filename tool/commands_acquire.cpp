@@ -13,6 +13,7 @@
 #include <memory>
 #include <mutex>
 #include <thread>
+#include <utility>
 
 #include "tool/code_text.h"
 #include "tool/commands.h"
@@ -32,6 +33,7 @@ using Clock = std::chrono::steady_clock;
 using Seconds = std::chrono::duration<double>;
 
 constexpr std::uint32_t kBuffers = 16;
+constexpr int kWriters = 4;     ///< Of one port: while one writes, others take the next pictures.
 constexpr Seconds kSlice{0.1};  ///< How long a wait may overlook an interrupt.
 
 void replace(std::string& text, std::string_view mark, const std::string& value) {
@@ -71,8 +73,8 @@ struct DestroyMemory {
   void operator()(VirtualBoardMemory* memory) const { VirtualBoard_destroyMemory(memory); }
 };
 
-/// One port's acquisition; runs on a thread of its own, since waiting and writing block. What it
-/// does not write in time is lost, and counted.
+/// One port's acquisition; runs on threads of its own, since waiting and writing block. What they
+/// do not write in time is lost, and counted.
 class Channel {
  public:
   Channel(Session& session, const Acquisition& acquisition, const PictureFiles* files,
@@ -86,6 +88,10 @@ class Channel {
     if (!memory_) throw Failure(fmt::format("port {}: no memory for its pictures", port));
   }
 
+  Channel(const Channel&) = delete;
+  Channel& operator=(const Channel&) = delete;
+  ~Channel() { stop(); }
+
   bool start() {
     begin_ = Clock::now();
     started_ =
@@ -96,15 +102,15 @@ class Channel {
 
   void run() {
     if (!started_) return;
-    try {
-      while (pictures_ < acquisition_.pictures && !Interrupts::came() && next()) continue;
-    } catch (const Failure& failure) {
-      failures_.add(failure);
+    {
+      std::vector<std::jthread> others;
+      for (int i = 1; memory_ && i < kWriters; ++i) others.emplace_back([this] { takeAll(); });
+      takeAll();
     }
     seconds_ = Seconds(Clock::now() - begin_).count();
     lost_ = session_.library().status(session_.grabber(), VELMORA_STATUS_LOST_PICTURES, 0,
                                       static_cast<std::int32_t>(port_), nullptr);
-    succeeded("stop", session_.library().stopAcquire(session_.grabber(), port_, 0, 0));
+    stop();
   }
 
   /// May be called while the channel runs.
@@ -123,34 +129,59 @@ class Channel {
   const Failures& failures() const { return failures_; }
 
  private:
+  void stop() {
+    if (started_)
+      succeeded("stop", session_.library().stopAcquire(session_.grabber(), port_, 0, 0));
+    started_ = false;
+  }
+
+  /// Takes pictures until there are no more; any number of threads at the same time. The first
+  /// failure ends them all, and is told.
+  void takeAll() {
+    try {
+      while (pictures_ < acquisition_.pictures && !over() && next()) continue;
+    } catch (const Failure& failure) {
+      if (!failed_.exchange(true)) add(failure);
+    }
+  }
+  bool over() const { return failed_ || Interrupts::came(); }
+
   /// Waits for a picture, and writes it; false when there is none.
   bool next() {
     std::int64_t code = VELMORA_BOARD_TIMEOUT;
+    std::int64_t seen = pictures_;
     Seconds left(acquisition_.timeout);  // By the board's clock.
     do {
       const Seconds slice = std::min(left, memory_ ? kSlice : Seconds{1});
       code = memory_ ? take(slice) : count(slice);
       left -= slice;
-    } while (code == VELMORA_BOARD_TIMEOUT && left > Seconds{0} && !Interrupts::came());
-    if (code == VELMORA_BOARD_TIMEOUT && Interrupts::came()) return false;
-    // The rest of the pictures was lost.
-    if (memory_ && code == VELMORA_BOARD_NOT_STARTED)
-      pictures_ = acquisition_.pictures;
-    else
-      return succeeded(fmt::format("picture {}", pictures_ + 1), code);
-    return false;
+      // What another thread took has come too.
+      if (std::exchange(seen, pictures_.load()) != seen) left = Seconds(acquisition_.timeout);
+    } while (code == VELMORA_BOARD_TIMEOUT && left > Seconds{0} && !over());
+    if (code == VELMORA_BOARD_TIMEOUT && over()) return false;
+    if (memory_ && code == VELMORA_BOARD_NOT_STARTED) {
+      came(acquisition_.pictures);  // Those that nobody took were lost.
+      return false;
+    }
+    if (code < 0)
+      throw Failure(fmt::format("port {}: picture {}: {}", port_, pictures_ + 1, codeText(code)));
+    return true;
+  }
+
+  void came(std::int64_t number) {
+    const std::lock_guard guard(mutex_);
+    pictures_ = std::max(pictures_.load(), number);
   }
 
   std::int64_t take(Seconds longest) {
     VirtualBoardPicture picture{};
     const int code = VirtualBoard_takePicture(memory_.get(), longest.count(), &picture);
     if (code != VELMORA_OK) return code;
-    pictures_ = picture.number;
+    came(picture.number);
     if (picture.complete)
       writePng(files_->nameOf(picture), picture);
     else
-      failures_.add(
-          Failure(fmt::format("port {}: picture {} is incomplete", port_, picture.number)));
+      add(Failure(fmt::format("port {}: picture {} is incomplete", port_, picture.number)));
     return VirtualBoard_returnBuffer(memory_.get(), picture.buffer);
   }
 
@@ -163,9 +194,13 @@ class Channel {
   }
 
   bool succeeded(const std::string& what, std::int64_t code) {
-    if (code < 0)
-      failures_.add(Failure(fmt::format("port {}: {}: {}", port_, what, codeText(code))));
+    if (code < 0) add(Failure(fmt::format("port {}: {}: {}", port_, what, codeText(code))));
     return code >= 0;
+  }
+
+  void add(const Failure& failure) {
+    const std::lock_guard guard(mutex_);
+    failures_.add(failure);
   }
 
   Session& session_;
@@ -176,6 +211,8 @@ class Channel {
   Clock::time_point begin_{};
   bool started_ = false;
   std::atomic<std::int64_t> pictures_{0};
+  std::atomic<bool> failed_{false};
+  std::mutex mutex_;  ///< Guards failures_, and changes of pictures_.
   std::int64_t lost_ = 0;
   double seconds_ = 0;
   Failures failures_;
@@ -265,8 +302,8 @@ void acquirePictures(Session& session, const Acquisition& acquisition) {
       shown.push_back(name.find('@') == std::string::npos ? fmt::format("{}@{}", name, port)
                                                           : name);
   if (!shown.empty()) getParameters(session, shown);
+  if (Interrupts::came()) throw Interrupted(failures);
   failures.throwIfAny();
-  if (Interrupts::came()) throw Interrupted();
 }
 
 }  // namespace velmora::tool

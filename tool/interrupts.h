@@ -8,10 +8,10 @@
 
 namespace velmora::tool {
 
-/// Ends the program with the status of an interrupted one, once everything is reported.
+/// Ends the program with the status of an interrupted one, after reporting what failed until then.
 class Interrupted : public Failure {
  public:
-  Interrupted() : Failure("interrupted") {}
+  explicit Interrupted(const Failures& failures) : Failure(failures.messages()) {}
 };
 
 /// Notes the signals while it lives. One at a time.
