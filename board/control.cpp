@@ -58,6 +58,20 @@ std::shared_ptr<const HostCamera> copyOf(std::span<const VirtualBoardRawPicture>
   return camera;
 }
 
+/// What the trigger block answers; 0 without a device, or without memory to catch up with the
+/// clock.
+template <class Number>
+Number ask(KTdevice* device, Number (*question)(TriggerBlock&)) {
+  Number answer = 0;
+  if (device) {
+    guarded([&] {
+      answer = device->withTrigger(question);
+      return int{kOk};
+    });
+  }
+  return answer;
+}
+
 template <class Use>
 int onInput(KTdevice* device, std::uint32_t input, bool valid, Use use) {
   if (!device) return kNoHandle;
@@ -182,7 +196,7 @@ int VirtualBoard_trainInput(KTdevice* device, std::uint32_t input, double rate,
 }
 
 std::uint32_t VirtualBoard_outputs(KTdevice* device) {
-  return device ? device->withTrigger([](TriggerBlock& trigger) { return trigger.outputs(); }) : 0;
+  return ask<std::uint32_t>(device, [](TriggerBlock& trigger) { return trigger.outputs(); });
 }
 
 int VirtualBoard_enableEvents(KTdevice* device, std::uint64_t mask) {
@@ -204,6 +218,5 @@ int VirtualBoard_takeEvent(KTdevice* device, double seconds, VirtualBoardEvent* 
 }
 
 std::uint64_t VirtualBoard_lostEvents(KTdevice* device) {
-  return device ? device->withTrigger([](TriggerBlock& trigger) { return trigger.events().lost(); })
-                : 0;
+  return ask<std::uint64_t>(device, [](TriggerBlock& trigger) { return trigger.events().lost(); });
 }
