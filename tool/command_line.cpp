@@ -208,6 +208,19 @@ class CommandLine {
     addBoardCommand("events", "List the events with their masks", listEvents);
   }
 
+  /// An option that may be given several times.
+  template <class Value>
+  static void addSeveral(CLI::App* command, const char* name, std::vector<Value>& values,
+                         Value (*parse)(const std::string&), const char* type,
+                         const char* description) {
+    const auto add = [&values, parse](const std::vector<std::string>& texts) {
+      for (const std::string& text : texts) values.push_back(parse(text));
+    };
+    command->add_option_function<std::vector<std::string>>(name, add, description)
+        ->type_name(type)
+        ->allow_extra_args(false);
+  }
+
   void addAcquire() {
     CLI::App* const acquire =
         addBoardCommand("acquire", "Acquire pictures and report the rate",
@@ -225,24 +238,10 @@ class CommandLine {
                      "Write PNG files into a directory, or by a pattern such as\n"
                      "'name-{port}-{number}.png'")
         ->type_name("DIR");
-    acquire
-        ->add_option_function<std::vector<std::string>>(
-            "--camera",
-            [this](const std::vector<std::string>& texts) {
-              for (const auto& text : texts) acquire_.cameras.push_back(parseCameraFiles(text));
-            },
-            "Play the PNG files of a directory as the camera of a port")
-        ->type_name("PORT=DIR")
-        ->allow_extra_args(false);
-    acquire
-        ->add_option_function<std::vector<std::string>>(
-            "--trigger",
-            [this](const std::vector<std::string>& texts) {
-              for (const auto& text : texts) acquire_.triggers.push_back(parseTriggerTrain(text));
-            },
-            "Send pulses to a trigger input meanwhile")
-        ->type_name("input=N,rate=HZ[,pulses=N]")
-        ->allow_extra_args(false);
+    addSeveral(acquire, "--camera", acquire_.cameras, parseCameraFiles, "PORT=DIR",
+               "Play the PNG files of a directory as the camera of a port");
+    addSeveral(acquire, "--trigger", acquire_.triggers, parseTriggerTrain,
+               "input=N,rate=HZ[,pulses=N]", "Send pulses to a trigger input meanwhile");
     acquire
         ->add_option("--software-trigger", acquire_.softwareTrigger,
                      "Send software triggers meanwhile")

@@ -189,7 +189,7 @@ class Channel {
   std::int64_t count(Seconds longest) {
     const std::int64_t last = session_.library().waitForPicture(
         session_.grabber(), pictures_ + 1, port_, static_cast<std::int32_t>(longest.count()), 0);
-    if (last >= 0) pictures_ = std::max<std::int64_t>(last, pictures_ + 1);
+    if (last >= 0) came(std::max<std::int64_t>(last, pictures_ + 1));
     return last;
   }
 
