@@ -8,6 +8,7 @@
 
 #include <cstdlib>
 #include <fstream>
+#include <nlohmann/json.hpp>
 #include <random>
 #include <sstream>
 
@@ -108,6 +109,45 @@ TEST_F(Tool, PlaysFilesAsCamerasAndWritesWhatTheBoardMakesOfThem) {
   }
 }
 
+/// What programs read is JSON, and what it tells is what people read.
+TEST_F(Tool, AnswersInJson) {
+  using Json = nlohmann::json;
+  const auto answer = [this](const std::string& command) {
+    return Json::parse(run("{ velmora " + command + " --json; } 2>/dev/null || true"));
+  };
+  EXPECT_EQ(answer("get width FG_GEN_FREQ FG_HAP_FILE@3 FG_GEN_ENABLE --port 2"), Json::parse(R"([
+      {"name": "FG_WIDTH", "port": 2, "value": 1024, "unit": "pixel"},
+      {"name": "FG_GEN_FREQ", "port": 2, "value": 40.0, "unit": "MHz"},
+      {"name": "FG_HAP_FILE", "port": 3, "value": "Velmora.hap"},
+      {"name": "FG_GEN_ENABLE", "port": 2, "value": 0, "entry": "FG_CAMPORT"}])"));
+  const Json described = answer("describe FG_XOFFSET --port 1 --set FG_WIDTH=1000");
+  EXPECT_EQ(described, Json::parse(R"([{"name": "FG_XOFFSET", "port": 1, "value": 0,
+      "unit": "pixel", "id": 300, "kind": "uint", "access": "read/write", "title": "XOffset",
+      "min": 0, "max": 7184, "step": 4, "group": "ROI",
+      "text": "X-offset of the acquisition ROI."}])"));
+  EXPECT_EQ(answer("describe --port all").size(), 4u);
+  const Json port = answer("describe --port 3")[0];
+  EXPECT_EQ(port["children"][1]["title"], "ROI");
+  EXPECT_EQ(port["children"][1]["children"][0]["name"], "FG_WIDTH");
+  EXPECT_EQ(port["children"][0]["children"][0]["entries"][1],
+            Json::parse(R"({"value": 1, "name": "MONO8_SIGNED", "title": "Mono 8bit signed"})"));
+  EXPECT_EQ(answer("list --port 0,1").size(), 2u * 85u);
+  EXPECT_EQ(answer("events").size(),
+            static_cast<std::size_t>(std::stoi(run("velmora events | tail -n +2 | wc -l"))));
+  const Json info = answer("info");
+  EXPECT_EQ(info["properties"][0]["value"], "Velmora");
+  EXPECT_EQ(info["mapping"][2]["ports"], Json({0, 1, 2, 3}));
+  EXPECT_EQ(info["valueNames"]["FG_GENERATOR"], 1);
+  const Json acquired = answer("acquire --count 2 --port 1,3 --show width");
+  EXPECT_EQ(acquired["ports"][1]["port"], 3);
+  EXPECT_EQ(acquired["ports"][1]["pictures"], 2);
+  EXPECT_EQ(acquired["values"][1]["port"], 3);
+  const Json loaded =
+      answer("save a.mcf; sed -i s/FG_WIDTH=1024/FG_WIDTH=7/ a.mcf; velmora load a.mcf");
+  EXPECT_EQ(loaded["differences"].size(), 4u);
+  EXPECT_EQ(loaded["differences"][2]["text"], "7");
+}
+
 TEST(Codes, HaveWords) {
   std::string said = velmora::tool::codeText(-4711) + '\n';
   std::ifstream header(ERROR_CODES);
@@ -120,6 +160,6 @@ TEST(Codes, HaveWords) {
 INSTANTIATE_TEST_SUITE_P(Tool, Transcripts,
                          testing::Values("parameters", "refusals", "descriptions", "acquisition",
                                          "configurations", "files", "designs", "hostile",
-                                         "libraries", "help"));
+                                         "libraries", "shell", "help"));
 
 }  // namespace

@@ -1,6 +1,8 @@
 #include "tool/command_line.h"
 
+#include <fmt/format.h>
 #include <stdlib.h>
+#include <unistd.h>
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
@@ -8,15 +10,18 @@
 #include <functional>
 #include <limits>
 #include <optional>
+#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "tool/applet_library.h"
 #include "tool/code_text.h"
 #include "tool/commands.h"
+#include "tool/completion.h"
+#include "tool/host.h"
 #include "tool/interrupts.h"
-#include "tool/session.h"
+#include "tool/manual.h"
+#include "tool/shell.h"
 #include "tool/text.h"
 
 namespace {
@@ -30,99 +35,191 @@ constexpr const char* kLogLevelVariable = "KORV_LOG_LEVEL";
 constexpr const char* kTraceGiven = "true";
 constexpr const char* kTraceAll = "all";
 
-/// Options that every command takes.
-struct CommonOptions {
+void report(const std::string& message) { printError("velmora: " + message); }
+int report(const Failure& failure, int status) {
+  std::fflush(stdout);
+  for (const std::string& message : failure.messages()) report(message);
+  return status;
+}
+
+/// The ports of "0,2" or "all", each once; none for another text.
+std::optional<std::vector<unsigned>> parsePorts(const std::string& text) {
+  std::vector<unsigned> ports;
+  const auto add = [&ports](unsigned port) {
+    if (std::ranges::find(ports, port) == ports.end()) ports.push_back(port);
+  };
+  std::istringstream parts(text + ',');
+  for (std::string part; std::getline(parts, part, ',');) {
+    const auto port = parseWhole<unsigned>(part);
+    if (part == "all")
+      for (unsigned each = 0; each < velmora::kPorts; ++each) add(each);
+    else if (port && *port < velmora::kPorts)
+      add(*port);
+    else
+      return std::nullopt;
+  }
+  return ports;
+}
+
+/// With the option before each of the assignments that follow a --set.
+std::vector<std::string> withSetBeforeEach(const std::vector<std::string>& words) {
+  const std::string set = "--set";
+  std::vector<std::string> result;
+  bool assigning = false;
+  for (const std::string& word : words) {
+    assigning = word == set || (assigning && !word.starts_with('-') && word.find('=') != word.npos);
+    if (assigning && word != set && result.back() != set) result.push_back(set);
+    result.push_back(word);
+  }
+  return result;
+}
+
+/// Options that every command on a board takes.
+struct BoardOptions {
   std::string trace;
   std::string design;
   bool noDefaults = false;
-  std::optional<int> logLevel;
   std::string configuration;
+  bool force = false;
   std::vector<std::string> assignments;
+  std::vector<unsigned> ports;
 };
 
 /// What the chosen command does.
-using Command = std::function<void(const AppletLibrary&)>;
+using Command = std::function<void()>;
 
+/// One command, with its options: those of the program, or of a line in its shell.
 class CommandLine {
  public:
-  CommandLine() {
+  enum class Place { kProgram, kShell };
+
+  CommandLine(Host& host, Place place) : host_(host), place_(place) {
     app_.require_subcommand(0, 1);
     app_.get_formatter()->column_width(32);
     addGlobalOptions();
+    if (place == Place::kProgram) addStartOptions();
     addInfo();
     addParameterCommands();
     addDescriptionCommands();
     addAcquire();
     addConfigurationCommands();
+    if (place == Place::kProgram) addProgramCommands();
   }
 
   /// Exit status.
-  int run(int argc, char** argv) {
+  int run(const std::vector<std::string>& words) {
+    if (const auto status = parse(withSetBeforeEach(words))) return *status;
     try {
-      app_.parse(argc, argv);
-      if (!command_) throw CLI::RequiredError("a command");
-    } catch (const CLI::ParseError& error) {
-      if (error.get_exit_code() == 0) return app_.exit(error);  // Help was asked for.
-      report(unknownCommand().value_or(error.what()));
-      printError("Run velmora --help for more information.");
-      return 1;
-    }
-    if (common_.logLevel) setenv(kLogLevelVariable, std::to_string(*common_.logLevel).c_str(), 1);
-    try {
-      const AppletLibrary library;
-      command_(library);
+      command_();
     } catch (const Interrupted& interrupted) {
       return report(interrupted, 128 + SIGINT);
     } catch (const Failure& failure) {
       return report(failure, 1);
     }
-    return 0;
-  }
-
-  /// After a failed parse: the complaint about a word that stands in place of a command.
-  std::optional<std::string> unknownCommand() const {
-    const std::vector<std::string> rest = app_.remaining();
-    if (!app_.get_subcommands().empty() || rest.empty() || rest.front().starts_with('-'))
-      return std::nullopt;
-    return "no such command: " + rest.front();
-  }
-
-  static void report(const std::string& message) { printError("velmora: " + message); }
-  static int report(const Failure& failure, int status) {
-    std::fflush(stdout);
-    for (const std::string& message : failure.messages()) report(message);
-    return status;
+    return status_;
   }
 
  private:
-  /// A range that is left out of the help text.
+  /// The exit status if there is nothing to run.
+  std::optional<int> parse(std::vector<std::string> words) {
+    std::ranges::reverse(words);  // As the parser wants them.
+    try {
+      app_.parse(words);
+      if (!command_) throw CLI::RequiredError("a command");
+      refuseIgnored();
+    } catch (const CLI::ExtrasError&) {
+      return wrongUse(unexpected());
+    } catch (const CLI::ParseError& error) {
+      if (error.get_exit_code() == 0) return app_.exit(error);  // Help was asked for.
+      return wrongUse(error.what());
+    }
+    if (logLevel_) setenv(kLogLevelVariable, std::to_string(*logLevel_).c_str(), 1);
+    return std::nullopt;
+  }
+
+  int wrongUse(const std::string& message) const {
+    report(message);
+    printError(place_ == Place::kProgram ? "Run velmora --help for more information."
+                                         : "--help tells more.");
+    return 1;
+  }
+
+  /// After a failed parse: the complaint about the first word that nothing takes.
+  std::string unexpected() const {
+    const std::string word = app_.remaining(true).front();
+    return app_.get_subcommands().empty() && !word.starts_with('-')
+               ? "no such command: " + word
+               : "unexpected argument: " + word;
+  }
+
+  void refuseIgnored() const {
+    for (const CLI::Option* option : app_.parse_order()) {
+      const bool ports = option == ports_ && !usesPorts_ && board_.assignments.empty();
+      const bool force = option == force_ && !loads_ && board_.configuration.empty();
+      const bool board = option->get_group() == kBoardGroup && !onBoard_;
+      if (ports || force || board)
+        throw CLI::ParseError(option->get_name() + ": without effect on this command",
+                              CLI::ExitCodes::InvalidError);
+    }
+  }
+
+  /// A number that lies in a range and is not rounded or clamped to get there.
   template <class Number>
   static CLI::Validator range(Number least, Number most) {
-    return CLI::Range(least, most).description("");
+    return {[=](const std::string& text) {
+              const auto number = parseWhole<Number>(text);
+              return number && *number >= least && *number <= most
+                         ? ""
+                         : fmt::format("{} is not in range {} to {}", text, least, most);
+            },
+            ""};
   }
 
   void addGlobalOptions() {
-    app_.add_flag("--trace", common_.trace,
+    app_.add_flag("--trace", board_.trace,
                   "Show the command's accesses to the board on standard\n"
                   "error; with --trace=all those of start-up and release too")
         ->check([](const std::string& value) {
           return value == kTraceGiven || value == kTraceAll ? "" : "takes no value but 'all'";
-        });
-    app_.add_option("--board", common_.design, "Use an external design")
+        })
+        ->group(kBoardGroup);
+    app_.add_option("--load", board_.configuration, "Load a configuration before the command")
         ->type_name("FILE")
-        ->check(CLI::ExistingFile.description(""));
-    app_.add_flag("--no-defaults", common_.noDefaults,
-                  "Do not write the parameters' defaults at start-up");
-    app_.add_option("--log", common_.logLevel, "Show log messages from this level on, 0 (all) to 7")
+        ->group(kBoardGroup);
+    force_ = app_.add_flag("--force", board_.force, "Go on when a load differs from its file")
+                 ->group(kBoardGroup);
+    addSeveral(&app_, "--set", board_.assignments, "NAME[@PORT]=VALUE",
+               "Set parameters before the command, in order; on the\n"
+               "command's ports where none is given")
+        ->group(kBoardGroup);
+    const auto add = [this](const std::vector<std::string>& texts) {
+      std::string all;
+      for (const std::string& text : texts) all += (all.empty() ? "" : ",") + text;
+      board_.ports = parsePorts(all).value();
+    };
+    ports_ = app_.add_option_function<std::vector<std::string>>(
+                     "--port", add, "Ports, such as 0,2 or all; 0 if not given")
+                 ->type_name("PORTS")
+                 ->allow_extra_args(false)
+                 ->check([](const std::string& text) {
+                   return parsePorts(text) ? "" : "'" + text + "' is neither ports 0 to 3 nor all";
+                 })
+                 ->group(kBoardGroup);
+  }
+
+  /// What counts when the board is opened.
+  void addStartOptions() {
+    app_.add_option("--board", board_.design, "Use an external design")
+        ->type_name("FILE")
+        ->check(CLI::ExistingFile.description(""))
+        ->group(kBoardGroup);
+    app_.add_flag("--no-defaults", board_.noDefaults,
+                  "Do not write the parameters' defaults at start-up")
+        ->group(kBoardGroup);
+    app_.add_option("--log", logLevel_, "Show log messages from this level on, 0 (all) to 7")
         ->type_name("LEVEL")
         ->check(range(0, 7));
-    app_.add_option("--load", common_.configuration, "Load a configuration before the command")
-        ->type_name("FILE");
-    app_.add_option("--set", common_.assignments,
-                    "Set a parameter before the command (several times: in\n"
-                    "order), on the command's ports where none is given")
-        ->type_name("NAME[@PORT]=VALUE")
-        ->allow_extra_args(false);
+    app_.set_version_flag("--version", "velmora " VELMORA_VERSION);
   }
 
   CLI::App* addCommand(const char* name, const char* description, Command command) {
@@ -135,80 +232,45 @@ class CommandLine {
   /// A command that needs the applet on a board.
   CLI::App* addBoardCommand(const char* name, const char* description,
                             std::function<void(Session&)> command) {
-    const auto onBoard = [this, command = std::move(command)](const AppletLibrary& library) {
-      const Trace trace = common_.trace == "all"  ? Trace::kAll
-                          : common_.trace.empty() ? Trace::kNone
-                                                  : Trace::kCommand;
-      Session session(library, {trace, common_.design, !common_.noDefaults});
-      if (!common_.configuration.empty()) loadConfiguration(session, common_.configuration);
-      assignParameters(session, common_.assignments, portsInUse());
-      command(session);
-    };
-    return addCommand(name, description, onBoard);
+    CLI::App* const added =
+        addCommand(name, description, [this, command = std::move(command)] { onBoard(command); });
+    added->parse_complete_callback([this] { onBoard_ = true; });
+    return added;
   }
 
-  std::vector<unsigned> portsInUse() const {
-    if (!acquire_.ports.empty()) return acquire_.ports;
-    return {port_.value_or(0)};
+  /// The same for one that acts on the ports of --port.
+  CLI::App* addPortCommand(const char* name, const char* description,
+                           std::function<void(Session&)> command) {
+    CLI::App* const added = addBoardCommand(name, description, std::move(command));
+    added->parse_complete_callback([this] { onBoard_ = usesPorts_ = true; });
+    return added;
   }
 
-  void addPort(CLI::App* command, const char* description) {
-    command->add_option("--port", port_, description)
-        ->type_name("N")
-        ->check(range(0u, velmora::kPorts - 1));
+  void onBoard(const std::function<void(Session&)>& command) {
+    Session& session =
+        host_.session({board_.trace == kTraceAll, board_.design, !board_.noDefaults});
+    std::optional<Observation> trace;
+    if (!board_.trace.empty()) trace.emplace(showAccess);
+    if (!board_.configuration.empty())
+      loadConfiguration(session, board_.configuration, {.force = board_.force});
+    assignParameters(session, board_.assignments, ports());
+    command(session);
   }
 
-  void addInfo() {
-    CLI::App* const info =
-        addCommand("info", "Tell what the applet is; needs no board",
-                   [this](const AppletLibrary& library) { showInfo(library, info_.icon); });
-    info->add_option("--icon", info_.icon, "Write the applet's icon to a PNG file")
-        ->type_name("FILE");
+  std::vector<unsigned> ports() const {
+    return board_.ports.empty() ? std::vector{0u} : board_.ports;
   }
 
-  void addParameterCommands() {
-    CLI::App* const list =
-        addBoardCommand("list", "List all parameters with their values",
-                        [this](Session& session) { listParameters(session, port_); });
-    addPort(list, "Only this port");
-
-    addBoardCommand("get", "Read parameters",
-                    [this](Session& session) { getParameters(session, get_.names); })
-        ->add_option("names", get_.names, "Parameters; port 0 where no port is given")
-        ->type_name("NAME[@PORT]")
-        ->required();
-
-    addBoardCommand("set", "Set parameters in order until one is refused, and show the new values",
-                    [this](Session& session) { setParameters(session, set_.assignments); })
-        ->add_option("assignments", set_.assignments,
-                     "Values are numbers (decimal or 0x) or value names such as FG_ON")
-        ->type_name("NAME[@PORT]=VALUE")
-        ->required();
-  }
-
-  void addDescriptionCommands() {
-    CLI::App* const describe = addBoardCommand(
-        "describe", "Show the parameters of a port as a tree, or all about one parameter",
-        [this](Session& session) {
-          if (describe_.name.empty())
-            describePort(session, port_.value_or(0));
-          else
-            describeParameter(session, describe_.name, port_);
-        });
-    describe->add_option("name", describe_.name, "Parameter")->type_name("NAME[@PORT]");
-    addPort(describe, "Port, 0 if not given");
-
-    CLI::App* const xml = addBoardCommand(
-        "xml", "Write the GenApi XML document of a port",
-        [this](Session& session) { writeXml(session, port_.value_or(0), xml_.file); });
-    xml->add_option("-o,--output", xml_.file, "File to write instead of standard output")
-        ->type_name("FILE");
-    addPort(xml, "Port, 0 if not given");
-
-    addBoardCommand("events", "List the events with their masks", listEvents);
-  }
+  void addJson(CLI::App* command) { command->add_flag("--json", json_, "Answer in JSON"); }
 
   /// An option that may be given several times.
+  static CLI::Option* addSeveral(CLI::App* command, const char* name,
+                                 std::vector<std::string>& values, const char* type,
+                                 const char* description) {
+    return command->add_option(name, values, description)->type_name(type)->allow_extra_args(false);
+  }
+
+  /// The same, with texts to be read.
   template <class Value>
   static void addSeveral(CLI::App* command, const char* name, std::vector<Value>& values,
                          Value (*parse)(const std::string&), const char* type,
@@ -221,14 +283,70 @@ class CommandLine {
         ->allow_extra_args(false);
   }
 
+  void addInfo() {
+    CLI::App* const info = addCommand("info", "Tell what the applet is; needs no board",
+                                      [this] { showInfo(host_.library(), icon_, json_); });
+    info->add_option("--icon", icon_, "Write the applet's icon to a PNG file")->type_name("FILE");
+    addJson(info);
+  }
+
+  void addParameterCommands() {
+    CLI::App* const list =
+        addPortCommand("list", "List all parameters with their values", [this](Session& session) {
+          const bool every = flat_ && board_.ports.empty();
+          listParameters(session, every ? parsePorts("all").value() : ports(),
+                         json_   ? ListForm::kJson
+                         : flat_ ? ListForm::kFlat
+                                 : ListForm::kTree);
+        });
+    list->add_flag("--flat", flat_, "In a table of all ports, or of those given");
+    addJson(list);
+
+    CLI::App* const get = addPortCommand("get", "Read parameters", [this](Session& session) {
+      getParameters(session, words_, ports(), json_);
+    });
+    get->add_option("names", words_, "Parameters")->type_name("NAME[@PORT]")->required();
+    addJson(get);
+
+    CLI::App* const set = addPortCommand(
+        "set", "Set parameters in order until one is refused, and show the new values",
+        [this](Session& session) { setParameters(session, words_, ports(), json_); });
+    set->add_option("assignments", words_,
+                    "Values are numbers (decimal or 0x) or value names such as FG_ON")
+        ->type_name("NAME[@PORT]=VALUE")
+        ->required();
+    addJson(set);
+  }
+
+  void addDescriptionCommands() {
+    CLI::App* const describe = addPortCommand(
+        "describe", "Show the parameters as a tree, or all about one", [this](Session& session) {
+          if (word_.empty())
+            describePorts(session, ports(), json_);
+          else
+            describeParameter(session, word_, ports(), json_);
+        });
+    describe->add_option("name", word_, "Parameter")->type_name("NAME[@PORT]");
+    addJson(describe);
+
+    CLI::App* const xml =
+        addPortCommand("xml", "Write the GenApi XML document of a port",
+                       [this](Session& session) { writeXml(session, ports(), output_); });
+    xml->add_option("-o,--output", output_, "File to write instead of standard output")
+        ->type_name("FILE");
+
+    addJson(addBoardCommand("events", "List the events with their masks",
+                            [this](Session& session) { listEvents(session, json_); }));
+  }
+
   void addAcquire() {
     CLI::App* const acquire =
-        addBoardCommand("acquire", "Acquire pictures and report the rate",
-                        [this](Session& session) { acquirePictures(session, acquire_); });
-    acquire->add_option("--port", acquire_.ports, "Ports to acquire on, all at the same time")
-        ->type_name("N")
-        ->required()
-        ->check(range(0u, velmora::kPorts - 1));
+        addPortCommand("acquire", "Acquire pictures on ports at the same time and report the rates",
+                       [this](Session& session) {
+                         acquire_.ports = ports();
+                         acquire_.json = json_;
+                         acquirePictures(session, acquire_);
+                       });
     acquire->add_option("--count", acquire_.pictures, "Pictures to acquire on each port")
         ->type_name("N")
         ->required()
@@ -247,50 +365,98 @@ class CommandLine {
                      "Send software triggers meanwhile")
         ->type_name("HZ")
         ->check(range(0.001, 1e6));
-    acquire->add_option("--show", acquire_.shown, "Print parameters of the ports afterwards")
-        ->type_name("NAME[@PORT]");
+    addSeveral(acquire, "--show", acquire_.shown, "NAME[@PORT]",
+               "Print parameters of the ports afterwards");
     acquire->add_option("--timeout", acquire_.timeout, "Longest wait for a picture")
         ->type_name("SECONDS")
         ->check(range(0, std::numeric_limits<int>::max()))
         ->capture_default_str();
+    addJson(acquire);
   }
 
   void addConfigurationCommands() {
     constexpr const char* kFile = "Configuration file, with .mcf in its name";
     addBoardCommand("save", "Save the settings of all ports",
-                    [this](Session& session) { saveConfiguration(session, save_.file); })
-        ->add_option("file", save_.file, kFile)
+                    [this](Session& session) { saveConfiguration(session, word_); })
+        ->add_option("file", word_, kFile)
+        ->type_name("FILE")
         ->required();
-    addBoardCommand("load", "Load the settings of all ports, or say what the file lacks",
-                    [this](Session& session) { loadConfiguration(session, load_.file); })
-        ->add_option("file", load_.file, kFile)
-        ->required();
+    CLI::App* const load = addBoardCommand(
+        "load", "Load the settings of all ports, and tell where they differ from the file",
+        [this](Session& session) {
+          loadConfiguration(session, word_, {.force = board_.force, .json = json_});
+        });
+    load->parse_complete_callback([this] { onBoard_ = loads_ = true; });
+    load->add_option("file", word_, kFile)->type_name("FILE")->required();
+    addJson(load);
   }
+
+  void addProgramCommands() {
+    CLI::App* const shell =
+        addPortCommand("shell", "Run commands on one board, line by line; `exit` ends it",
+                       [this](Session& session) { runShell(session, "-"); });
+    CLI::App* const script = addPortCommand("script", "Run the commands of a file on one board",
+                                            [this](Session& session) { runShell(session, word_); });
+    for (CLI::App* command : {shell, script})
+      command->add_flag("--continue", goOn_, "Go on after a line that fails");
+    script->add_option("file", word_, "Lines of commands; - for standard input")
+        ->type_name("FILE")
+        ->required();
+
+    addCommand("complete", "Tell how a command line may go on",
+               [this] {
+                 for (const std::string& word : completions(app_, host_.session(), word_))
+                   printLine(word);
+               })
+        ->group("")
+        ->add_option("line", word_);
+    addCommand("manual", "Write the manual page", [this] {
+      const std::string page = manualPage(app_);
+      std::fwrite(page.data(), 1, page.size(), stdout);
+    })->group("");
+  }
+
+  void runShell(Session& session, const std::string& file) {
+    const auto runLine = [this](const std::vector<std::string>& words) {
+      const int status = CommandLine(host_, Place::kShell).run(words);
+      std::fflush(stdout);
+      return status;
+    };
+    const bool terminal = file == "-" && isatty(STDIN_FILENO) != 0;
+    const auto complete = [&](const std::string& line) {
+      return completions(CommandLine(host_, Place::kShell).app_, session, line);
+    };
+    status_ = terminal ? runTerminal(runLine, complete) : runScript(file, goOn_, runLine);
+  }
+
+  static constexpr const char* kBoardGroup = "On the board";
 
   CLI::App app_{
       "Opens the acquisition applet Velmora on a virtual board.\n"
       "Options may come before or after the command; every command has --help.\n"
       "Exit status: 0, or 1 after an error, which is reported on standard error.",
       "velmora"};
-  CommonOptions common_;
-  std::optional<unsigned> port_;  ///< Of `list`, `describe` and `xml`.
-  struct {
-    std::string icon;
-  } info_;
-  struct {
-    std::vector<std::string> names;
-  } get_;
-  struct {
-    std::vector<std::string> assignments;
-  } set_;
-  struct {
-    std::string name;
-  } describe_;
-  struct {
-    std::string file;
-  } xml_, save_, load_;
-  Acquisition acquire_;
+  Host& host_;
+  Place place_;
   Command command_;
+  int status_ = 0;  ///< Of a command that did what it should.
+  // What the chosen command is.
+  bool onBoard_ = false;
+  bool usesPorts_ = false;
+  bool loads_ = false;
+  // What it was given.
+  std::optional<int> logLevel_;
+  BoardOptions board_;
+  const CLI::Option* ports_ = nullptr;
+  const CLI::Option* force_ = nullptr;
+  bool json_ = false;
+  bool flat_ = false;
+  bool goOn_ = false;
+  std::string icon_;
+  std::string output_;
+  std::string word_;
+  std::vector<std::string> words_;
+  Acquisition acquire_;
 };
 
 }  // namespace
@@ -298,12 +464,13 @@ class CommandLine {
 int velmora::tool::run(int argc, char** argv) {
   int status = 1;
   try {
-    const int result = CommandLine().run(argc, argv);
+    Host host;
+    const int result = CommandLine(host, CommandLine::Place::kProgram).run({argv + 1, argv + argc});
     if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0)
       throw Failure("cannot write the output");
     status = result;
   } catch (const std::exception& error) {
-    CommandLine::report(error.what());
+    report(error.what());
   }
   return status;
 }

@@ -4,7 +4,6 @@
 #pragma once
 
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -16,26 +15,30 @@ namespace velmora::tool {
 
 /// Everything that the applet answers without being opened. The icon is written to `iconFile`
 /// unless that is empty.
-void showInfo(const AppletLibrary& library, const std::string& iconFile);
+void showInfo(const AppletLibrary& library, const std::string& iconFile, bool json);
 
-/// All parameters with their values, on one port or on all.
-void listParameters(Session& session, std::optional<unsigned> port);
-/// Values of parameters, read on port 0 where the name has none. Goes on after a failure.
-void getParameters(Session& session, const std::vector<std::string>& names);
+enum class ListForm { kTree, kFlat, kJson };
+/// All parameters of the ports with their values.
+void listParameters(Session& session, const std::vector<unsigned>& ports, ListForm form);
+/// Values of parameters, on `ports` where a name has none. Goes on after a failure.
+void getParameters(Session& session, const std::vector<std::string>& names,
+                   const std::vector<unsigned>& ports, bool json);
 /// Sets parameters in order until one is refused, on `ports` where an assignment names none.
 void assignParameters(Session& session, const std::vector<std::string>& assignments,
                       const std::vector<unsigned>& ports);
 /// Sets like `assignParameters`, then reads back and shows what was set.
-void setParameters(Session& session, const std::vector<std::string>& assignments);
+void setParameters(Session& session, const std::vector<std::string>& assignments,
+                   const std::vector<unsigned>& ports, bool json);
 
-/// The tree of a port's parameters with their live limits.
-void describePort(Session& session, unsigned port);
+/// The trees of the ports' parameters with their live limits.
+void describePorts(Session& session, const std::vector<unsigned>& ports, bool json);
 /// Everything about one parameter, NAME or NAME@PORT.
-void describeParameter(Session& session, const std::string& name, std::optional<unsigned> port);
+void describeParameter(Session& session, const std::string& name,
+                       const std::vector<unsigned>& ports, bool json);
 /// The GenApi XML document of a port, byte for byte, to `file` or, when that is empty, to standard
-/// output. A terminal gets printable lines.
-void writeXml(Session& session, unsigned port, const std::string& file);
-void listEvents(Session& session);
+/// output. A terminal gets printable lines. `Failure` for several ports.
+void writeXml(Session& session, const std::vector<unsigned>& ports, const std::string& file);
+void listEvents(Session& session, bool json);
 
 struct Acquisition {
   std::vector<unsigned> ports;
@@ -46,6 +49,7 @@ struct Acquisition {
   std::vector<TriggerTrain> triggers;
   double softwareTrigger = 0;      ///< Hz, on each port; 0 for none.
   std::vector<std::string> shown;  ///< Parameters to print afterwards.
+  bool json = false;
 };
 /// Acquires on several ports at the same time; reports pictures, rate and lost pictures of each.
 /// `Interrupted` at the end when a signal ended it.
@@ -54,7 +58,12 @@ void acquirePictures(Session& session, const Acquisition& acquisition);
 /// Writes the settings of all ports to a configuration file. A failure names each value that is
 /// left out, since it cannot be read.
 void saveConfiguration(Session& session, const std::string& file);
-/// Applies a configuration file. A failure names the first key or section that is missing.
-void loadConfiguration(Session& session, const std::string& file);
+struct LoadForm {
+  bool force = false;  ///< Whether differences between file and settings are no failure.
+  bool json = false;
+};
+/// Applies a configuration file. A failure names the first key or section that is missing, or each
+/// value of the file that is not in force afterwards.
+void loadConfiguration(Session& session, const std::string& file, const LoadForm& form);
 
 }  // namespace velmora::tool

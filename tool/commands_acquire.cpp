@@ -18,6 +18,7 @@
 #include "tool/code_text.h"
 #include "tool/commands.h"
 #include "tool/interrupts.h"
+#include "tool/parameter_json.h"
 #include "tool/png_file.h"
 #include "tool/stimuli.h"
 #include "tool/text.h"
@@ -120,15 +121,24 @@ class Channel {
 
   /// Once it has run.
   std::string result() const {
-    const std::int64_t pictures = pictures_;
-    const std::string rate =
-        seconds_ > 0 ? fmt::format("{:.4g}", static_cast<double>(pictures) / seconds_) : "0";
-    return fmt::format("port {}: {} pictures in {:.3f} s, {} pictures/s{}", port_, pictures,
-                       seconds_, rate, lost_ > 0 ? fmt::format(", {} lost", lost_) : "");
+    return fmt::format("port {}: {} pictures in {:.3f} s, {:.4g} pictures/s{}", port_,
+                       pictures_.load(), seconds_, rate(),
+                       lost_ > 0 ? fmt::format(", {} lost", lost_) : "");
+  }
+  Json json() const {
+    return {{"port", port_},
+            {"pictures", pictures_.load()},
+            {"seconds", seconds_},
+            {"rate", rate()},
+            {"lost", lost_}};
   }
   const Failures& failures() const { return failures_; }
 
  private:
+  double rate() const {
+    return seconds_ > 0 ? static_cast<double>(pictures_.load()) / seconds_ : 0;
+  }
+
   void stop() {
     if (started_)
       succeeded("stop", session_.library().stopAcquire(session_.grabber(), port_, 0, 0));
@@ -292,16 +302,17 @@ void acquirePictures(Session& session, const Acquisition& acquisition) {
     runAll(channels, acquisition.pictures);
     drive(session, acquisition.triggers, false);
   }
+  Json results = Json::array();
   for (const Channel& channel : channels) {
-    printLine(channel.result());
+    results.push_back(channel.json());
+    if (!acquisition.json) printLine(channel.result());
     failures.add(channel.failures());
   }
-  std::vector<std::string> shown;
-  for (const std::string& name : acquisition.shown)
-    for (const unsigned port : acquisition.ports)
-      shown.push_back(name.find('@') == std::string::npos ? fmt::format("{}@{}", name, port)
-                                                          : name);
-  if (!shown.empty()) getParameters(session, shown);
+  const auto shown = readParameters(session, acquisition.shown, acquisition.ports, failures);
+  if (acquisition.json)
+    printJson({{"ports", results}, {"values", valuesJson(shown)}});
+  else
+    printValues(shown);
   if (Interrupts::came()) throw Interrupted(failures);
   failures.throwIfAny();
 }

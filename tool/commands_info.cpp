@@ -6,6 +6,7 @@
 
 #include "tool/code_text.h"
 #include "tool/commands.h"
+#include "tool/parameter_json.h"
 #include "tool/text.h"
 #include "velmora/info.h"
 
@@ -19,15 +20,15 @@ struct Answer {
   void* pointer = nullptr;
 };
 
-using Show = std::string (*)(const Answer&);
+using Show = Json (*)(const Answer&);
 
-std::string text(const Answer& answer) {
+Json text(const Answer& answer) {
   return answer.pointer ? utf8(static_cast<const char*>(answer.pointer)) : "none";
 }
-std::string block(const Answer& answer) { return fmt::format("{} bytes", answer.number); }
-std::string result(const Answer& answer) { return fmt::format("{}", answer.result); }
-std::string number(const Answer& answer) { return fmt::format("{}", answer.number); }
-std::string handle(const Answer& answer) {
+Json block(const Answer& answer) { return fmt::format("{} bytes", answer.number); }
+Json result(const Answer& answer) { return answer.result; }
+Json number(const Answer& answer) { return answer.number; }
+Json handle(const Answer& answer) {
   return answer.number != 0 ? fmt::format("{:#x}", answer.number) : "none";
 }
 
@@ -88,51 +89,80 @@ Answer ask(const AppletLibrary& library, int property, int index = 0) {
   return answer;
 }
 
-std::string shown(const Answer& answer, Show show) {
-  return answer.result < 0 ? codeText(answer.result) : show(answer);
+Json shown(const Answer& answer, Show show) {
+  return answer.result < 0 ? Json(codeText(answer.result)) : show(answer);
 }
 
-void printProperties(const AppletLibrary& library) {
-  Table table;
+/// Without the quotes of a text.
+std::string plain(const Json& answer) {
+  return answer.is_string() ? answer.get<std::string>() : answer.dump();
+}
+
+Json propertiesJson(const AppletLibrary& library) {
+  Json list = Json::array();
   for (const Property& property : kProperties)
-    table.add({fmt::format("{:#06x}", property.number), property.name,
-               shown(ask(library, property.number), property.show)});
-  table.print();
+    list.push_back({{"number", fmt::format("{:#06x}", property.number)},
+                    {"name", property.name},
+                    {"value", shown(ask(library, property.number), property.show)}});
+  return list;
 }
 
-void printPortMapping(const AppletLibrary& library) {
-  Table table;
-  std::vector<std::string> head{"mapping"};
-  for (unsigned port = 0; port < kPorts; ++port) head.push_back(fmt::format("port {}", port));
-  table.add(head);
+Json mappingJson(const AppletLibrary& library) {
+  Json list = Json::array();
   for (const int property : kPortMapping) {
-    std::vector<std::string> row{fmt::format("{:#06x}", property)};
+    list.push_back({{"number", fmt::format("{:#06x}", property)}, {"ports", Json::array()}});
     for (unsigned port = 0; port < kPorts; ++port)
-      row.push_back(shown(ask(library, property, static_cast<int>(port)), result));
-    table.add(row);
+      list.back()["ports"].push_back(shown(ask(library, property, static_cast<int>(port)), result));
   }
-  table.print();
+  return list;
 }
 
-void printValueNames(const AppletLibrary& library) {
-  Table table;
-  table.add({"value name", "number"});
+Json valueNamesJson(const AppletLibrary& library) {
+  Json values = Json::object();
   std::istringstream names(kValueNames);
   for (std::string name; names >> name;) {
-    const int value = library.info(VELMORA_INFO_VALUE_OF_NAME, 0, 0, name.data(), nullptr);
-    table.add({name, value < 0 ? codeText(value) : fmt::format("{}", value)});
+    Answer answer;
+    answer.result = library.info(VELMORA_INFO_VALUE_OF_NAME, 0, 0, name.data(), nullptr);
+    values[name] = shown(answer, result);
   }
-  table.print();
+  return values;
+}
+
+void print(const Json& info) {
+  Table properties;
+  for (const Json& property : info["properties"])
+    properties.add({property["number"], property["name"], plain(property["value"])});
+  properties.print();
+  printLine("");
+
+  Table mapping;
+  std::vector<std::string> head{"mapping"};
+  for (unsigned port = 0; port < kPorts; ++port) head.push_back(fmt::format("port {}", port));
+  mapping.add(head);
+  for (const Json& property : info["mapping"]) {
+    std::vector<std::string> row{property["number"]};
+    for (const Json& answer : property["ports"]) row.push_back(plain(answer));
+    mapping.add(row);
+  }
+  mapping.print();
+  printLine("");
+
+  Table values;
+  values.add({"value name", "number"});
+  for (const auto& [name, value] : info["valueNames"].items()) values.add({name, plain(value)});
+  values.print();
 }
 
 }  // namespace
 
-void showInfo(const AppletLibrary& library, const std::string& iconFile) {
-  printProperties(library);
-  printLine("");
-  printPortMapping(library);
-  printLine("");
-  printValueNames(library);
+void showInfo(const AppletLibrary& library, const std::string& iconFile, bool json) {
+  const Json info{{"properties", propertiesJson(library)},
+                  {"mapping", mappingJson(library)},
+                  {"valueNames", valueNamesJson(library)}};
+  if (json)
+    printJson(info);
+  else
+    print(info);
   if (iconFile.empty()) return;
   const Answer icon = ask(library, VELMORA_INFO_ICON);
   if (icon.result < 0 || !icon.pointer)

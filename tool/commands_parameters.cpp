@@ -5,37 +5,83 @@
 
 #include "tool/code_text.h"
 #include "tool/commands.h"
-#include "tool/parameter_description.h"
+#include "tool/parameter_json.h"
 #include "tool/parameter_values.h"
 #include "tool/text.h"
 
 namespace velmora::tool {
 namespace {
 
-/// The nodes of a port by id: a list asks for all of them.
-std::map<int, const RegisterInfo*> nodesById(Session& session, unsigned port) {
+/// All parameters of the applet on a port, in its own order.
+std::vector<Parameter> allParameters(Session& session, unsigned port) {
   std::map<int, const RegisterInfo*> nodes;
   for (const DescribedNode& described : describedNodes(session, port))
     if (!isGroup(*described.node)) nodes.emplace(described.node->id, described.node);
-  return nodes;
+  const AppletLibrary& library = session.library();
+  std::vector<Parameter> parameters;
+  for (int i = 0; i < library.parameterCount(session.grabber()); ++i) {
+    const int id = library.parameterId(session.grabber(), i);
+    const auto node = nodes.find(id);
+    parameters.push_back({utf8(library.parameterName(session.grabber(), i)), id, port,
+                          node != nodes.end() ? node->second : nullptr});
+  }
+  return parameters;
 }
 
 std::string valueOrDash(Session& session, const Parameter& parameter, Failures& failures) {
   try {
-    return readParameter(session, parameter);
+    return showValue(parameter.node, readParameter(session, parameter));
   } catch (const Failure& failure) {
     failures.add(failure);
     return "-";
   }
 }
 
-std::vector<Parameter> resolve(Session& session, const Assignment& assignment,
-                               const std::vector<unsigned>& ports) {
-  std::vector<Parameter> parameters;
-  const auto& target = assignment.target;
-  for (const unsigned port : target.port ? std::vector{*target.port} : ports)
-    parameters.push_back(findParameter(session, target.name, port));
-  return parameters;
+/// Every port in a column of one table.
+void listFlat(Session& session, const std::vector<unsigned>& ports, Failures& failures) {
+  Table table;
+  std::vector<std::string> head{"#", "name", "id", "kind", "access"};
+  std::vector<std::vector<Parameter>> columns;
+  for (const unsigned port : ports) {
+    head.push_back(fmt::format("port {}", port));
+    columns.push_back(allParameters(session, port));
+  }
+  table.add(head);
+  for (std::size_t i = 0; i < columns.front().size(); ++i) {
+    const Parameter& first = columns.front()[i];
+    std::vector<std::string> row{fmt::format("{}", i), first.name, fmt::format("{}", first.id),
+                                 valueKind(first.node, first.id).word,
+                                 first.node ? accessText(*first.node) : "read"};
+    for (const auto& column : columns) row.push_back(valueOrDash(session, column[i], failures));
+    table.add(row);
+  }
+  table.print();
+}
+
+void listTree(Session& session, unsigned port, Failures& failures) {
+  printLine(fmt::format("port {}", port));
+  for (const DescribedNode& described : describedNodes(session, port)) {
+    const RegisterInfo& node = *described.node;
+    const std::size_t indent = 2 * (std::size_t{described.level} + 1);
+    if (isGroup(node)) {
+      printFitting(indent, {utf8(node.name)});
+      continue;
+    }
+    const Parameter parameter = parameterOf(described, port);
+    std::string line =
+        fmt::format("{} = {}", parameter.name, valueOrDash(session, parameter, failures));
+    std::string range = rangeText(node);
+    if (limits(node)) range = fmt::format("({})", range);
+    printFitting(indent, {line, range});
+  }
+}
+
+Json allJson(Session& session, const std::vector<unsigned>& ports) {
+  Json list = Json::array();
+  for (const unsigned port : ports)
+    for (const Parameter& parameter : allParameters(session, port))
+      list.push_back(parameterJson(session, parameter));
+  return list;
 }
 
 /// Calls `done` for every parameter that was set.
@@ -44,57 +90,36 @@ void assign(Session& session, const std::vector<std::string>& assignments,
             const std::vector<unsigned>& ports, const Done& done) {
   for (const std::string& text : assignments) {
     const Assignment assignment = parseAssignment(text);
-    for (const Parameter& parameter : resolve(session, assignment, ports)) {
+    for (const Parameter& parameter : findParameters(session, assignment.target, ports)) {
       writeParameter(session, parameter, assignment.value);
       done(parameter);
     }
   }
 }
 
+void show(const std::vector<ReadValue>& values, bool json) {
+  if (json)
+    printJson(valuesJson(values));
+  else
+    printValues(values);
+}
+
 }  // namespace
 
-void listParameters(Session& session, std::optional<unsigned> port) {
-  const AppletLibrary& library = session.library();
-  const unsigned first = port.value_or(0);
-  const unsigned last = port.value_or(kPorts - 1);
-  Table table;
-  std::vector<std::string> head{"#", "name", "id", "kind", "access"};
-  std::map<unsigned, std::map<int, const RegisterInfo*>> nodes;
-  for (unsigned p = first; p <= last; ++p) {
-    head.push_back(fmt::format("port {}", p));
-    nodes.emplace(p, nodesById(session, p));
-  }
-  table.add(head);
+void listParameters(Session& session, const std::vector<unsigned>& ports, ListForm form) {
+  if (form == ListForm::kJson) return printJson(allJson(session, ports));
   Failures failures;
-  for (int i = 0; i < library.parameterCount(session.grabber()); ++i) {
-    const std::string name = library.parameterName(session.grabber(), i);
-    const int id = library.parameterId(session.grabber(), i);
-    const auto nodeOn = [&](unsigned p) {
-      const auto found = nodes[p].find(id);
-      return found != nodes[p].end() ? found->second : nullptr;
-    };
-    const RegisterInfo* const node = nodeOn(first);
-    std::vector<std::string> row{fmt::format("{}", i), name, fmt::format("{}", id),
-                                 valueKind(node, id).word, node ? accessText(*node) : "read"};
-    for (unsigned p = first; p <= last; ++p)
-      row.push_back(valueOrDash(session, {name, id, p, nodeOn(p)}, failures));
-    table.add(row);
-  }
-  table.print();
+  if (form == ListForm::kFlat)
+    listFlat(session, ports, failures);
+  else
+    for (const unsigned port : ports) listTree(session, port, failures);
   failures.throwIfAny();
 }
 
-void getParameters(Session& session, const std::vector<std::string>& names) {
+void getParameters(Session& session, const std::vector<std::string>& names,
+                   const std::vector<unsigned>& ports, bool json) {
   Failures failures;
-  for (const std::string& text : names) {
-    try {
-      const ParameterName name = parseParameterName(text);
-      const Parameter parameter = findParameter(session, name.name, name.port.value_or(0));
-      printLine(fmt::format("{} = {}", parameter.label(), readParameter(session, parameter)));
-    } catch (const Failure& failure) {
-      failures.add(failure);
-    }
-  }
+  show(readParameters(session, names, ports, failures), json);
   failures.throwIfAny();
 }
 
@@ -103,19 +128,17 @@ void assignParameters(Session& session, const std::vector<std::string>& assignme
   assign(session, assignments, ports, [](const Parameter&) {});
 }
 
-void setParameters(Session& session, const std::vector<std::string>& assignments) {
-  std::vector<Parameter> written;
+void setParameters(Session& session, const std::vector<std::string>& assignments,
+                   const std::vector<unsigned>& ports, bool json) {
+  std::vector<std::string> written;
   Failures failures;
   try {
-    assign(session, assignments, {0},
-           [&written](const Parameter& parameter) { written.push_back(parameter); });
+    assign(session, assignments, ports,
+           [&written](const Parameter& parameter) { written.push_back(parameter.label()); });
   } catch (const Failure& failure) {
     failures.add(failure);
   }
-  for (const Parameter& parameter : written) {
-    const std::string value = valueOrDash(session, parameter, failures);
-    printLine(fmt::format("{} = {}", parameter.label(), value));
-  }
+  show(readParameters(session, written, ports, failures), json);
   failures.throwIfAny();
 }
 

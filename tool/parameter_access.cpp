@@ -6,9 +6,6 @@
 #include <cstring>
 #include <vector>
 
-#include "tool/code_text.h"
-#include "tool/parameter_description.h"
-#include "tool/parameter_values.h"
 #include "tool/text.h"
 #include "velmora/errors.h"
 #include "velmora/parameters.h"
@@ -36,7 +33,7 @@ std::string accepted(const Parameter& parameter, int code) {
 std::optional<std::string> listedName(Session& session, const std::string& name) {
   const auto& library = session.library();
   for (int i = 0; i < library.parameterCount(session.grabber()); ++i) {
-    const std::string listed = library.parameterName(session.grabber(), i);
+    const std::string listed = utf8(library.parameterName(session.grabber(), i));
     if (equalIgnoringCase(listed, name) || equalIgnoringCase(listed, "FG_" + name)) return listed;
   }
   return std::nullopt;
@@ -48,7 +45,7 @@ std::string similarNames(Session& session, const std::string& name) {
   const auto& library = session.library();
   std::vector<std::pair<std::size_t, std::string>> near;
   for (int i = 0; i < library.parameterCount(session.grabber()); ++i) {
-    const std::string listed = library.parameterName(session.grabber(), i);
+    const std::string listed = utf8(library.parameterName(session.grabber(), i));
     const auto distance = std::min(editDistance(listed, name), editDistance(listed, "FG_" + name));
     if (distance <= 1 + name.size() / 5) near.emplace_back(distance, listed);
   }
@@ -99,6 +96,10 @@ Assignment parseAssignment(const std::string& text) {
 
 std::string Parameter::label() const { return fmt::format("{}@{}", name, port); }
 
+Parameter parameterOf(const DescribedNode& described, unsigned port) {
+  return {utf8(described.node->paramName), described.node->id, port, described.node};
+}
+
 Parameter findParameter(Session& session, const std::string& name, unsigned port) {
   const auto idOf = [&](const std::string& exact) {
     return session.library().parameterIdByName(session.grabber(), exact.c_str());
@@ -114,7 +115,15 @@ Parameter findParameter(Session& session, const std::string& name, unsigned port
   return {listed, id, port, findNode(session, port, id)};
 }
 
-std::string readParameter(Session& session, const Parameter& parameter) {
+std::vector<Parameter> findParameters(Session& session, const ParameterName& name,
+                                      const std::vector<unsigned>& ports) {
+  std::vector<Parameter> parameters;
+  for (const unsigned port : name.port ? std::vector{*name.port} : ports)
+    parameters.push_back(findParameter(session, name.name, port));
+  return parameters;
+}
+
+Value readParameter(Session& session, const Parameter& parameter) {
   const ValueKind& kind = singleValueKind(parameter);
   std::uint64_t bits = 0;
   char* text = nullptr;
@@ -123,8 +132,30 @@ std::string readParameter(Session& session, const Parameter& parameter) {
   const int code = session.library().getParameter(session.grabber(), parameter.id, place,
                                                   parameter.port, kind.type);
   if (code != 0) throw refusal(parameter, code);
-  return isText ? takeString(session, parameter, parameter.id, text)
-                : showValue(parameter.node, kind, bits);
+  if (isText) return takeString(session, parameter, parameter.id, text);
+  return valueOf(kind, bits);
+}
+
+std::vector<ReadValue> readParameters(Session& session, const std::vector<std::string>& names,
+                                      const std::vector<unsigned>& ports, Failures& failures) {
+  std::vector<ReadValue> values;
+  for (const std::string& text : names) {
+    try {
+      const ParameterName name = parseParameterName(text);
+      for (const unsigned port : name.port ? std::vector{*name.port} : ports) {
+        const Parameter parameter = findParameter(session, name.name, port);
+        values.push_back({parameter, readParameter(session, parameter)});
+      }
+    } catch (const Failure& failure) {
+      failures.add(failure);
+    }
+  }
+  return values;
+}
+
+void printValues(const std::vector<ReadValue>& values) {
+  for (const auto& [parameter, value] : values)
+    printLine(fmt::format("{} = {}", parameter.label(), showValue(parameter.node, value)));
 }
 
 void writeParameter(Session& session, const Parameter& parameter, const std::string& value) {

@@ -3,7 +3,10 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
+#include "tool/code_text.h"
+#include "tool/parameter_description.h"
 #include "tool/session.h"
 
 namespace velmora::tool {
@@ -36,11 +39,27 @@ struct Parameter {
   std::string label() const;
 };
 
+/// What a node that is no group describes.
+Parameter parameterOf(const DescribedNode& described, unsigned port);
 /// `Failure` when the applet knows no such name.
 Parameter findParameter(Session& session, const std::string& name, unsigned port);
 
-/// The current value as text; `Failure` with the applet's code.
-std::string readParameter(Session& session, const Parameter& parameter);
+/// The parameter on its own port, or on each of `ports` if it names none.
+std::vector<Parameter> findParameters(Session& session, const ParameterName& name,
+                                      const std::vector<unsigned>& ports);
+
+/// The current value; `Failure` with the applet's code.
+Value readParameter(Session& session, const Parameter& parameter);
+struct ReadValue {
+  Parameter parameter;
+  Value value;
+};
+/// The values of parameters, NAME or NAME@PORT, on `ports` where a name has none. Those that cannot
+/// be read are left out and told in `failures`.
+std::vector<ReadValue> readParameters(Session& session, const std::vector<std::string>& names,
+                                      const std::vector<unsigned>& ports, Failures& failures);
+/// A line for each, such as "FG_WIDTH@0 = 1024".
+void printValues(const std::vector<ReadValue>& values);
 /// Sets a value given as text; `Failure` with the applet's code, or when the text is no value.
 void writeParameter(Session& session, const Parameter& parameter, const std::string& value);
 

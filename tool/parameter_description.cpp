@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <type_traits>
 
 #include "tool/code_text.h"
 #include "tool/text.h"
@@ -12,12 +13,16 @@ namespace velmora::tool {
 namespace {
 
 template <class Range>
-std::string range(const Range& limits, const std::string& unit) {
-  if (limits.min == 0 && limits.max == 0 && limits.inc == 0) return unit;
+std::optional<Limits> limits(const Range& range) {
+  if (range.min == 0 && range.max == 0 && range.inc == 0) return std::nullopt;
+  using Number = std::conditional_t<
+      std::is_floating_point_v<decltype(range.min)>, double,
+      std::conditional_t<std::is_signed_v<decltype(range.min)>, std::int64_t, std::uint64_t>>;
+  Limits limits{Number{range.min}, Number{range.max}, std::nullopt};
   // A step of one epsilon means that any value will do.
-  const bool any = static_cast<double>(limits.inc) <= std::numeric_limits<double>::epsilon();
-  return fmt::format("{} to {}{}{}{}", limits.min, limits.max, unit.empty() ? "" : " ", unit,
-                     any ? "" : fmt::format(", step {}", limits.inc));
+  if (static_cast<double>(range.inc) > std::numeric_limits<double>::epsilon())
+    limits.step = Number{range.inc};
+  return limits;
 }
 
 void collect(const RegisterInfo& node, unsigned level, const std::string& group,
@@ -59,22 +64,33 @@ std::string accessText(const RegisterInfo& node) {
   return readable && writable ? "read/write" : writable ? "write" : "read";
 }
 
-std::string rangeText(const RegisterInfo& node) {
-  std::string unit = node.unit ? utf8(node.unit) : "";
+std::optional<Limits> limits(const RegisterInfo& node) {
   switch (node.kind) {
     case REGISTER_INFO_UINT:
-      return range(node.value.uint32, unit);
+      return limits(node.value.uint32);
     case REGISTER_INFO_INT:
-      return range(node.value.int32, unit);
+      return limits(node.value.int32);
     case REGISTER_INFO_UINT64:
-      return range(node.value.uint64, unit);
+      return limits(node.value.uint64);
     case REGISTER_INFO_INT64:
-      return range(node.value.int64, unit);
+      return limits(node.value.int64);
     case REGISTER_INFO_DOUBLE:
-      return range(node.value.real, unit);
+      return limits(node.value.real);
     default:
-      return unit;
+      return std::nullopt;
   }
+}
+
+std::string unit(const RegisterInfo& node) { return utf8(node.unit); }
+
+std::string rangeText(const RegisterInfo& node) {
+  const auto found = limits(node);
+  if (!found) return unit(node);
+  std::string text =
+      fmt::format("{} to {}", showValue(nullptr, found->min), showValue(nullptr, found->max));
+  if (!unit(node).empty()) text += ' ' + unit(node);
+  if (found->step) text += ", step " + showValue(nullptr, *found->step);
+  return text;
 }
 
 }  // namespace velmora::tool

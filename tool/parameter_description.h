@@ -1,9 +1,11 @@
 /// The applet's description of a port's parameters.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "tool/parameter_values.h"
 #include "tool/session.h"
 
 namespace velmora::tool {
@@ -26,6 +28,17 @@ bool isGroup(const RegisterInfo& node);
 
 /// "read", "read/write" or "write".
 std::string accessText(const RegisterInfo& node);
+
+struct Limits {
+  Value min;
+  Value max;
+  std::optional<Value> step;  ///< None when any value between them will do.
+};
+/// The numbers that a parameter takes at the moment; none where the description has no range.
+std::optional<Limits> limits(const RegisterInfo& node);
+
+/// In UTF-8; may be empty.
+std::string unit(const RegisterInfo& node);
 
 /// The values that a parameter takes at the moment, with the unit in UTF-8: "8 to 8192 pixel, step
 /// 4"; empty where the description has none. Entries of enumerations are left to the caller.

@@ -93,17 +93,17 @@ std::uint64_t parseValue(const RegisterInfo* node, const ValueKind& kind, const 
   return realBits(integer->negative ? -magnitude : magnitude);
 }
 
-std::string showValue(const RegisterInfo* node, const ValueKind& kind, std::uint64_t bits) {
-  if (kind.form == Form::kReal) return fmt::format("{}", std::bit_cast<double>(bits));
-  if (kind.form == Form::kUnsigned) return fmt::format("{}", lowBits(bits, kind.bits));
-  const auto number =
-      kind.bits == 32 ? static_cast<std::int32_t>(bits) : static_cast<std::int64_t>(bits);
-  if (kind.kind == REGISTER_INFO_ENUM) {
-    const auto& entries = node->value.enumeration;
-    for (std::uint32_t i = 0; i < entries.entryCount; ++i)
-      if (entries.values[i] == number) return fmt::format("{} ({})", number, entryName(*node, i));
-  }
-  return fmt::format("{}", number);
+Value valueOf(const ValueKind& kind, std::uint64_t bits) {
+  if (kind.form == Form::kReal) return std::bit_cast<double>(bits);
+  if (kind.form == Form::kUnsigned) return lowBits(bits, kind.bits);
+  return kind.bits == 32 ? static_cast<std::int32_t>(bits) : static_cast<std::int64_t>(bits);
+}
+
+std::string showValue(const RegisterInfo* node, const Value& value) {
+  const std::string name = entryName(node, value);
+  const std::string shown =
+      std::visit([](const auto& content) { return fmt::format("{}", content); }, value);
+  return name.empty() ? shown : fmt::format("{} ({})", shown, name);
 }
 
 std::string entryName(const RegisterInfo& enumeration, std::uint32_t entry) {
@@ -111,13 +111,25 @@ std::string entryName(const RegisterInfo& enumeration, std::uint32_t entry) {
   return utf8(identifier ? identifier : enumeration.value.enumeration.names[entry]);
 }
 
-std::string entryList(const RegisterInfo& node) {
-  std::string list;
-  if (node.kind != REGISTER_INFO_ENUM) return list;
+std::string entryName(const RegisterInfo* node, const Value& value) {
+  if (!node || node->kind != REGISTER_INFO_ENUM) return {};
+  const auto& entries = node->value.enumeration;
+  for (std::uint32_t i = 0; i < entries.entryCount; ++i)
+    if (value == Value(std::int64_t{entries.values[i]})) return entryName(*node, i);
+  return {};
+}
+
+std::vector<std::string> entryTexts(const RegisterInfo& node) {
+  std::vector<std::string> texts;
+  if (node.kind != REGISTER_INFO_ENUM) return texts;
   const auto& entries = node.value.enumeration;
   for (std::uint32_t i = 0; i < entries.entryCount; ++i)
-    list += fmt::format("{}{} {}", i == 0 ? "" : ", ", entries.values[i], entryName(node, i));
-  return list;
+    texts.push_back(fmt::format("{} {}", entries.values[i], entryName(node, i)));
+  return texts;
+}
+
+std::string entryList(const RegisterInfo& node) {
+  return fmt::format("{}", fmt::join(entryTexts(node), ", "));
 }
 
 }  // namespace velmora::tool

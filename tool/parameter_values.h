@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <variant>
+#include <vector>
 
 #include "tool/applet_library.h"
 
@@ -29,12 +31,20 @@ const ValueKind& valueKind(const RegisterInfo* node, int id);
 /// applet checks ranges.
 std::uint64_t parseValue(const RegisterInfo* node, const ValueKind& kind, const std::string& text);
 
-/// The number, followed by its name where the parameter is an enumeration: "1 (FG_ON)".
-std::string showValue(const RegisterInfo* node, const ValueKind& kind, std::uint64_t bits);
+/// A value as its kind has it.
+using Value = std::variant<std::uint64_t, std::int64_t, double, std::string>;
+/// What bits mean that came from the parameter functions; not for texts.
+Value valueOf(const ValueKind& kind, std::uint64_t bits);
+/// The value, followed by its name where the parameter is an enumeration: "1 (FG_ON)".
+std::string showValue(const RegisterInfo* node, const Value& value);
 
 /// What an entry of an enumeration is called: its symbolic name, else its display text.
 std::string entryName(const RegisterInfo& enumeration, std::uint32_t entry);
-/// All of them, such as "1 FG_ON, 0 FG_OFF"; empty for another kind.
+/// The name of the entry that the parameter stands at; empty when there is none.
+std::string entryName(const RegisterInfo* node, const Value& value);
+/// All of them, such as "1 FG_ON"; none for another kind.
+std::vector<std::string> entryTexts(const RegisterInfo& node);
+/// The same in one text: "1 FG_ON, 0 FG_OFF".
 std::string entryList(const RegisterInfo& node);
 
 }  // namespace velmora::tool

@@ -8,8 +8,8 @@
 #include <cstring>
 #include <filesystem>
 #include <optional>
+#include <utility>
 
-#include "board/control.h"
 #include "tool/code_text.h"
 #include "tool/text.h"
 
@@ -83,36 +83,48 @@ class ExternalDesign {
 
 }  // namespace
 
-AccessTrace::AccessTrace() {
-  board::observe([](const board::Access& access) { printError(board::describe(access)); });
+Observation::Observation(Observer observer, Others others)
+    : observer_(std::move(observer)), others_(others), before_(current) {
+  install(this);
 }
 
-AccessTrace::~AccessTrace() { board::observe({}); }
+Observation::~Observation() { install(before_); }
+
+void Observation::install(const Observation* observation) {
+  current = observation;
+  if (observation)
+    board::observe([observation](const board::Access& access) { observation->call(access); });
+  else
+    board::observe({});
+}
+
+void Observation::call(const board::Access& access) const {
+  observer_(access);
+  if (before_ && others_ == Others::kGoOn) before_->call(access);
+}
+
+void showAccess(const board::Access& access) { printError(board::describe(access)); }
 
 void Session::DestroyDevice::operator()(KTdevice* device) const {
   VirtualBoard_destroyDevice(device);
 }
 
-Session::Session(const AppletLibrary& library, const SessionOptions& options)
-    : library_(library), trace_(options.trace), device_(VirtualBoard_createDevice()) {
-  if (trace_ == Trace::kAll) tracing_.emplace();
+Session::Session(const AppletLibrary& library, SessionOptions options)
+    : library_(library), options_(std::move(options)), device_(VirtualBoard_createDevice()) {
+  if (options_.trace) tracing_.emplace(showAccess);
   int error = 0;
   {
     std::optional<ExternalDesign> design;
-    if (!options.design.empty()) design.emplace(options.design);
+    if (!options_.design.empty()) design.emplace(options_.design);
     grabber_.applet =
-        library_.stdEntry(device_.get(), &error, options.writeDefaults ? 0 : VELMORA_LEAVE_DESIGN);
+        library_.stdEntry(device_.get(), &error, options_.writeDefaults ? 0 : VELMORA_LEAVE_DESIGN);
   }
   if (!grabber_.applet) {
-    const std::string where = options.design.empty() ? "" : " with the design " + options.design;
+    const std::string where = options_.design.empty() ? "" : " with the design " + options_.design;
     throw Failure(fmt::format("the applet does not start{}: {}", where, codeText(error)));
   }
-  if (trace_ == Trace::kCommand) tracing_.emplace();
 }
 
-Session::~Session() {
-  if (trace_ == Trace::kCommand) tracing_.reset();
-  library_.freeGrabber(&grabber_);
-}
+Session::~Session() { library_.freeGrabber(&grabber_); }
 
 }  // namespace velmora::tool

@@ -1,10 +1,13 @@
 #include "tool/text.h"
 
 #include <fmt/format.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <numeric>
 #include <utility>
@@ -14,9 +17,9 @@
 
 namespace velmora::tool {
 
-std::string utf8(std::string_view latin1) {
+std::string utf8(const char* latin1) {
   std::string text;
-  for (const char character : latin1) {
+  for (const char character : std::string_view(latin1 ? latin1 : "")) {
     const auto byte = static_cast<unsigned char>(character);
     if (byte < 0x80) {
       text += character;
@@ -32,6 +35,12 @@ namespace {
 
 char upper(char letter) {
   return letter >= 'a' && letter <= 'z' ? static_cast<char>(letter - 'a' + 'A') : letter;
+}
+
+/// Of UTF-8.
+std::size_t characters(std::string_view text) {
+  return static_cast<std::size_t>(
+      std::ranges::count_if(text, [](char byte) { return (byte & 0xC0) != 0x80; }));
 }
 
 void print(std::FILE* stream, std::string_view line) {
@@ -61,6 +70,28 @@ std::size_t editDistance(std::string_view one, std::string_view other) {
   return row.back();
 }
 
+std::size_t outputWidth() {
+  winsize size{};
+  if (ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0) return size.ws_col;
+  const char* const columns = std::getenv("COLUMNS");
+  return parseWhole<std::size_t>(columns ? columns : "").value_or(80);
+}
+
+void printFitting(std::size_t indent, const std::vector<std::string>& pieces) {
+  const std::size_t width = outputWidth();
+  std::string line;
+  for (const std::string& piece : pieces) {
+    if (piece.empty()) continue;
+    if (!line.empty() && characters(line) + 1 + characters(piece) > width) {
+      printLine(line);
+      line = std::string(indent + 4, ' ') + piece;
+    } else {
+      line += (line.empty() ? std::string(indent, ' ') : " ") + piece;
+    }
+  }
+  printLine(line);
+}
+
 void writeFile(const std::string& file, std::string_view content) {
   std::FILE* const stream = std::fopen(file.c_str(), "wb");
   bool written = stream;
@@ -75,11 +106,13 @@ void Table::print(std::size_t indent) const {
   std::vector<std::size_t> widths;
   for (const auto& row : rows_) {
     widths.resize(std::max(widths.size(), row.size()));
-    for (std::size_t i = 0; i < row.size(); ++i) widths[i] = std::max(widths[i], row[i].size());
+    for (std::size_t i = 0; i < row.size(); ++i)
+      widths[i] = std::max(widths[i], characters(row[i]));
   }
   for (const auto& row : rows_) {
     std::string line(indent, ' ');
-    for (std::size_t i = 0; i < row.size(); ++i) line += fmt::format("{:<{}}  ", row[i], widths[i]);
+    for (std::size_t i = 0; i < row.size(); ++i)
+      line += row[i] + std::string(widths[i] - characters(row[i]) + 2, ' ');
     line.resize(line.find_last_not_of(' ') + 1);
     printLine(line);
   }

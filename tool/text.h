@@ -10,8 +10,8 @@
 
 namespace velmora::tool {
 
-/// Single-byte (Latin-1) text of the applet's descriptions as UTF-8.
-std::string utf8(std::string_view latin1);
+/// Single-byte (Latin-1) text of the applet's descriptions as UTF-8; empty for null.
+std::string utf8(const char* latin1);
 
 /// The whole text as a number, if it is one. `base`, 10 if left out, is for integers only.
 template <class Number, class... Base>
@@ -32,6 +32,12 @@ std::size_t editDistance(std::string_view one, std::string_view other);
 /// messages come from designs and files of others.
 void printLine(std::string_view line);
 void printError(std::string_view line);
+
+/// Columns of the terminal on standard output; of no terminal those that COLUMNS tells, or 80.
+std::size_t outputWidth();
+/// Prints pieces of text with a blank between them, as many to a line as fit; the first line
+/// indented by `indent` blanks and the others by four more. Empty pieces are left out.
+void printFitting(std::size_t indent, const std::vector<std::string>& pieces);
 
 /// Writes `content` to a file byte for byte; `Failure` when that does not work.
 void writeFile(const std::string& file, std::string_view content);
