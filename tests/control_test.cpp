@@ -143,6 +143,17 @@ TEST_F(Control, TellsEveryAccess) {
   VirtualBoard_stopJournal();
 }
 
+TEST_F(Control, LetsAnObserverGoWhenItHasReturned) {
+  Lines lines;
+  const VirtualBoardObserver once = [](void* context, const VirtualBoardAccess* access) {
+    VirtualBoard_observe(nullptr, nullptr, nullptr);
+    describeTo(context, access);
+  };
+  EXPECT_EQ(VirtualBoard_observe(once, &lines, release), 0);
+  EXPECT_EQ(read() + read(), 0);
+  EXPECT_EQ(lines, (Lines{"read CamGenEnable0 -> 0", "released"}));
+}
+
 /// Its functions have one context, and each can do without the other.
 TEST_F(Control, ReplacesTheClock) {
   int64_t time = 1000;
