@@ -27,6 +27,7 @@ inline void checkMemory(int code) {
 
 /// Throws for a name or channel that there is not.
 inline void checkValue(int code, const std::string& name) {
+  checkMemory(code);
   if (code != VELMORA_OK) throw std::out_of_range(name + ": " + VirtualBoard_errorText(code));
 }
 

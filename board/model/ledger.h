@@ -25,6 +25,7 @@ bool giveBackString(const char* text);
 
 #pragma GCC visibility pop
 
+// For the control side, and so not visible to the other libraries.
 namespace board {
 
 VirtualBoardOutstanding outstanding();

@@ -67,6 +67,7 @@ auto watched(Describe describe, Action action) {
 
 #pragma GCC visibility pop
 
+// For the control side, and so not visible to the other libraries.
 namespace board {
 
 void startJournal();
