@@ -1,4 +1,4 @@
-/// The control side in C.
+/// The control side in C: devices, their values, pictures, inputs and events.
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -6,6 +6,7 @@
 #include <optional>
 #include <span>
 
+#include "board/guarded.h"
 #include "board/model/ledger.h"
 #include "board/model/model.h"
 #include "board/model/picture_memory.h"
@@ -17,16 +18,6 @@ namespace {
 constexpr double kFastestTrain = 15e6;  // Hz
 constexpr std::uint32_t kWidest = 8192;
 constexpr std::uint32_t kHighest = 65535;
-
-/// No exception reaches a C program.
-template <class Action>
-int guarded(Action action) noexcept {
-  try {
-    return action();
-  } catch (...) {
-    return VELMORA_OUT_OF_MEMORY;
-  }
-}
 
 /// Nothing for a number that is no time to wait.
 std::optional<std::chrono::nanoseconds> timeout(double seconds) {
@@ -220,3 +211,19 @@ int VirtualBoard_takeEvent(KTdevice* device, double seconds, VirtualBoardEvent* 
 std::uint64_t VirtualBoard_lostEvents(KTdevice* device) {
   return ask<std::uint64_t>(device, [](TriggerBlock& trigger) { return trigger.events().lost(); });
 }
+
+int VirtualBoard_setValue(KTdevice* device, const char* name, std::uint32_t dma, double value) {
+  if (!device) return kNoHandle;
+  if (!name) return kNullValue;
+  return guarded([&] { return device->setByName(name, dma, value); });
+}
+
+int VirtualBoard_getValue(KTdevice* device, const char* name, std::uint32_t dma, double* value) {
+  if (!device) return kNoHandle;
+  if (!name || !value) return kNullValue;
+  return guarded([&] { return device->getByName(name, dma, *value); });
+}
+
+VirtualBoardOutstanding VirtualBoard_outstanding() { return outstanding(); }
+
+const char* VirtualBoard_errorText(int code) { return errorText(code); }

@@ -1,98 +1,150 @@
-/// The virtual board: a model of a frame grabber, and stand-ins for the libraries that drive one
-/// (`libvorn5.so`, `libdervin.so`, `libkorv_hw.so`), so that applets run without hardware.
-///
-/// `velmora/virtual_board.h` is the control side in C. This header adds what a test or a tool in
-/// C++ watches every access with, and makes accesses fail with. The journal and the faults are
-/// process-wide and may be used from any thread.
+/// The control side of the virtual board in C++: `velmora/virtual_board.h`, which describes it,
+/// with strings, functions and exceptions for tests and tools.
 #pragma once
 
+#include <algorithm>
 #include <chrono>
 #include <cstdint>
 #include <functional>
+#include <memory>
+#include <new>
+#include <optional>
+#include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "board/access.h"
+#include "velmora/errors.h"
 #include "velmora/virtual_board.h"
 
-#pragma GCC visibility push(default)
-
 namespace board {
+namespace internal {
 
-/// Sets or returns the value of a register or parameter by name, without a journal entry: to play
-/// the hardware's part (status words, counters, overflow) and to check what was written. The
-/// channel `dma` has no influence on registers and shared parameters. The runtime's own parameters
-/// have names such as "FG_TIMEOUT" or "FG_CAMSTATUS_EXTENDED"; once set here, one keeps that value
-/// instead of following the device's state. So does a status of the trigger block, until a host
-/// clears it. Unknown names and channels, and all names before the first inner handle, throw
-/// `std::out_of_range`.
-void setValue(KTdevice* device, const std::string& name, unsigned dma, double value);
-double value(KTdevice* device, const std::string& name, unsigned dma);
+inline void checkMemory(int code) {
+  if (code == VELMORA_OUT_OF_MEMORY) throw std::bad_alloc();
+}
 
-/// Inner handles, designs, strings (type 22) and picture memories that were handed out and not
-/// given back; all 0 when nothing leaked.
-struct Outstanding {
-  int handles = 0;
-  int designs = 0;
-  int strings = 0;
-  int memories = 0;
+/// Throws for a name or channel that there is not.
+inline void checkValue(int code, const std::string& name) {
+  checkMemory(code);
+  if (code != VELMORA_OK) throw std::out_of_range(name + ": " + VirtualBoard_errorText(code));
+}
+
+inline Access ownedBy(const VirtualBoardAccess& access) {
+  return {static_cast<AccessKind>(access.kind),
+          access.name,
+          access.dma,
+          access.value,
+          access.result,
+          access.failed != 0};
+}
+
+/// As the context of C functions; the board releases it.
+template <class T>
+void* handOver(T object) {
+  return new T(std::move(object));
+}
+template <class T>
+void release(void* context) {
+  delete static_cast<T*>(context);
+}
+
+struct Clock {
+  std::function<std::chrono::nanoseconds()> now;
+  std::function<void(std::chrono::nanoseconds)> sleep;
 };
-Outstanding outstanding();
+using Observer = std::function<void(const Access&)>;
 
-/// What an error code of the board's libraries means; empty for any other code.
-const char* errorText(int code);
+}  // namespace internal
 
-/// Replaces the clock that counts pictures and measures timeouts. Empty functions restore the
-/// steady clock and real sleep; a test's `sleep` advances its own time. Neither may use the board.
-void setClock(std::function<std::chrono::nanoseconds()> now,
-              std::function<void(std::chrono::nanoseconds)> sleep);
+inline void setValue(KTdevice* device, const std::string& name, unsigned dma, double value) {
+  internal::checkValue(VirtualBoard_setValue(device, name.c_str(), dma, value), name);
+}
+inline double value(KTdevice* device, const std::string& name, unsigned dma) {
+  double number = 0;
+  internal::checkValue(VirtualBoard_getValue(device, name.c_str(), dma, &number), name);
+  return number;
+}
 
-enum class AccessKind {
-  kSet,  ///< design or runtime parameter written
-  kGet,  ///< design or runtime parameter read
-  kRegisterWrite,
-  kRegisterRead,
-  kCall,  ///< any other function of the board's libraries; `name` is the function's
-};
+using Outstanding = VirtualBoardOutstanding;
+inline Outstanding outstanding() { return VirtualBoard_outstanding(); }
 
-/// One access to the board, in the order they happened.
-struct Access {
-  AccessKind kind;
-  std::string name;   ///< parameter, register or function name; "#<id>" for an unknown id
-  int dma = -1;       ///< DMA index as passed; -1 where the call has none
-  std::string value;  ///< value written or read (decimal, doubles in shortest form), or arguments
-  std::int64_t result =
-      0;                ///< what the access returned (0 for a non-null pointer, -1 for a null one)
-  bool failed = false;  ///< whether a fault took its place or the result is an error
-};
+inline const char* errorText(int code) { return VirtualBoard_errorText(code); }
 
-/// One line, such as "set Device1_Process1_Buffer_XLength[1] = 1000", "get NAME[0] -> 5",
-/// "write CamGenWidth0 = 1024", "read NAME -> 3", "call Fg_AcquireEx(dma 0, 10 pictures)"; a failed
-/// access ends in " failed: -2080", a call that returns a null pointer in " -> null".
-std::string describe(const Access& access);
+/// Empty functions restore the steady clock and real sleep.
+inline void setClock(std::function<std::chrono::nanoseconds()> now,
+                     std::function<void(std::chrono::nanoseconds)> sleep) {
+  using internal::Clock;
+  const VirtualBoardNow tell = [](void* clock) -> std::int64_t {
+    return static_cast<Clock*>(clock)->now().count();
+  };
+  const VirtualBoardSleep pause = [](void* clock, std::int64_t time) {
+    static_cast<Clock*>(clock)->sleep(std::chrono::nanoseconds(time));
+  };
+  const bool tells = now != nullptr, pauses = sleep != nullptr;
+  internal::checkMemory(VirtualBoard_setClock(
+      tells ? tell : nullptr, pauses ? pause : nullptr,
+      internal::handOver(Clock{std::move(now), std::move(sleep)}), internal::release<Clock>));
+}
 
-/// The journal records nothing until it is started. Starting clears it.
-void startJournal();
-void stopJournal();
-/// Returns the accesses since the start or the last take. The journal goes on, empty.
-std::vector<Access> takeJournal();
-/// Calls `observer` for every access, on the accessing thread, before its result is returned,
-/// without any board lock held. An empty function stops it.
-void observe(std::function<void(const Access&)> observer);
+inline std::string describe(const Access& access) {
+  const auto view = viewOf(access);
+  std::size_t size = 0;
+  internal::checkMemory(VirtualBoard_describe(&view, nullptr, &size));
+  std::string text(size, '\0');
+  internal::checkMemory(VirtualBoard_describe(&view, text.data(), &size));
+  text.pop_back();  // The zero.
+  return text;
+}
 
-/// Makes the accesses of this name (parameter, register or function name as in the journal) fail:
-/// return `code`, negative or positive, without any effect, `times` times, or until `clearFaults`
-/// when 0. Functions that return a pointer return null, and `code` becomes the last error.
-void failNamed(const std::string& name, int code, int times = 0);
-/// Makes the k-th parameter or register access from now (k from 1; `kCall` accesses do not count)
-/// return `code` without any effect.
-void failAt(unsigned k, int code);
-/// Like `failAt`, counting writes (`kSet`, `kRegisterWrite`) only.
-void failAtWrite(unsigned k, int code);
-/// Like `failAt`, counting every access, of whatever kind; of a function that returns a pointer as
-/// with `failNamed`.
-void failAtCall(unsigned k, int code);
-void clearFaults();
+inline void startJournal() { VirtualBoard_startJournal(); }
+inline void stopJournal() { VirtualBoard_stopJournal(); }
+inline std::vector<Access> takeJournal() {
+  std::vector<Access> journal;
+  internal::checkMemory(VirtualBoard_takeJournal(
+      [](void* accesses, const VirtualBoardAccess* access) {
+        static_cast<std::vector<Access>*>(accesses)->push_back(internal::ownedBy(*access));
+      },
+      &journal));
+  return journal;
+}
+
+/// An empty function stops it. What it throws leaves the access. It lacks what there is no memory
+/// for: the access is done then, and its result must not get lost.
+inline void observe(std::function<void(const Access&)> observer) {
+  using internal::Observer;
+  if (!observer) {
+    VirtualBoard_observe(nullptr, nullptr, nullptr);
+    return;
+  }
+  const VirtualBoardObserver pass = [](void* context, const VirtualBoardAccess* access) {
+    std::optional<Access> owned;
+    try {
+      owned = internal::ownedBy(*access);
+    } catch (const std::bad_alloc&) {
+      return;
+    }
+    (*static_cast<Observer*>(context))(*owned);
+  };
+  internal::checkMemory(VirtualBoard_observe(pass, internal::handOver(std::move(observer)),
+                                             internal::release<Observer>));
+}
+
+inline void failNamed(const std::string& name, int code, int times = 0) {
+  internal::checkMemory(
+      VirtualBoard_failNamed(name.c_str(), code, static_cast<std::uint32_t>(std::max(times, 0))));
+}
+/// A k of 0 is no access.
+inline void failAt(unsigned k, int code) {
+  internal::checkMemory(VirtualBoard_failAt(VELMORA_COUNT_VALUES, k, code));
+}
+inline void failAtWrite(unsigned k, int code) {
+  internal::checkMemory(VirtualBoard_failAt(VELMORA_COUNT_WRITES, k, code));
+}
+inline void failAtCall(unsigned k, int code) {
+  internal::checkMemory(VirtualBoard_failAt(VELMORA_COUNT_ALL, k, code));
+}
+inline void clearFaults() { VirtualBoard_clearFaults(); }
 
 }  // namespace board
-
-#pragma GCC visibility pop

@@ -67,6 +67,12 @@ TEST(BoardDesign, ExternalDesignMayDiffer) {
   for (uint32_t i = 0; i < described.childCount; ++i) kinds.insert(described.children[i]->kind);
   EXPECT_EQ(kinds, (std::set<uint32_t>{REGISTER_INFO_STRING, 7, 8, 13}));
 
+  double number = 0;
+  for (const char* manifold : {"Text", "U"}) {
+    EXPECT_EQ(VirtualBoard_setValue(session.device, manifold, 0, 1), -2083);
+    EXPECT_EQ(VirtualBoard_getValue(session.device, manifold, 0, &number), -2083);
+  }
+
   const int id = session.id("Text");
   char* text = nullptr;
   char foreign[] = "new text";

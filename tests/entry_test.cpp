@@ -1,6 +1,7 @@
 #include <cstdio>
 #include <iterator>
 #include <new>
+#include <regex>
 #include <set>
 
 #include "tests/applet_test.h"
@@ -37,6 +38,19 @@ Lines takeNames() {
 TEST(Library, ExportsExactlyTheInterface) {
   EXPECT_EQ(wordsOf(outputOf(NM " -D --defined-only --format=just-symbols " LIBRARY)),
             wordsOf(contentOf(TEST_DATA "/exports.txt")));
+}
+
+/// The board's library: what its header declares; all else is for the board's other libraries.
+TEST(Library, OfTheBoardExportsItsHeader) {
+  std::multiset<std::string> declared, exported;
+  const std::string header = contentOf(BOARD_HEADER);
+  const std::regex call("VirtualBoard_[A-Za-z]+(?=\\()");
+  for (std::sregex_iterator name(header.begin(), header.end(), call), end; name != end; ++name)
+    declared.insert(name->str() + "@@VIRTUALBOARD");
+  for (const auto& word : wordsOf(outputOf(NM " -D --defined-only --format=just-symbols " BOARD)))
+    if (word.find('@') != std::string::npos && !word.ends_with("@@VIRTUALBOARD_PRIVATE"))
+      exported.insert(word);
+  EXPECT_EQ(exported, declared);
 }
 
 TEST(Library, NeedsTheDesignAndTheRegisterLibrary) {

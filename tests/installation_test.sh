@@ -45,6 +45,18 @@ link() {
   run "${CC:-cc}" "$1" -o program -Wl,--no-as-needed "${flags[@]}"
 }
 
+# block KIND prints the document's one block of that kind.
+block() {
+  sed -n "/^\`\`\`$1\$/,/^\`\`\`\$/{/^\`\`\`/d;p}" after/share/doc/velmora/docs/virtual-board.md
+}
+
+# documented runs the program in the board's document, which prints what the document says.
+documented() {
+  block c >documented.c
+  link documented.c velmora velmora-virtual-board
+  ./program | diff - <(block text)
+}
+
 moved() {
   run cmake --install "$build" --prefix "$here/before"
   mv before after
@@ -63,6 +75,7 @@ moved() {
     link alone.c "$package"
     run ./program
   done
+  documented
   [[ $(after/bin/velmora get FG_WIDTH) == *1024 ]]
   absent "$here" after
   absent "$source" after

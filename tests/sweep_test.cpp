@@ -38,7 +38,8 @@ class Sweep : public testing::TestWithParam<bool> {
         board::setValue(each->device(), "FG_CAMSTATUS_EXTENDED", port, 1);
     host.set(FG_DMASTATUS, 0);  // The loggers are made once, and do without memory.
     // Calls are described to an observer, which takes memory.
-    if (allocations) board::observe([](const board::Access&) {});
+    if (allocations)
+      VirtualBoard_observe([](void*, const VirtualBoardAccess*) {}, nullptr, nullptr);
   }
   void TearDown() override {
     board::observe({});

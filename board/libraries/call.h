@@ -3,7 +3,7 @@
 
 #include <fmt/format.h>
 
-#include "board/control.h"
+#include "board/access.h"
 
 namespace board {
 

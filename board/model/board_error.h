@@ -28,4 +28,7 @@ enum Error : int {
   kNotOffered = VELMORA_NOT_SUPPORTED  ///< The board's runtime lacks the function.
 };
 
+/// What a code means; empty for any other code.
+const char* errorText(int code);
+
 }  // namespace board

@@ -1,56 +1,45 @@
 #include "board/model/clock.h"
 
 #include <atomic>
-#include <functional>
-#include <memory>
 #include <mutex>
 #include <thread>
 #include <utility>
 
-#include "board/control.h"
+#include "board/model/immortal.h"
 
 namespace board {
 namespace {
 
-struct Clock {
-  std::function<std::chrono::nanoseconds()> now;
-  std::function<void(std::chrono::nanoseconds)> sleep;
-};
-
 std::atomic<bool> clockReplaced{false};
 std::mutex clockMutex;
 
-/// Never destroyed: the board may be in use while the process exits.
-std::shared_ptr<const Clock>& replacement() {
-  static auto& clock = *new std::shared_ptr<const Clock>;
-  return clock;
-}
-
-/// Null while the steady clock is in use.
-std::shared_ptr<const Clock> replacedClock() {
-  if (!clockReplaced.load(std::memory_order_relaxed)) return nullptr;
+/// Without functions while the steady clock is in use.
+Clock replacedClock() {
+  if (!clockReplaced.load(std::memory_order_relaxed)) return {};
   const std::lock_guard guard(clockMutex);
-  return replacement();
+  return immortal<Clock>();
 }
 
 }  // namespace
 
-void setClock(std::function<std::chrono::nanoseconds()> now,
-              std::function<void(std::chrono::nanoseconds)> sleep) {
+void setClock(Clock clock) {
+  const bool replaces = clock.now || clock.sleep;
+  if (!replaces) clock.context.reset();
   const std::lock_guard guard(clockMutex);
-  clockReplaced = now || sleep;
-  replacement() = std::make_shared<const Clock>(Clock{std::move(now), std::move(sleep)});
+  clockReplaced = replaces;
+  std::swap(immortal<Clock>(), clock);  // The old context is released without the lock.
 }
 
 std::chrono::nanoseconds now() {
   const auto clock = replacedClock();
-  return clock && clock->now ? clock->now() : std::chrono::steady_clock::now().time_since_epoch();
+  return clock.now ? std::chrono::nanoseconds(clock.now(clock.context.get()))
+                   : std::chrono::steady_clock::now().time_since_epoch();
 }
 
 void sleepFor(std::chrono::nanoseconds time) {
   const auto clock = replacedClock();
-  if (clock && clock->sleep) {
-    clock->sleep(time);
+  if (clock.sleep) {
+    clock.sleep(clock.context.get(), time.count());
   } else {
     std::this_thread::sleep_for(time);
   }

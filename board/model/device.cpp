@@ -3,7 +3,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <stdexcept>
 
 #include "board/model/board_error.h"
 #include "board/model/clock.h"
@@ -215,36 +214,43 @@ int Device::readRegister(int id, std::uint64_t* value) const {
 }
 
 Device::Place Device::locate(const std::string& name, unsigned dma) {
-  if (dma >= kPorts) throw std::out_of_range("DMA index");
-  if (design_) {
-    // No value is accessed; any pointer passes the check for null.
-    if (const int id = design_->parameterId(name)) return locate(id, this, dma);
-    if (auto* cell = cellNamed(name)) return {.kind = REGISTER_INFO_UINT64, .cell = cell};
-  }
+  if (dma >= kPorts) return {.error = kBadDma};
+  if (!design_) return {.error = kUnknownParameter};
+  // No value is accessed; any pointer passes the check for null.
+  const auto parameter = [&](int id) {
+    auto place = locate(id, this, dma);
+    if (!isScalar(place.kind)) place.error = kWrongType;
+    return place;
+  };
+  if (const int id = design_->parameterId(name)) return parameter(id);
+  if (auto* cell = cellNamed(name)) return {.kind = REGISTER_INFO_UINT64, .cell = cell};
   const auto* row =
       std::find_if(kRuntimeParameters.begin(), kRuntimeParameters.end(),
                    [&](const RuntimeParameter& parameter) { return parameter.name == name; });
-  if (!design_ || row == kRuntimeParameters.end()) throw std::out_of_range("board name " + name);
-  return locate(row->id, this, dma);
+  return row != kRuntimeParameters.end() ? parameter(row->id) : Place{.error = kUnknownParameter};
 }
 
-void Device::setByName(const std::string& name, unsigned dma, double value) {
+int Device::setByName(const std::string& name, unsigned dma, double value) {
   const std::lock_guard guard(mutex_);
   const auto place = locate(name, dma);
+  if (place.error != kOk) return place.error;
   const auto bits = scalarFromDouble(place.kind, value);
   if (place.cell) {
     writeCell(*place.cell, place.slot, bits);
   } else {
     runtime_[place.runtime][dma] = bits;
   }
+  return kOk;
 }
 
-double Device::byName(const std::string& name, unsigned dma) {
+int Device::getByName(const std::string& name, unsigned dma, double& value) {
   const std::lock_guard guard(mutex_);
   const auto place = locate(name, dma);
+  if (place.error != kOk) return place.error;
   const auto bits =
       place.cell ? readCell(*place.cell, place.slot) : readRuntime(place.runtime, dma);
-  return scalarToDouble(place.kind, bits);
+  value = scalarToDouble(place.kind, bits);
+  return kOk;
 }
 
 const char* Device::knownName(int id) const {

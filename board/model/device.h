@@ -79,10 +79,9 @@ class Device {
   RegisterInfoKind parameterKind(int id) const;
 
   /// The hardware's side: access by name to all parameters, runtime parameters and registers that
-  /// hold a single number, read-only ones too. A runtime parameter keeps a value set here. Unknown
-  /// names and DMA indices throw `std::out_of_range`.
-  void setByName(const std::string& name, unsigned dma, double value);
-  double byName(const std::string& name, unsigned dma);
+  /// hold a single number, read-only ones too. A runtime parameter keeps a value set here.
+  int setByName(const std::string& name, unsigned dma, double value);
+  int getByName(const std::string& name, unsigned dma, double& value);
 
   /// Runs `use` on the trigger block, which has caught up with the clock.
   template <class Use>

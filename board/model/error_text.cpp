@@ -2,7 +2,6 @@
 #include <algorithm>
 #include <iterator>
 
-#include "board/control.h"
 #include "board/model/board_error.h"
 
 namespace board {

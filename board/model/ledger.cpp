@@ -6,7 +6,7 @@
 #include <mutex>
 #include <set>
 
-#include "board/control.h"
+#include "board/model/immortal.h"
 
 namespace board {
 namespace {
@@ -17,11 +17,7 @@ struct Ledger {
   std::map<const char*, std::unique_ptr<char[]>> strings;
 };
 
-/// Never destroyed: other libraries may give things back while the process exits.
-Ledger& ledger() {
-  static Ledger& instance = *new Ledger;
-  return instance;
-}
+Ledger& ledger() { return immortal<Ledger>(); }
 
 std::set<const void*>& objectsOf(HandedOut kind) {
   return ledger().objects[static_cast<std::size_t>(kind)];
@@ -58,7 +54,7 @@ bool giveBackString(const char* text) {
   return ledger().strings.erase(text) != 0;
 }
 
-Outstanding outstanding() {
+VirtualBoardOutstanding outstanding() {
   const std::lock_guard guard(ledger().mutex);
   return {static_cast<int>(objectsOf(HandedOut::kHandle).size()),
           static_cast<int>(objectsOf(HandedOut::kDesign).size()),

@@ -3,6 +3,8 @@
 
 #include <string_view>
 
+#include "velmora/virtual_board.h"
+
 #pragma GCC visibility push(default)
 
 namespace board {
@@ -22,3 +24,10 @@ bool giveBackString(const char* text);
 }  // namespace board
 
 #pragma GCC visibility pop
+
+// For the control side, and so not visible to the other libraries.
+namespace board {
+
+VirtualBoardOutstanding outstanding();
+
+}  // namespace board

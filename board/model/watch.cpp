@@ -7,6 +7,8 @@
 #include <mutex>
 #include <string_view>
 
+#include "board/model/immortal.h"
+
 namespace board {
 
 std::atomic<bool> watching{false};
@@ -19,39 +21,30 @@ constexpr std::string_view kErrorQuery = "Fg_getLastErrorNumber";  ///< Returns 
 struct NamedFault {
   std::string name;
   int code;
-  int timesLeft;  ///< 0: no limit.
+  unsigned timesLeft;  ///< 0: no limit.
 };
-
-/// What a counted fault counts.
-enum class Counted { kWrites, kValues, kAll };
 
 struct CountedFault {
   unsigned accessesLeft;
   int code;
-  Counted counted;
+  VirtualBoardCounted counted;
 };
-
-using Observer = std::function<void(const Access&)>;
 
 struct Watcher {
   std::mutex mutex;
   bool journaling = false;
   std::vector<Access> journal;
-  std::shared_ptr<const Observer> observer;
+  Observer observer;
   std::vector<NamedFault> named;
   std::vector<CountedFault> counted;
 
   /// To be called after every change, with the mutex held.
   void updateWatching() const {
-    watching = journaling || observer || !named.empty() || !counted.empty();
+    watching = journaling || observer.call || !named.empty() || !counted.empty();
   }
 };
 
-/// Never destroyed: accesses may come while the process exits.
-Watcher& watcher() {
-  static Watcher& instance = *new Watcher;
-  return instance;
-}
+Watcher& watcher() { return immortal<Watcher>(); }
 
 template <class Change>
 void change(Change apply) {
@@ -61,9 +54,9 @@ void change(Change apply) {
   watch.updateWatching();
 }
 
-bool counts(Counted counted, AccessKind kind) {
-  if (counted == Counted::kAll) return true;
-  if (counted == Counted::kValues) return kind != AccessKind::kCall;
+bool counts(VirtualBoardCounted counted, AccessKind kind) {
+  if (counted == VELMORA_COUNT_ALL) return true;
+  if (counted == VELMORA_COUNT_VALUES) return kind != AccessKind::kCall;
   return kind == AccessKind::kSet || kind == AccessKind::kRegisterWrite;
 }
 
@@ -87,11 +80,6 @@ std::optional<int> takeCounted(Watcher& watch, AccessKind kind) {
   return code;
 }
 
-void failCounted(unsigned k, int code, Counted counted) {
-  if (k == 0) return;
-  change([&](Watcher& watch) { watch.counted.push_back({k, code, counted}); });
-}
-
 }  // namespace
 
 std::optional<int> takeFault(const Access& access) {
@@ -104,7 +92,7 @@ std::optional<int> takeFault(const Access& access) {
 }
 
 void report(const Access& access) {
-  std::shared_ptr<const Observer> observer;
+  Observer observer;
   {
     auto& watch = watcher();
     const std::lock_guard guard(watch.mutex);
@@ -115,7 +103,9 @@ void report(const Access& access) {
       // The caller must get what the access returned.
     }
   }
-  if (observer) (*observer)(access);
+  if (!observer.call) return;
+  const auto view = viewOf(access);
+  observer.call(observer.context.get(), &view);
 }
 
 void startJournal() {
@@ -129,29 +119,29 @@ void stopJournal() {
   change([](Watcher& watch) { watch.journaling = false; });
 }
 
-std::vector<Access> takeJournal() {
+void withJournal(const std::function<void(std::vector<Access>&)>& use) {
   const std::lock_guard guard(watcher().mutex);
-  return std::exchange(watcher().journal, {});
+  use(watcher().journal);
 }
 
 void observe(Observer observer) {
-  change([&](Watcher& watch) {
-    watch.observer = observer ? std::make_shared<const Observer>(std::move(observer)) : nullptr;
-  });
+  if (!observer.call) observer.context.reset();
+  // The old context is released without the lock.
+  change([&](Watcher& watch) { std::swap(watch.observer, observer); });
 }
 
-void failNamed(const std::string& name, int code, int times) {
+void failNamed(const std::string& name, int code, unsigned times) {
+  NamedFault added{name, code, times};
   change([&](Watcher& watch) {
+    watch.named.reserve(watch.named.size() + 1);  // A failure changes nothing.
     std::erase_if(watch.named, [&](const NamedFault& fault) { return fault.name == name; });
-    watch.named.push_back({name, code, std::max(times, 0)});
+    watch.named.push_back(std::move(added));
   });
 }
 
-void failAt(unsigned k, int code) { failCounted(k, code, Counted::kValues); }
-
-void failAtWrite(unsigned k, int code) { failCounted(k, code, Counted::kWrites); }
-
-void failAtCall(unsigned k, int code) { failCounted(k, code, Counted::kAll); }
+void failAt(VirtualBoardCounted counted, unsigned k, int code) {
+  change([&](Watcher& watch) { watch.counted.push_back({k, code, counted}); });
+}
 
 void clearFaults() {
   change([](Watcher& watch) {
@@ -160,31 +150,33 @@ void clearFaults() {
   });
 }
 
-std::string describe(const Access& access) {
+std::string describe(const VirtualBoardAccess& access) {
   const std::string channel = access.dma >= 0 ? fmt::format("[{}]", access.dma) : std::string();
   std::string text;
   switch (access.kind) {
-    case AccessKind::kSet:
+    case VELMORA_ACCESS_SET:
       text = fmt::format("set {}{} = {}", access.name, channel, access.value);
       break;
-    case AccessKind::kRegisterWrite:
+    case VELMORA_ACCESS_REGISTER_WRITE:
       text = fmt::format("write {} = {}", access.name, access.value);
       break;
-    case AccessKind::kGet:
+    case VELMORA_ACCESS_GET:
       text = fmt::format("get {}{}", access.name, channel);
-      if (!access.failed) text += " -> " + access.value;
+      if (!access.failed) text += fmt::format(" -> {}", access.value);
       break;
-    case AccessKind::kRegisterRead:
-      text = "read " + access.name;
-      if (!access.failed) text += " -> " + access.value;
+    case VELMORA_ACCESS_REGISTER_READ:
+      text = fmt::format("read {}", access.name);
+      if (!access.failed) text += fmt::format(" -> {}", access.value);
       break;
-    case AccessKind::kCall:
+    case VELMORA_ACCESS_CALL:
       text = fmt::format("call {}({})", access.name, access.value);
       if (access.result == -1) return text + " -> null";
       if ((access.result > 0 && !access.failed) || access.name == kErrorQuery) {
         return text + fmt::format(" -> {}", access.result);
       }
       break;
+    default:
+      return text;
   }
   return access.failed ? text + fmt::format(" failed: {}", access.result) : text;
 }

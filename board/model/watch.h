@@ -1,14 +1,18 @@
 /// How each call of the board's libraries passes through the journal, the observer and the faults
-/// of `control.h`.
+/// of the control side.
 #pragma once
 
 #include <atomic>
+#include <functional>
+#include <memory>
 #include <new>
 #include <optional>
+#include <string>
 #include <type_traits>
 #include <utility>
+#include <vector>
 
-#include "board/control.h"
+#include "board/access.h"
 
 #pragma GCC visibility push(default)
 
@@ -62,3 +66,27 @@ auto watched(Describe describe, Action action) {
 }  // namespace board
 
 #pragma GCC visibility pop
+
+// For the control side, and so not visible to the other libraries.
+namespace board {
+
+void startJournal();
+void stopJournal();
+/// Lets `use` read and change the journal, under a lock.
+void withJournal(const std::function<void(std::vector<Access>&)>& use);
+
+struct Observer {
+  VirtualBoardObserver call = nullptr;  ///< Null for none.
+  std::shared_ptr<void> context;
+};
+void observe(Observer observer);
+
+/// What the functions of the control side do, with valid arguments.
+void failNamed(const std::string& name, int code, unsigned times);
+void failAt(VirtualBoardCounted counted, unsigned k, int code);
+void clearFaults();
+
+/// The line of an access; empty for one of an unknown kind.
+std::string describe(const VirtualBoardAccess& access);
+
+}  // namespace board

@@ -9,7 +9,7 @@ enum VelmoraError {
   VELMORA_TRIGGER_BUSY = -60,   ///< Software trigger while busy with the queue off.
   VELMORA_NO_DESIGN = -100,     ///< Design refused, or the runtime refused it without a code.
   VELMORA_BUFFER_TOO_SMALL = -500,     ///< Buffer missing or too small; a text could not be copied.
-  VELMORA_OUT_OF_MEMORY = -501,        ///< No memory to render the GenApi document.
+  VELMORA_OUT_OF_MEMORY = -501,        ///< No memory: GenApi document, virtual board.
   VELMORA_NO_INSTANCE = -2001,         ///< Null frame grabber, or one without an applet instance.
   VELMORA_NO_RUNTIME = -2031,          ///< Runtime library missing or without an init function.
   VELMORA_INVALID_ARGUMENT = -2070,    ///< Null value, unknown id, process, name, index or string.
