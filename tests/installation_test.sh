@@ -77,6 +77,10 @@ moved() {
   done
   documented
   [[ $(after/bin/velmora get FG_WIDTH) == *1024 ]]
+  grep -q '^.SS get NAME' after/share/man/man1/velmora.1
+  . after/share/bash-completion/completions/velmora
+  COMP_LINE='velmora set gen_enable=fg_g' COMP_POINT=100 _velmora after/bin/velmora
+  [[ ${COMPREPLY[*]} == FG_GENERATOR ]]
   absent "$here" after
   absent "$source" after
 }

@@ -15,6 +15,7 @@
 #include "tests/picture_reference.h"
 #include "tests/temporary_directory.h"
 #include "tool/code_text.h"
+#include "tool/parameter_json.h"
 
 namespace {
 
@@ -38,11 +39,11 @@ class Tool : public testing::Test {
   /// Runs a command line in a directory of the test's own, with the tool of the build tree; what it
   /// leaves to be read.
   std::string run(const std::string& command) const {
-    const std::string script = "cd '" + directory_ / "" + "' && exec >.out 2>.err </dev/null; " +
-                               "DESIGN='" DESIGN_MANIFEST "' DATA='" TEST_DATA "' TOOL='" TOOL
-                               "' BIN=$(dirname $TOOL) LIB='" LIBRARIES "' OTHER=; " +
-                               "velmora() { LD_LIBRARY_PATH=\"" + kPath +
-                               "\" \"$BIN/velmora\" \"$@\"; }; " + command;
+    const std::string script =
+        "cd '" + directory_ / "" + "' && exec >.out 2>.err </dev/null; export LC_ALL=C.UTF-8; " +
+        "DESIGN='" DESIGN_MANIFEST "' DATA='" TEST_DATA "' TOOL='" TOOL
+        "' BIN=$(dirname $TOOL) LIB='" LIBRARIES "' OTHER=; " +
+        "velmora() { LD_LIBRARY_PATH=\"" + kPath + "\" \"$BIN/velmora\" \"$@\"; }; " + command;
     std::ofstream(directory_ / ".sh") << script;
     const int result = std::system(("sh '" + directory_ / ".sh" + "'").c_str());
     const int status = WIFEXITED(result) ? WEXITSTATUS(result) : -1;
@@ -146,6 +147,26 @@ TEST_F(Tool, AnswersInJson) {
       answer("save a.mcf; sed -i s/FG_WIDTH=1024/FG_WIDTH=7/ a.mcf; velmora load a.mcf");
   EXPECT_EQ(loaded["differences"].size(), 4u);
   EXPECT_EQ(loaded["differences"][2]["text"], "7");
+}
+
+/// A runtime of others may leave out what this one has.
+TEST(Descriptions, MayLackTexts) {
+  using namespace velmora::tool;
+  int values[] = {1, 2};
+  char known[] = "FG_ON";
+  char* identifiers[] = {nullptr, known};
+  RegisterInfo node{};
+  node.kind = REGISTER_INFO_ENUM;
+  node.value.enumeration.entryCount = 2;
+  node.value.enumeration.values = values;
+  EXPECT_EQ(entryList(node), "1 , 2 ");
+  node.value.enumeration.identifiers = identifiers;
+  EXPECT_EQ(entryList(node), "1 , 2 FG_ON");
+  EXPECT_EQ(rangeText(node), "");
+  const Parameter parameter = parameterOf({&node, 0, ""}, 3);
+  EXPECT_EQ(parameter.label(), "@3");
+  EXPECT_EQ(valueJson({parameter, std::int64_t{2}}).dump(),
+            R"({"name":"","port":3,"value":2,"entry":"FG_ON"})");
 }
 
 TEST(Codes, HaveWords) {

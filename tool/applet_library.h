@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <vector>
 
 #include "velmora/velmora.h"
 
@@ -12,6 +13,9 @@ namespace velmora::tool {
 class AppletLibrary {
  public:
   AppletLibrary();
+  /// Opens the libraries around the applet before it does, from the same places; `Failure` when one
+  /// is of another board, which must not be handed a device of the virtual one.
+  void requireVirtualBoard();
 
   decltype(::Std_entry)* stdEntry;
   decltype(::Fg_FreeGrabber)* freeGrabber;
@@ -43,6 +47,7 @@ class AppletLibrary {
   void find(const char* name, Function*& function) const;
 
   std::unique_ptr<void, Close> library_;
+  std::vector<std::unique_ptr<void, Close>> boardLibraries_;
 };
 
 }  // namespace velmora::tool

@@ -6,6 +6,7 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <clocale>
 #include <cstdio>
 #include <functional>
 #include <limits>
@@ -462,6 +463,7 @@ class CommandLine {
 }  // namespace
 
 int velmora::tool::run(int argc, char** argv) {
+  setlocale(LC_CTYPE, "");  // Texts only: numbers have points everywhere.
   int status = 1;
   try {
     Host host;

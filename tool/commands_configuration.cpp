@@ -29,7 +29,7 @@ std::string missingInHeader(const AppletLibrary& library, Fg_ConfigFileParser& p
     if (parser.parseKeyFromLine(key, text.data()) != 0) return fmt::format("no key {}", key);
   void* name = nullptr;
   library.info(VELMORA_INFO_NAME, 0, 0, nullptr, &name);
-  if (std::string_view(text.data()) != static_cast<const char*>(name))
+  if (text.data() != utf8(static_cast<const char*>(name)))
     return fmt::format("made for another applet, '{}'", text.data());
   int number = 0;
   if (parser.parseIntKeyFromHeader("AktivePort", &number) == 0) return {};

@@ -18,7 +18,7 @@ void printEntries(const RegisterInfo& node) {
   Table table;
   const auto& entries = node.value.enumeration;
   for (std::uint32_t i = 0; i < entries.entryCount; ++i)
-    table.add({fmt::format("{}", entries.values[i]), entryName(node, i), utf8(entries.names[i])});
+    table.add({fmt::format("{}", entries.values[i]), entryName(node, i), entryTitle(node, i)});
   printLine("  values");
   table.print(4);
 }

@@ -100,7 +100,7 @@ std::vector<std::string> completions(const CLI::App& program, Session& session,
     return names;
   }
   const std::string type = expectedType(program, command ? *command : program, line);
-  const auto separator = line.last.find_last_of("=@,");
+  const auto separator = line.last.find_last_of("=@");
   const std::string begin = line.last.substr(separator == std::string::npos ? 0 : separator + 1);
   if (type.empty() && !command)
     names = commandNames(program);

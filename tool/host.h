@@ -17,7 +17,10 @@ class Host {
   }
   /// The options count at the first call.
   Session& session(const SessionOptions& options = {}) {
-    if (!session_) session_.emplace(library(), options);
+    if (session_) return *session_;
+    library();
+    library_->requireVirtualBoard();
+    session_.emplace(*library_, options);
     return *session_;
   }
 

@@ -31,7 +31,8 @@ void collect(const RegisterInfo& node, unsigned level, const std::string& group,
   if (!isGroup(node)) return;
   const std::string path = group.empty() ? utf8(node.name) : group + " / " + utf8(node.name);
   for (std::uint32_t i = 0; i < node.value.group.childCount; ++i)
-    collect(*node.value.group.children[i], level + 1, path, nodes);
+    if (const RegisterInfo* child = node.value.group.children[i])
+      collect(*child, level + 1, path, nodes);
 }
 
 }  // namespace

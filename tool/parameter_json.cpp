@@ -20,7 +20,7 @@ Json entriesJson(const RegisterInfo& node) {
   for (std::uint32_t i = 0; i < entries.entryCount; ++i)
     list.push_back({{"value", entries.values[i]},
                     {"name", entryName(node, i)},
-                    {"title", utf8(entries.names[i])}});
+                    {"title", entryTitle(node, i)}});
   return list;
 }
 

@@ -59,6 +59,11 @@ std::optional<int> namedValue(const RegisterInfo* node, const std::string& name)
   return std::nullopt;
 }
 
+/// Empty for one that is missing.
+std::string textAt(char* const* texts, std::uint32_t index) {
+  return utf8(texts ? texts[index] : nullptr);
+}
+
 std::uint64_t realBits(double value) { return std::bit_cast<std::uint64_t>(value); }
 
 /// An integer in two's complement, if it fits.
@@ -106,9 +111,13 @@ std::string showValue(const RegisterInfo* node, const Value& value) {
   return name.empty() ? shown : fmt::format("{} ({})", shown, name);
 }
 
+std::string entryTitle(const RegisterInfo& enumeration, std::uint32_t entry) {
+  return textAt(enumeration.value.enumeration.names, entry);
+}
+
 std::string entryName(const RegisterInfo& enumeration, std::uint32_t entry) {
-  const char* const identifier = enumeration.value.enumeration.identifiers[entry];
-  return utf8(identifier ? identifier : enumeration.value.enumeration.names[entry]);
+  const std::string name = textAt(enumeration.value.enumeration.identifiers, entry);
+  return name.empty() ? entryTitle(enumeration, entry) : name;
 }
 
 std::string entryName(const RegisterInfo* node, const Value& value) {

@@ -38,7 +38,9 @@ Value valueOf(const ValueKind& kind, std::uint64_t bits);
 /// The value, followed by its name where the parameter is an enumeration: "1 (FG_ON)".
 std::string showValue(const RegisterInfo* node, const Value& value);
 
-/// What an entry of an enumeration is called: its symbolic name, else its display text.
+/// The display text of an entry of an enumeration; may be empty.
+std::string entryTitle(const RegisterInfo& enumeration, std::uint32_t entry);
+/// What an entry is called: its symbolic name, else its display text.
 std::string entryName(const RegisterInfo& enumeration, std::uint32_t entry);
 /// The name of the entry that the parameter stands at; empty when there is none.
 std::string entryName(const RegisterInfo* node, const Value& value);

@@ -89,8 +89,8 @@ int runTerminal(const RunLine& runLine, const Complete& complete) {
   completing = &complete;
   rl_readline_name = const_cast<char*>("velmora");
   rl_completion_entry_function = candidate;
-  rl_basic_word_break_characters = const_cast<char*>(" \t=@,");
-  rl_completer_word_break_characters = const_cast<char*>(" \t=@,");
+  rl_basic_word_break_characters = const_cast<char*>(" \t=@");
+  rl_completer_word_break_characters = const_cast<char*>(" \t=@");
   while (const std::unique_ptr<char, Free> line{readline("velmora> ")}) {
     if (!isComment(line.get())) add_history(line.get());
     if (!runText(line.get(), runLine)) break;

@@ -1,6 +1,8 @@
 #include "tool/text.h"
 
 #include <fmt/format.h>
+#include <iconv.h>
+#include <langinfo.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
@@ -43,8 +45,25 @@ std::size_t characters(std::string_view text) {
       std::ranges::count_if(text, [](char byte) { return (byte & 0xC0) != 0x80; }));
 }
 
+/// UTF-8 in the characters of the user's locale, with others in place of those that it lacks.
+std::string inLocale(std::string text) {
+  const std::string codeset = nl_langinfo(CODESET);
+  if (codeset == "UTF-8") return text;
+  const iconv_t conversion = iconv_open((codeset + "//TRANSLIT").c_str(), "UTF-8");
+  if (conversion == reinterpret_cast<iconv_t>(-1)) return text;
+  std::string converted(4 * text.size(), '\0');
+  char* from = text.data();
+  char* to = converted.data();
+  std::size_t left = text.size();
+  std::size_t room = converted.size();
+  const bool whole = iconv(conversion, &from, &left, &to, &room) != static_cast<std::size_t>(-1);
+  iconv_close(conversion);
+  converted.resize(converted.size() - room);
+  return whole ? converted : text;
+}
+
 void print(std::FILE* stream, std::string_view line) {
-  std::fputs((board::printable(line) + '\n').c_str(), stream);
+  std::fputs((inLocale(board::printable(line)) + '\n').c_str(), stream);
 }
 
 }  // namespace

@@ -28,8 +28,8 @@ bool equalIgnoringCase(std::string_view one, std::string_view other);
 std::size_t editDistance(std::string_view one, std::string_view other);
 
 /// Writes a line to standard output or standard error; without one, nothing happens. Any thread.
-/// What of the line is not printable is shown as `board::printable` does: names, values and
-/// messages come from designs and files of others.
+/// The line is UTF-8 and is printed in the encoding of the locale. What is not printable is shown
+/// as `board::printable` does: names, values and messages come from designs and files of others.
 void printLine(std::string_view line);
 void printError(std::string_view line);
 
