@@ -53,7 +53,9 @@ char* copyOf(const std::string& text) { return strdup(text.c_str()); }
 /// The candidate `index` for the word that is being completed.
 char* candidate(const char* /*word*/, int index) {
   static std::vector<std::string> candidates;
-  if (index == 0) candidates = (*completing)(std::string(rl_line_buffer).substr(0, rl_point));
+  if (index == 0)
+    candidates =
+        (*completing)(std::string(rl_line_buffer).substr(0, static_cast<std::size_t>(rl_point)));
   const auto i = static_cast<std::size_t>(index);
   return i < candidates.size() ? copyOf(candidates[i]) : nullptr;
 }

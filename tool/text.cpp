@@ -7,7 +7,9 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <bit>
 #include <cerrno>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -50,7 +52,7 @@ std::string inLocale(std::string text) {
   const std::string codeset = nl_langinfo(CODESET);
   if (codeset == "UTF-8") return text;
   const iconv_t conversion = iconv_open((codeset + "//TRANSLIT").c_str(), "UTF-8");
-  if (conversion == reinterpret_cast<iconv_t>(-1)) return text;
+  if (std::bit_cast<std::intptr_t>(conversion) == -1) return text;
   std::string converted(4 * text.size(), '\0');
   char* from = text.data();
   char* to = converted.data();
