@@ -110,10 +110,17 @@ BENCHMARK(lockFloor)->Name("get/floor");
 
 void set(benchmark::State& state) {
   IdleApplet applet;
-  measure(state, [&] { benchmark::DoNotOptimize(applet.set(FG_WIDTH, 1000U)); });
+  measure(state, [&] { benchmark::DoNotOptimize(applet.set(FG_TRIGGERIN_SRC, 1U)); });
 }
 BENCHMARK(set);
 BENCHMARK(writeFloor)->Name("set/floor");
+
+void width(benchmark::State& state) {
+  IdleApplet applet;
+  measure(state, [&] { benchmark::DoNotOptimize(applet.set(FG_WIDTH, 1000U)); });
+}
+BENCHMARK(width);
+BENCHMARK(writeFloor)->Name("width/floor");
 
 void frameRate(benchmark::State& state) {
   IdleApplet applet;

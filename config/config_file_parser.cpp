@@ -55,7 +55,7 @@ std::string contentOf(std::FILE* file) {
     content.append(part.data(), size);
   if (std::ferror(file) != 0) {
     const std::size_t lastLine = content.size() - (content.rfind('\n') + 1);
-    content.resize(content.size() - lastLine % kLineSize);
+    content.erase(content.size() - lastLine % kLineSize);
   }
   return content;
 }
