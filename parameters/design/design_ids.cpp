@@ -141,8 +141,7 @@ bool isOn(const Pattern& pattern, unsigned port) {
 }  // namespace
 
 std::string DesignName::text() const {
-  return expandMarks(pattern,
-                     {{"{T}", "Device1_Process4_Trigger_"}, {"{n}", std::to_string(port)}});
+  return expandMarks(pattern, {{'T', "Device1_Process4_Trigger_"}, {'n', std::to_string(port)}});
 }
 
 std::vector<DesignName> designNames() {
