@@ -278,7 +278,6 @@ void open(benchmark::State& state) {
 }
 BENCHMARK(open);
 
-
 /// The runtime library, its symbols and the ids of the design's names.
 void lookUps(benchmark::State& state) {
   constexpr int kSymbols = 31;
@@ -336,9 +335,8 @@ BENCHMARK(peerGet)->Name("get/peer");
 
 void peerSet(benchmark::State& state) {
   const FakeCamera camera;
-  measure(state, [&] {
-    arv_device_set_integer_feature_value(camera.device(), "Width", 1000, nullptr);
-  });
+  measure(state,
+          [&] { arv_device_set_integer_feature_value(camera.device(), "Width", 1000, nullptr); });
 }
 BENCHMARK(peerSet)->Name("set/peer");
 

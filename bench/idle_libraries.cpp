@@ -1,6 +1,6 @@
-/// The libraries around the applet, doing nothing: every name exists, every call succeeds, all values
-/// are 0. What is measured with them is the applet's own. Only the names' look-up hashes, so that
-/// there is something to be compared with.
+/// The libraries around the applet, doing nothing: every name exists, every call succeeds, all
+/// values are 0. What is measured with them is the applet's own. Only the names' look-up hashes, so
+/// that there is something to be compared with.
 #include <functional>
 #include <string>
 #include <string_view>
@@ -50,7 +50,9 @@ std::vector<std::string> eventNames() {
 extern "C" {
 
 // Design runtime.
-fpga_design* HapLoadDesignFromBuffer(const void*, unsigned, int) { return anyHandle<fpga_design>(); }
+fpga_design* HapLoadDesignFromBuffer(const void*, unsigned, int) {
+  return anyHandle<fpga_design>();
+}
 fpga_design* HapLoadHapFileWithType(const char*, int, int) { return anyHandle<fpga_design>(); }
 void HapUnloadHapFile(fpga_design*) {}
 int HapGetRegisterByName(fpga_design*, const char* name) { return idOf(name); }

@@ -1,5 +1,5 @@
-/// Runs one operation of the applet in `counted`, for an instruction counter to look at; before that
-/// a few times unseen, so that nothing happens for the first time.
+/// Runs one operation of the applet in `counted`, for an instruction counter to look at; before
+/// that a few times unseen, so that nothing happens for the first time.
 #include <iterator>
 #include <string_view>
 

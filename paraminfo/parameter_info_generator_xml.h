@@ -39,7 +39,8 @@ class ParameterInfoGeneratorXML {
   /// String register, which is its own feature.
   void infoGenerate(const RegisterInfo& node);
   /// Enumeration and its register. `entries` are identifiers by value.
-  void infoGenerate(const RegisterInfo& node, int value, const std::map<int, std::string_view>& entries);
+  void infoGenerate(const RegisterInfo& node, int value,
+                    const std::map<int, std::string_view>& entries);
 
  private:
   void startRegister(std::string_view type, const RegisterInfo& node, std::string_view suffix);
