@@ -55,7 +55,7 @@ std::string contentOf(std::FILE* file) {
     content.append(part.data(), size);
   if (std::ferror(file) != 0) {
     const std::size_t lastLine = content.size() - (content.rfind('\n') + 1);
-    content.resize(content.size() - lastLine % kLineSize);
+    content.erase(content.size() - lastLine % kLineSize);
   }
   return content;
 }
@@ -309,7 +309,6 @@ void Fg_ConfigFileParser::trace(const char* text) const {
 
 void Fg_ConfigFileParser::write(std::initializer_list<std::string_view> pieces) {
   if (!file_) return;
-  std::fseek(file_.get(), 0, SEEK_CUR);  // C requires it between a read and a write.
   for (const std::string_view piece : pieces) {
     if (std::fwrite(piece.data(), 1, piece.size(), file_.get()) != piece.size()) {
       writeFailed_ = true;
@@ -364,6 +363,7 @@ void Fg_ConfigFileParser::goOnAfter(std::size_t position, int linesMore) {
   auto count = std::count(begin, begin + static_cast<std::ptrdiff_t>(position), '\0') + linesMore;
   std::rewind(file_.get());
   for (Text line; count > 0 && std::fgets(line.data(), kTextSize, file_.get());) --count;
+  std::fseek(file_.get(), 0, SEEK_CUR);  // C requires it between a read and a write.
 }
 
 int Fg_ConfigFileParser::notFound(char* value) {

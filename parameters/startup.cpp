@@ -36,12 +36,13 @@ void FgKtWrapperImpl::buildTables() {
 void FgKtWrapperImpl::resolveParameterIds() {
   for (const DesignName& name : designNames()) {
     const bool reg = isRegister(name.id);
-    const int id = reg ? HapGetRegisterByName(designHandle(), name.text.c_str())
-                       : getParameterIdByName(name.text.c_str());
+    const std::string text = name.text();
+    const int id = reg ? HapGetRegisterByName(designHandle(), text.c_str())
+                       : getParameterIdByName(text.c_str());
     if (id < 1)
       logMissing(reg ? "cannot retrieve HAP id for HAP parameter: '"
                      : "cannot retrieve KT id for KT parameter: '",
-                 name.text);
+                 text);
     designIds_.set(name, id);
   }
 }

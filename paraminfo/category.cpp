@@ -23,8 +23,8 @@ Category* Category::getChild(std::string_view name) const {
 
 void Category::addFeature(std::string feature) { features_.push_back(std::move(feature)); }
 
-std::string Category::getFeature(std::size_t position) const {
-  return position < features_.size() ? features_[position] : std::string();
+std::string_view Category::getFeature(std::size_t position) const {
+  return position < features_.size() ? features_[position] : std::string_view();
 }
 
 bool Category::hasFeature(std::string_view feature) const {

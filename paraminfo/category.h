@@ -33,7 +33,7 @@ class Category {
   void addFeature(std::string feature);
   std::size_t getFeatureCount() const { return features_.size(); }
   /// The feature at `position`, from 0; empty when out of range.
-  std::string getFeature(std::size_t position) const;
+  std::string_view getFeature(std::size_t position) const;
   /// Whether a feature with exactly this text exists.
   bool hasFeature(std::string_view feature) const;
 

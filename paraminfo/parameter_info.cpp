@@ -1,6 +1,7 @@
 #include "paraminfo/parameter_info.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstddef>
 #include <cstring>
 #include <new>
@@ -316,15 +317,21 @@ Fg_ParameterInfo::NodePtr Fg_ParameterInfo::createNode(RegisterInfoKind kind,
 
 RegisterInfo* Fg_ParameterInfo::appendChild(Process& process, RegisterInfo& parent, NodePtr node) {
   auto& group = parent.value.group;
-  auto grown = std::make_unique_for_overwrite<RegisterInfo*[]>(std::size_t{group.childCount} + 1);
-  std::copy_n(group.children, group.childCount, grown.get());
+  const std::size_t count = group.childCount;
+  // There is room for the next power of two.
+  std::unique_ptr<RegisterInfo*[]> grown;
+  if (count == 0 || std::has_single_bit(count))
+    grown = std::make_unique_for_overwrite<RegisterInfo*[]>(std::max<std::size_t>(2 * count, 1));
   // The last step that can fail; from here on parent and child are linked.
   RegisterInfo* child = process.nodes.emplace_back(std::move(node)).get();
+  if (grown) {
+    std::copy_n(group.children, count, grown.get());
+    delete[] group.children;
+    group.children = grown.release();
+  }
   child->index = group.nextChildIndex++;
-  grown[child->index] = child;
+  group.children[count] = child;
   ++group.childCount;
-  delete[] group.children;
-  group.children = grown.release();
   return child;
 }
 

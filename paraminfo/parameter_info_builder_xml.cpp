@@ -47,9 +47,9 @@ xsi:schemaLocation="http://www.genicam.org/GenApi/Version_1_0 GenApiSchema_Versi
 }
 
 /// Identifiers by value; of several entries with the same value the last one counts.
-std::map<int, std::string> namedEntries(const RegisterInfo& node) {
+std::map<int, std::string_view> namedEntries(const RegisterInfo& node) {
   const auto& enumeration = node.value.enumeration;
-  std::map<int, std::string> entries;
+  std::map<int, std::string_view> entries;
   for (std::uint32_t i = 0; i < enumeration.entryCount; ++i) {
     if (const char* identifier = enumeration.identifiers[i])
       entries[enumeration.values[i]] = identifier;
@@ -91,8 +91,10 @@ bool writeParameter(std::string& out, const RegisterInfo& node) {
   }
 }
 
-void writeFeature(std::string& out, const std::string& name) {
-  out += "<pFeature>" + name + "</pFeature>\n";
+void writeFeature(std::string& out, std::string_view name) {
+  out += "<pFeature>";
+  out += name;
+  out += "</pFeature>\n";
 }
 
 }  // namespace
@@ -105,7 +107,9 @@ ParameterInfoBuilderXML::ParameterInfoBuilderXML(Fg_ParameterInfo& registry, con
 ParameterInfoBuilderXML::~ParameterInfoBuilderXML() = default;
 
 std::string ParameterInfoBuilderXML::build() {
+  constexpr std::size_t kUsualSize = 1 << 16;
   std::string out;
+  out.reserve(kUsualSize);
   writeHeader(out, private_->modelName);
   processRegisterInfo(out, private_->registry.getRegisterInfo(private_->process), nullptr);
   writeCategory(out, private_->root);

@@ -14,11 +14,11 @@ constexpr int kRealDigits = 6;
 /// The one integer parameter whose register is wider than its description says.
 constexpr std::string_view kWideInteger = "FG_TRANSFER_LEN";
 
-constexpr const char* kRegisterSuffix = "_Reg";
-constexpr const char* kEndianness = "Endianess";  // As the GenApi schema spells it.
+constexpr std::string_view kRegisterSuffix = "_Reg";
+constexpr std::string_view kEndianness = "Endianess";  // As the GenApi schema spells it.
 
 /// Indexed by the readable and writable bits.
-constexpr const char* kAccessModes[] = {"", "RO", "WO", "RW"};
+constexpr std::string_view kAccessModes[] = {"", "RO", "WO", "RW"};
 
 const char* entity(char character) {
   switch (character) {
@@ -50,13 +50,20 @@ struct Escaped {
 
 void append(std::string& out, std::string_view text) { out += text; }
 
+template <std::size_t Size>
+void append(std::string& out, const char (&literal)[Size]) {
+  out.append(literal, Size - 1);
+}
+
 void append(std::string& out, Escaped escaped) {
-  for (const char character : escaped.text) {
-    if (const char* replacement = entity(character))
+  std::size_t begin = 0;  // Of what is not yet appended.
+  for (std::size_t i = 0; i < escaped.text.size(); ++i)
+    if (const char* replacement = entity(escaped.text[i])) {
+      out += escaped.text.substr(begin, i - begin);
       out += replacement;
-    else
-      out += character;
-  }
+      begin = i + 1;
+    }
+  out += escaped.text.substr(begin);
 }
 
 template <class... NumberAndFormat>
@@ -81,6 +88,7 @@ std::string xmlStringFilter(std::string_view text) {
 
 std::string xmlNameFilter(std::string_view text) {
   std::string result;
+  result.reserve(text.size());
   for (std::size_t i = 0; i < text.size(); ++i) {
     if (isLetter(text[i]) || (i > 0 && isDigitOrUnderscore(text[i]))) result += text[i];
   }
@@ -98,7 +106,7 @@ void ParameterInfoGeneratorXML::infoGenerate(const RegisterInfo& node, int lengt
 void ParameterInfoGeneratorXML::infoGenerate(const RegisterInfo& node, std::uint64_t /*value*/,
                                              std::uint64_t min, std::uint64_t max,
                                              std::uint64_t inc) {
-  const auto number = [&](const char* tag, std::uint64_t value) {
+  const auto number = [&](std::string_view tag, std::uint64_t value) {
     if (node.kind == REGISTER_INFO_INT)
       element(tag, static_cast<std::int64_t>(value));
     else
@@ -144,7 +152,7 @@ void ParameterInfoGeneratorXML::infoGenerate(const RegisterInfo& node) {
 }
 
 void ParameterInfoGeneratorXML::infoGenerate(const RegisterInfo& node, int /*value*/,
-                                             const std::map<int, std::string>& entries) {
+                                             const std::map<int, std::string_view>& entries) {
   write("<Enumeration Name='", Escaped(node.paramName), "'>\n");
   description(node);
   for (const auto& [value, identifier] : entries) {
@@ -163,8 +171,8 @@ void ParameterInfoGeneratorXML::infoGenerate(const RegisterInfo& node, int /*val
 }
 
 /// The start tag stays open for a node without a parameter name.
-void ParameterInfoGeneratorXML::startRegister(const char* type, const RegisterInfo& node,
-                                              const char* suffix) {
+void ParameterInfoGeneratorXML::startRegister(std::string_view type, const RegisterInfo& node,
+                                              std::string_view suffix) {
   write("<", type);
   if (node.paramName) write(" Name=\"", Escaped(node.paramName), suffix, "\">\n");
 }
@@ -178,7 +186,7 @@ void ParameterInfoGeneratorXML::registerReference(const RegisterInfo& node) {
 }
 
 template <class Value>
-void ParameterInfoGeneratorXML::element(const char* tag, const Value& value) {
+void ParameterInfoGeneratorXML::element(std::string_view tag, const Value& value) {
   write("<", tag, ">", value, "</", tag, ">\n");
 }
 

@@ -39,14 +39,15 @@ class ParameterInfoGeneratorXML {
   /// String register, which is its own feature.
   void infoGenerate(const RegisterInfo& node);
   /// Enumeration and its register. `entries` are identifiers by value.
-  void infoGenerate(const RegisterInfo& node, int value, const std::map<int, std::string>& entries);
+  void infoGenerate(const RegisterInfo& node, int value,
+                    const std::map<int, std::string_view>& entries);
 
  private:
-  void startRegister(const char* type, const RegisterInfo& node, const char* suffix);
+  void startRegister(std::string_view type, const RegisterInfo& node, std::string_view suffix);
   void description(const RegisterInfo& node);
   void registerReference(const RegisterInfo& node);
   template <class Value>
-  void element(const char* tag, const Value& value);
+  void element(std::string_view tag, const Value& value);
   template <class... Pieces>
   void write(const Pieces&... pieces);
 

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <map>
 #include <vector>
 
 #include "velmora/register_info.h"
@@ -20,7 +19,7 @@ class ParameterNodes {
   RegisterInfo* find(int port, int id) const;
 
  private:
-  std::vector<std::map<int, RegisterInfo*>> nodes_;
+  std::vector<std::vector<RegisterInfo*>> nodes_;  ///< By port, sorted by id.
 };
 
 }  // namespace velmora

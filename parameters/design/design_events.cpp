@@ -67,12 +67,11 @@ constexpr SdkEvent kMonitoringEvents[] = {
 
 std::string expand(const char* pattern, unsigned port, unsigned input) {
   const unsigned module = port / 2;
-  return expandMarks(
-      pattern,
-      {{"{c}", std::to_string(port)},
-       {"{L}", std::string(1, static_cast<char>('A' + port))},
-       {"{i}", std::to_string(input)},
-       {"{M}", module == 0 ? "MonitoringEvents" : "MonitoringEvents_" + std::to_string(module)}});
+  return expandMarks(pattern, {{'c', std::to_string(port)},
+                               {'L', std::string(1, static_cast<char>('A' + port))},
+                               {'i', std::to_string(input)},
+                               {'M', module == 0 ? "MonitoringEvents"
+                                                 : "MonitoringEvents_" + std::to_string(module)}});
 }
 
 }  // namespace

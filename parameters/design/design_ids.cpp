@@ -140,6 +140,10 @@ bool isOn(const Pattern& pattern, unsigned port) {
 
 }  // namespace
 
+std::string DesignName::text() const {
+  return expandMarks(pattern, {{'T', "Device1_Process4_Trigger_"}, {'n', std::to_string(port)}});
+}
+
 std::vector<DesignName> designNames() {
   std::vector<DesignName> names;
   const auto startsBlock = [](const Pattern& pattern) { return !pattern.joined; };
@@ -148,9 +152,7 @@ std::vector<DesignName> designNames() {
     for (unsigned port = 0; port < kPorts; ++port)
       for (const Pattern& pattern : std::span(block, end))
         if (isOn(pattern, port))
-          names.push_back({pattern.id, port, pattern.ports == Ports::kShared,
-                           expandMarks(pattern.text, {{"{T}", "Device1_Process4_Trigger_"},
-                                                      {"{n}", std::to_string(port)}})});
+          names.push_back({pattern.id, port, pattern.ports == Ports::kShared, pattern.text});
     block = end;
   }
   return names;

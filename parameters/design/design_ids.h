@@ -112,7 +112,9 @@ struct DesignName {
   DesignId id;
   unsigned port;  ///< Port that it belongs to; 0 for a name that all ports share.
   bool shared;
-  std::string text;
+  const char* pattern;
+
+  std::string text() const;
 };
 
 /// All names, each once, in resolution order.
