@@ -68,8 +68,8 @@ void EventQueue::take(void* buffer, std::size_t* size, std::uint64_t timeout) {
   const auto deadline =
       std::chrono::steady_clock::now() + std::chrono::milliseconds(std::min(timeout, kLongest));
   std::unique_lock lock(mutex);
-  const bool done = changed_.wait_until(
-      lock, deadline, [&] { return closed_ || kills_ > 0 || !waiting_.empty(); });
+  const bool done = changed_.wait_until(lock, deadline,
+                                        [&] { return closed_ || kills_ > 0 || !waiting_.empty(); });
   require(done, GC_ERR_TIMEOUT, "no event came in time");
   if (closed_ || kills_ > 0) {
     if (kills_ > 0) --kills_;

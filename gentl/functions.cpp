@@ -281,9 +281,8 @@ GC_ERROR IFUpdateDeviceList(IF_HANDLE handle, bool8_t* changed, uint64_t /*timeo
 }
 GC_ERROR IFGetDeviceInfo(IF_HANDLE handle, const char* id, DEVICE_INFO_CMD command,
                          INFO_DATATYPE* type, void* buffer, size_t* size) {
-  return with<Interface>(handle, [&](Interface& i) {
-    deviceInfo(i.device(textOf(id)), command, type, buffer, size);
-  });
+  return with<Interface>(
+      handle, [&](Interface& i) { deviceInfo(i.device(textOf(id)), command, type, buffer, size); });
 }
 GC_ERROR IFOpenDevice(IF_HANDLE handle, const char* id, DEVICE_ACCESS_FLAGS access,
                       DEV_HANDLE* opened) {
@@ -395,9 +394,8 @@ GC_ERROR DSGetBufferID(DS_HANDLE stream, uint32_t index, BUFFER_HANDLE* handle) 
 }
 GC_ERROR DSGetBufferInfo(DS_HANDLE stream, BUFFER_HANDLE handle, BUFFER_INFO_CMD command,
                          INFO_DATATYPE* type, void* buffer, size_t* size) {
-  return withBuffer(stream, handle, [&](Stream& s, Buffer& b) {
-    s.bufferInfo(b, command, type, buffer, size);
-  });
+  return withBuffer(stream, handle,
+                    [&](Stream& s, Buffer& b) { s.bufferInfo(b, command, type, buffer, size); });
 }
 GC_ERROR DSGetBufferInfoStacked(DS_HANDLE stream, BUFFER_HANDLE handle,
                                 DS_BUFFER_INFO_STACKED* infos, size_t count) {
@@ -417,9 +415,8 @@ GC_ERROR DSGetBufferInfoStacked(DS_HANDLE stream, BUFFER_HANDLE handle,
 
 GC_ERROR DSGetBufferChunkData(DS_HANDLE stream, BUFFER_HANDLE handle, SINGLE_CHUNK_DATA* /*chunks*/,
                               size_t* /*count*/) {
-  return withBuffer(stream, handle, [](Stream&, Buffer&) {
-    fail(GC_ERR_NOT_AVAILABLE, "buffers have no chunks");
-  });
+  return withBuffer(stream, handle,
+                    [](Stream&, Buffer&) { fail(GC_ERR_NOT_AVAILABLE, "buffers have no chunks"); });
 }
 GC_ERROR DSGetNumBufferParts(DS_HANDLE stream, BUFFER_HANDLE handle, uint32_t* count) {
   return withBuffer(stream, handle, [&](Stream&, Buffer&) { put(count, 0U); });
@@ -427,9 +424,8 @@ GC_ERROR DSGetNumBufferParts(DS_HANDLE stream, BUFFER_HANDLE handle, uint32_t* c
 GC_ERROR DSGetBufferPartInfo(DS_HANDLE stream, BUFFER_HANDLE handle, uint32_t /*index*/,
                              BUFFER_PART_INFO_CMD /*command*/, INFO_DATATYPE* /*type*/,
                              void* /*buffer*/, size_t* /*size*/) {
-  return withBuffer(stream, handle, [](Stream&, Buffer&) {
-    fail(GC_ERR_INVALID_INDEX, "buffers have no parts");
-  });
+  return withBuffer(stream, handle,
+                    [](Stream&, Buffer&) { fail(GC_ERR_INVALID_INDEX, "buffers have no parts"); });
 }
 GC_ERROR DSGetBufferPartInfoStacked(DS_HANDLE stream, BUFFER_HANDLE handle,
                                     DS_BUFFER_PART_INFO_STACKED* infos, size_t count) {
