@@ -46,7 +46,7 @@ class Device : public Module {
   void startSending();
   void stopSending();
   void send();  ///< Expects the control lock, an armed stream and `sending`.
-  /// @}
+                /// @}
 
  protected:
   void registered(EVENT_TYPE type, bool yes) override;

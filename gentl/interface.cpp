@@ -34,9 +34,8 @@ Interface::Interface(std::shared_ptr<System> above)
   addCommand("DeviceUpdateList");
   addSelector("DeviceSelector", VELMORA_PORTS, selected_);
   const auto port = [this] { return static_cast<unsigned>(selected_); };
-  addFeature(
-      "DeviceID", INFO_DATATYPE_STRING, [=] { return Value(deviceId(port())); },
-      {"DeviceSelector"});
+  addFeature("DeviceID", INFO_DATATYPE_STRING, [=] { return Value(deviceId(port())); },
+             {"DeviceSelector"});
   addFeature("DeviceVendorName", INFO_DATATYPE_STRING, [] { return Value(kVendor); });
   addFeature("DeviceModelName", INFO_DATATYPE_STRING, [] { return Value(kModel); });
   add({"DeviceAccessStatus_Reg",

@@ -319,8 +319,12 @@ Stream::Counts Stream::counts() {
   const auto in = [&](State state) {
     return static_cast<std::size_t>(std::ranges::count(buffers_, state, &Buffer::state));
   };
-  return {delivered_,         lost(),          started_,
-          buffers_.size(),    in(State::kInput), in(State::kOutput),
+  return {delivered_,
+          lost(),
+          started_,
+          buffers_.size(),
+          in(State::kInput),
+          in(State::kOutput),
           memory_ && remaining_ > 0};
 }
 

@@ -66,7 +66,8 @@ class Stream : public Module {
 
   EventQueue& output_;
   std::vector<std::shared_ptr<Buffer>> buffers_;
-  std::vector<std::shared_ptr<Buffer>> known_;  ///< To the board, by index; it keeps them till the end.
+  std::vector<std::shared_ptr<Buffer>>
+      known_;  ///< To the board, by index; it keeps them till the end.
   VirtualBoardMemory* memory_ = nullptr;
   std::size_t payload_ = 0;
   std::uint64_t remaining_ = 0, delivered_ = 0, started_ = 0, lostBefore_ = 0;
