@@ -222,8 +222,9 @@ std::string RemoteDevice::makeDocument() {
   liveLimits(text, "FG_XOFFSET", "OffsetX");
   liveLimits(text, "FG_YOFFSET", "OffsetY");
   const std::size_t start = text.find('>', text.find("<RegisterDescription")) + 1;
-  text.insert(
-      start, "\n" + std::string(kStandardFeatures) + eventNodes(grabber_, port_) + registerNodes());
+  std::string front(1, '\n');
+  front += kStandardFeatures;
+  text.insert(start, front + eventNodes(grabber_, port_) + registerNodes());
   return text;
 }
 
