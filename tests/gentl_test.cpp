@@ -142,6 +142,10 @@ class Features {
     EXPECT_TRUE(ARV_IS_GC_FEATURE_NODE(node)) << name;
     return ARV_GC_FEATURE_NODE(node);
   }
+  std::uint64_t address(const char* name) const {
+    return arv_gc_register_get_address(ARV_GC_REGISTER(arv_gc_get_node(device_->features, name)),
+                                       nullptr);
+  }
   /// Names of all features below a category that have a value.
   std::vector<std::string> list(const char* category = "Root") const {
     std::vector<std::string> names;
@@ -481,20 +485,27 @@ void expectPictures(const Port& port, unsigned number, unsigned pictures,
 
 TEST_F(GenTl, FourDevicesDeliverTheBoardsPictures) {
   std::array<Port, 4> ports;
+  std::uint64_t startCommand = 0;
   for (unsigned number = 0; number < ports.size(); ++number) {
     ports[number] = openPort(number);
     const Features features(ports[number].remote);
     makeSmall(features);
-    EXPECT_EQ(features.set("OffsetX", "4") + features.set("AcquisitionFrameRate", "500"), "");
-    EXPECT_EQ(features.execute("AcquisitionStart"), "");
-    announce(ports[number], 60);
+    for (const auto& [name, value] : {std::pair{"OffsetX", "4"},
+                                      {"AcquisitionFrameRate", "500"},
+                                      {"AcquisitionMode", "MultiFrame"},
+                                      {"AcquisitionFrameCount", "40"}})
+      EXPECT_EQ(features.set(name, value), "");
+    startCommand = features.address("AcquisitionStart_Reg");
+    announce(ports[number], 40);
   }
   std::vector<std::jthread> threads;
   for (unsigned number = 0; number < ports.size(); ++number)
-    threads.emplace_back([&port = ports[number], number] {
+    threads.emplace_back([&port = ports[number], number, startCommand] {
       for (int round = 0; round < 2; ++round) {
         EXPECT_EQ(start(port), GC_ERR_SUCCESS);
         EXPECT_EQ(start(port), GC_ERR_RESOURCE_IN_USE);
+        const std::uint64_t one = 1;
+        SUCCEEDS(GCWritePort, port.remote, startCommand, &one, Room{sizeof one});
         expectPictures(port, number, 40, [&] { return take(port); });
         EXPECT_EQ(count(port, STREAM_INFO_NUM_DELIVERED), 40U);
         EXPECT_EQ(count(port, STREAM_INFO_NUM_UNDERRUN), 0U);
