@@ -7,6 +7,7 @@
 #include <gmock/gmock.h>
 
 #include <array>
+#include <atomic>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -662,6 +663,54 @@ TEST_F(GenTl, ClosingInAnyOrderLeavesStaleHandles) {
     }
     EXPECT_EQ(GENTL(DSQueueBuffer)(board, system), GC_ERR_INVALID_HANDLE);  // Of another kind.
   }
+}
+
+TEST_F(GenTl, CallsMayOverlapClosing) {
+  std::atomic<bool> done{false};
+  std::atomic<DEV_HANDLE> device{nullptr};
+  std::vector<std::jthread> threads;
+  for (int i = 0; i < 3; ++i)
+    threads.emplace_back([&] {
+      while (!done) {
+        PORT_HANDLE remote = nullptr;
+        DS_HANDLE stream = nullptr;
+        EVENT_HANDLE event = nullptr;
+        BUFFER_HANDLE buffer = nullptr;
+        std::uint64_t data[2] = {FG_WIDTH};
+        INFO_DATATYPE type = 0;
+        const DEV_HANDLE current = device;
+        EXPECT_NE(GENTL(DevGetPort)(current, &remote), GC_ERR_ERROR);
+        EXPECT_NE(GENTL(GCReadPort)(remote, FG_WIDTH, data, Room{4}), GC_ERR_ERROR);
+        EXPECT_NE(GENTL(DevOpenDataStream)(current, "velmora-port0-stream0", &stream),
+                  GC_ERR_ERROR);
+        EXPECT_NE(GENTL(GCRegisterEvent)(stream, EVENT_NEW_BUFFER, &event), GC_ERR_ERROR);
+        for (int j = 0; j < 3; ++j) {
+          EXPECT_NE(GENTL(DSAllocAndAnnounceBuffer)(stream, kSmall, nullptr, &buffer),
+                    GC_ERR_ERROR);
+          EXPECT_NE(GENTL(DSQueueBuffer)(stream, buffer), GC_ERR_ERROR);
+        }
+        EXPECT_NE(start({.stream = stream}), GC_ERR_ERROR);
+        EXPECT_NE(GENTL(DSGetInfo)(stream, STREAM_INFO_NUM_QUEUED, &type, data, Room{8}),
+                  GC_ERR_ERROR);
+        EXPECT_NE(GENTL(EventGetData)(event, data, Room{sizeof data}, 5), GC_ERR_ERROR);
+        EXPECT_NE(GENTL(DSClose)(stream), GC_ERR_ERROR);
+      }
+    });
+  for (int round = 0; round < 10; ++round) {
+    DEV_HANDLE opened = nullptr;
+    SUCCEEDS(IFOpenDevice, board, "velmora-port0", DEVICE_ACCESS_CONTROL, &opened);
+    PORT_HANDLE remote = nullptr;
+    SUCCEEDS(DevGetPort, opened, &remote);
+    {
+      const Features features(remote);
+      makeSmall(features);
+      EXPECT_EQ(features.execute("AcquisitionStart"), "");
+    }
+    device = opened;
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    SUCCEEDS(DevClose, opened);
+  }
+  done = true;
 }
 
 }  // namespace
