@@ -202,7 +202,8 @@ std::string Grabber::document(unsigned port) {
     code = Fg_getParameterInfoXML(fg(), static_cast<int>(port), text.data(), &size);
   }
   requireSuccess(code, GC_ERR_IO, "no document");
-  return text.c_str();  // Without the zero.
+  text.pop_back();  // The zero.
+  return text;
 }
 
 std::size_t Grabber::payload(unsigned port) {

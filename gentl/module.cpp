@@ -162,12 +162,12 @@ void Module::fire(EVENT_TYPE type, std::string data) {
 
 void Module::close() {
   Registry::instance().remove(*this);
-  for (const auto& [type, queue] : queues_) {
+  for (const auto& each : queues_) {
     const bool open = [&] {
       const std::lock_guard guard(eventLock_);
-      return events_.contains(type);
+      return events_.contains(each.first);
     }();
-    if (open) unregisterEvent(type);
+    if (open) unregisterEvent(each.first);
   }
 }
 

@@ -1,5 +1,7 @@
 #include "gentl/registry.h"
 
+#include <bit>
+
 namespace gentl {
 
 Registry& Registry::instance() {
@@ -10,7 +12,7 @@ Registry& Registry::instance() {
 void* Registry::add(const std::shared_ptr<Object>& object) {
   const std::lock_guard guard(mutex_);
   live_.emplace(last_ += 16, object);
-  return object->handle = reinterpret_cast<void*>(last_);
+  return object->handle = std::bit_cast<void*>(last_);
 }
 
 void Registry::remove(const Object& object) {

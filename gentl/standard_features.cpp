@@ -112,7 +112,7 @@ const char* const kStandardFeatures = R"xml(<Category Name="Root" NameSpace="Sta
 <pValue>AcquisitionFrameRateEnable_Reg</pValue><OnValue>1</OnValue><OffValue>0</OffValue>
 </Boolean>
 <Float Name="AcquisitionFrameRate" NameSpace="Standard">
-<ToolTip>Rate of the design's generator. Setting it lets the generator pace the camera if TriggerMode is Off.</ToolTip>
+<ToolTip>Rate of the design's generator, which paces the camera once it is set.</ToolTip>
 <Visibility>Beginner</Visibility>
 <pValue>AcquisitionFrameRate_Reg</pValue><pMin>AcquisitionFrameRate_Min</pMin>
 <pMax>AcquisitionFrameRate_Max</pMax><Unit>Hz</Unit>
