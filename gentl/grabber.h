@@ -1,0 +1,78 @@
+/// The board with the applet on it, through their public headers.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <mutex>
+#include <string>
+#include <thread>
+
+#include "gentl/info.h"
+#include "velmora/velmora.h"
+#include "velmora/virtual_board.h"
+
+/// The host's side of a frame grabber.
+struct Fg_Struct {
+  void* applet;
+};
+
+namespace gentl {
+
+class Grabber {
+ public:
+  /// Opens a board, with the design that the environment names, if it does.
+  Grabber();
+  Grabber(const Grabber&) = delete;
+  Grabber& operator=(const Grabber&) = delete;
+  ~Grabber();
+
+  Fg_Struct* fg() { return &grabber_; }
+
+  /// @name Parameters as the bytes of a register: 4, 8 for wide ones, a text
+  /// @{
+  std::string get(int id, unsigned port);
+  void set(int id, unsigned port, std::string_view bytes);
+  /// @}
+  std::uint32_t word(int id, unsigned port);
+  void setWord(int id, unsigned port, std::uint32_t value) {
+    set(id, port, {reinterpret_cast<const char*>(&value), sizeof value});
+  }
+
+  struct Limits {
+    Value min, max, inc;
+  };
+  /// As they are at the moment.
+  Limits limits(int id, unsigned port);
+  /// The applet's document of a port.
+  std::string document(unsigned port);
+  /// Bytes of a picture.
+  std::size_t payload(unsigned port);
+
+  /// @name Events of the applet
+  /// @{
+  using Listener = std::function<void(const VirtualBoardEvent&)>;
+  /// Tells of events of this mask until the listener is ignored.
+  void listen(const void* listener, std::uint64_t mask, Listener told);
+  void ignore(const void* listener);
+  /// @}
+
+ private:
+  const RegisterInfo& describe(int id, unsigned port);
+  void watch(const std::stop_token& stop);
+  void enableEvents();
+
+  KTdevice* device_;
+  Fg_Struct grabber_{};
+  std::mutex sets_;  ///< Sets must not overlap what reads descriptions.
+
+  std::mutex watching_;  ///< Held by those who start and end the thread.
+  std::mutex listening_;
+  std::map<const void*, std::pair<std::uint64_t, Listener>> listeners_;
+  std::jthread watcher_;
+};
+
+/// A code of the applet or the board with its meaning.
+std::string codeText(std::int64_t code);
+
+}  // namespace gentl
