@@ -12,9 +12,9 @@ class Buffer : public Module {
   enum class State { kIdle, kInput, kOutput };
 
   /// @param base the consumer's memory; null for memory of the producer.
-  Buffer(const std::string& stream, void* base, std::size_t size, void* user);
+  Buffer(const std::shared_ptr<Module>& stream, void* base, std::size_t size, void* user);
 
-  void info(BUFFER_INFO_CMD command, INFO_DATATYPE* type, void* out, std::size_t* room);
+  void info(BUFFER_INFO_CMD command, Answer to);
 
   struct Picture {
     bool present = false;  ///< The board made it, be it incomplete.
@@ -22,6 +22,7 @@ class Buffer : public Module {
     std::size_t filled = 0, width = 0, height = 0, lines = 0, xOffset = 0, yOffset = 0;
     std::uint64_t time = 0, number = 0;
     std::size_t bytes() const { return width * height * 3; }
+    bool hasPixels() const { return filled > 0; }
   };
 
   const std::size_t size;
@@ -33,6 +34,8 @@ class Buffer : public Module {
 
   void* base() const { return base_; }
   bool own() const { return memory_ != nullptr; }
+  bool queued() const { return state != State::kIdle; }
+  bool acquiring() const { return lent && state != State::kInput; }
 
  private:
   std::unique_ptr<char[]> memory_;

@@ -1,74 +1,50 @@
 #include "gentl/device.h"
 
-#include "gentl/interface.h"
+#include <utility>
 
 namespace gentl {
 namespace {
-
-const InfoRow<DeviceFacts> kInfos[] = {
-    {DEVICE_INFO_ID, INFO_DATATYPE_STRING, [](DeviceFacts& d) { return Value(deviceId(d.port)); },
-     "DeviceID"},
-    {DEVICE_INFO_VENDOR, INFO_DATATYPE_STRING, [](DeviceFacts&) { return Value(kVendor); },
-     "DeviceVendorName"},
-    {DEVICE_INFO_MODEL, INFO_DATATYPE_STRING, [](DeviceFacts&) { return Value(kModel); },
-     "DeviceModelName"},
-    {DEVICE_INFO_TLTYPE, INFO_DATATYPE_STRING, [](DeviceFacts&) { return Value(kTechnology); }},
-    {DEVICE_INFO_DISPLAYNAME, INFO_DATATYPE_STRING,
-     [](DeviceFacts& d) {
-       return Value(std::string(kVendor) + " " + kModel + " (" + deviceId(d.port) + ")");
-     },
-     "DeviceDisplayName"},
-    {DEVICE_INFO_ACCESS_STATUS, INFO_DATATYPE_INT32,
-     [](DeviceFacts& d) { return number(d.access); }},
-    {DEVICE_INFO_USER_DEFINED_NAME, INFO_DATATYPE_STRING, nullptr},
-    {DEVICE_INFO_SERIAL_NUMBER, INFO_DATATYPE_STRING,
-     [](DeviceFacts& d) { return Value(std::to_string(d.port)); }, "DeviceSerialNumber"},
-    {DEVICE_INFO_VERSION, INFO_DATATYPE_STRING, [](DeviceFacts&) { return Value(kVersion); },
-     "DeviceVersion"},
-    {DEVICE_INFO_TIMESTAMP_FREQUENCY, INFO_DATATYPE_UINT64,
-     [](DeviceFacts&) { return number(1'000'000'000); }},
-};
 
 constexpr const char* kTypes[] = {kTechnology};
 
 }  // namespace
 
-std::string deviceId(unsigned port) { return "velmora-port" + std::to_string(port); }
+const InfoRow<DeviceFacts> kDeviceInfos[] = {
+    {DEVICE_INFO_ID, INFO_DATATYPE_STRING, tell<&DeviceFacts::id>, "DeviceID"},
+    {DEVICE_INFO_VENDOR, INFO_DATATYPE_STRING, tell<kVendor>, "DeviceVendorName"},
+    {DEVICE_INFO_MODEL, INFO_DATATYPE_STRING, tell<kModel>, "DeviceModelName"},
+    {DEVICE_INFO_TLTYPE, INFO_DATATYPE_STRING, tell<kTechnology>},
+    {DEVICE_INFO_DISPLAYNAME, INFO_DATATYPE_STRING, tell<&DeviceFacts::displayName>,
+     "DeviceDisplayName"},
+    {DEVICE_INFO_ACCESS_STATUS, INFO_DATATYPE_INT32, tell<&DeviceFacts::access>},
+    {DEVICE_INFO_USER_DEFINED_NAME, INFO_DATATYPE_STRING, nullptr},
+    {DEVICE_INFO_SERIAL_NUMBER, INFO_DATATYPE_STRING, tell<&DeviceFacts::number>,
+     "DeviceSerialNumber"},
+    {DEVICE_INFO_VERSION, INFO_DATATYPE_STRING, tell<kVersion>, "DeviceVersion"},
+    {DEVICE_INFO_TIMESTAMP_FREQUENCY, INFO_DATATYPE_UINT64, tell<1'000'000'000>},
+};
 
-void deviceInfo(DeviceFacts facts, DEVICE_INFO_CMD command, INFO_DATATYPE* type, void* buffer,
-                std::size_t* size) {
-  answer(kInfos, facts, command, type, buffer, size);
+std::string DeviceFacts::displayName() const {
+  return std::string(kVendor) + " " + kModel + " (" + id() + ")";
 }
 
-void forEachEvent(Grabber& grabber, unsigned port,
-                  const std::function<void(const std::string&, std::uint64_t)>& each) {
-  const std::string letter = std::string("_CAM_PORT_") + static_cast<char>('A' + port);
-  const std::string camera = "_CAM" + std::to_string(port);
-  for (unsigned bit = 0; bit < 64; ++bit) {
-    const std::uint64_t mask = std::uint64_t{1} << bit;
-    const char* const found = Fg_getEventName(grabber.fg(), mask);
-    const std::string name = found ? found : "";
-    const bool ofCameras = name.find("_CAM") != std::string::npos;
-    const bool ofPort = name.ends_with(letter) || name.find(camera) != std::string::npos;
-    if (found && (ofPort || !ofCameras)) each(name, mask);
-  }
+std::vector<std::string> deviceIds() {
+  std::vector<std::string> ids;
+  for (std::size_t port = 0; port < VELMORA_PORTS; ++port) ids.push_back(DeviceFacts{port, 0}.id());
+  return ids;
 }
 
-Device::Device(std::shared_ptr<Interface> above, unsigned port, bool readOnly)
-    : Module(deviceId(port), "TLDevice", {EVENT_ERROR, EVENT_REMOTE_DEVICE, EVENT_MODULE}),
-      parent(std::move(above)),
-      grabber(parent->grabber),
-      port(port),
+Device::Device(std::shared_ptr<Module> board, Grabber& grabber, std::size_t port, bool readOnly)
+    : Module(DeviceFacts{port, 0}.id(), "TLDevice", std::move(board),
+             {EVENT_REMOTE_DEVICE, EVENT_FEATURE_INVALIDATE},
+             {DeviceFacts{port, 0}.id() + "-stream0"}),
+      grabber(grabber),
+      port(static_cast<unsigned>(port)),
       readOnly(readOnly) {
-  for (const auto& row : kInfos)
-    if (row.feature)
-      addFeature(row.feature, row.type, [this, &row] {
-        DeviceFacts now = facts();
-        return row.get(now);
-      });
-  addEnumeration("DeviceType", kTypes, element("Value", "0"));
-  addSelector("StreamSelector", 1, selected_);
-  addFeature("StreamID", INFO_DATATYPE_STRING, [this] { return Value(streamId()); });
+  addInfos(kDeviceInfos, [this] { return facts(); });
+  addEnumeration("DeviceType", kTypes);
+  addSelector("StreamSelector");
+  addFeature("StreamID", RegisterKind::kText, [this] { return belowId(0); });
 }
 
 DeviceFacts Device::facts() const {
@@ -76,64 +52,55 @@ DeviceFacts Device::facts() const {
                                                     : DEVICE_ACCESS_STATUS_OPEN_READWRITE)};
 }
 
+void Device::info(DEVICE_INFO_CMD command, Answer to) {
+  DeviceFacts now = facts();
+  answer(kDeviceInfos, now, command, to);
+}
+
 void Device::connect() {
   remote_ = std::make_shared<RemoteDevice>(std::static_pointer_cast<Device>(shared_from_this()));
   Registry::instance().add(remote_);
 }
 
-std::shared_ptr<Stream> Device::openStream(std::string_view wanted) {
-  require(wanted == streamId(), GC_ERR_INVALID_ID, "no stream has this id");
-  const std::lock_guard guard(control);
-  require(!stream_, GC_ERR_RESOURCE_IN_USE, "the stream is open");
-  auto made = std::make_shared<Stream>(std::static_pointer_cast<Device>(shared_from_this()));
-  Registry::instance().add(made);
-  return stream_ = made;
-}
-
-void Device::streamClosed() {
-  const std::lock_guard guard(control);
-  stream_.reset();
+void Device::openStream(const char* wanted, DS_HANDLE* handle) {
+  open(wanted, handle, [this] {
+    auto made = std::make_shared<Stream>(std::static_pointer_cast<Device>(shared_from_this()));
+    const std::lock_guard guard(control);
+    stream = made.get();
+    return made;
+  });
 }
 
 void Device::close() {
-  const auto stream = [this] {
-    const std::lock_guard guard(control);
-    sending = false;
-    return std::move(stream_);
-  }();
-  if (stream) stream->close();
   Module::close();
-  const auto remote = std::move(remote_);  // It holds the device.
-  remote->close();
-  parent->deviceClosed(port);
+  std::exchange(remote_, nullptr)->close();  // It holds the device.
 }
 
 void Device::startSending() {
   const std::lock_guard guard(control);
   sending = true;
-  if (stream_ && stream_->armed()) send();
+  if (stream && stream->armed()) send();
 }
 
 void Device::send() {
   constexpr std::int64_t kEndless = -1;
   const std::int64_t numbers[] = {kEndless, 1, static_cast<std::int64_t>(pictures)};
   sending = mode == 0;  // The other modes end by themselves.
-  stream_->begin(numbers[mode]);
+  stream->begin(numbers[mode]);
 }
 
 void Device::stopSending() {
   const std::lock_guard guard(control);
   sending = false;
-  if (stream_) stream_->end(false);
+  if (stream) stream->end(false);
 }
 
 void Device::registered(EVENT_TYPE type, bool yes) {
   if (type != EVENT_REMOTE_DEVICE) return;
-  if (!yes) return grabber->ignore(this);
-  std::uint64_t all = 0;
-  forEachEvent(*grabber, port, [&](const std::string&, std::uint64_t mask) { all |= mask; });
-  grabber->listen(this, all, [this](const VirtualBoardEvent& event) {
-    fire(EVENT_REMOTE_DEVICE, eventData(event.mask, static_cast<std::uint64_t>(event.time)));
+  if (!yes) return grabber.ignore(port);
+  grabber.listen(port, [this](const VirtualBoardEvent& happened) {
+    event(EVENT_REMOTE_DEVICE)
+        .fire(eventData(happened.mask, static_cast<std::uint64_t>(happened.time)));
   });
 }
 

@@ -6,73 +6,96 @@
 namespace gentl {
 namespace {
 
-constexpr std::size_t kErrorText = 252;  ///< With its zero.
-
-std::uint64_t word(const std::string& data, std::size_t index) {
-  std::uint64_t value = 0;
-  std::memcpy(&value, data.data() + index * sizeof value, sizeof value);
-  return value;
-}
-
-std::size_t largest(EVENT_TYPE type) {
-  return type == EVENT_ERROR ? sizeof(GC_ERROR) + kErrorText : 2 * sizeof(std::uint64_t);
-}
+constexpr std::size_t kLimit = 4096;      ///< Events that wait; the oldest are lost.
+constexpr std::size_t kText = 252;        ///< Of an error or a feature's name, with its zero.
+constexpr std::size_t kHexadecimal = 17;  ///< A number as text, with its zero.
 
 const InfoRow<Event> kInfos[] = {
-    {EVENT_EVENT_TYPE, INFO_DATATYPE_INT32, [](Event& e) { return number(e.type); }},
-    {EVENT_NUM_IN_QUEUE, INFO_DATATYPE_SIZET, [](Event& e) { return number(e.queue->waiting()); }},
-    {EVENT_NUM_FIRED, INFO_DATATYPE_UINT64, [](Event& e) { return number(e.queue->fired()); }},
-    {EVENT_SIZE_MAX, INFO_DATATYPE_SIZET, [](Event& e) { return number(largest(e.type)); }},
-    {EVENT_INFO_DATA_SIZE_MAX, INFO_DATATYPE_SIZET,
-     [](Event& e) { return number(e.type == EVENT_ERROR ? kErrorText : 17); }},
+    {EVENT_EVENT_TYPE, INFO_DATATYPE_INT32, tell<&Event::type>},
+    {EVENT_NUM_IN_QUEUE, INFO_DATATYPE_SIZET, tell<&Event::waiting>},
+    {EVENT_NUM_FIRED, INFO_DATATYPE_UINT64, tell<&Event::fired>},
+    {EVENT_SIZE_MAX, INFO_DATATYPE_SIZET, tell<&Event::largest>},
+    {EVENT_INFO_DATA_SIZE_MAX, INFO_DATATYPE_SIZET, tell<&Event::largestValue>},
 };
 
-using Data = std::string;
+/// An event's data, padded to their largest size.
+struct Data {
+  std::string bytes;
+
+  template <std::size_t index>
+  std::uint64_t word() const {
+    std::uint64_t value = 0;
+    std::memcpy(&value, bytes.data() + index * sizeof value, sizeof value);
+    return value;
+  }
+  template <std::size_t offset>
+  std::string text() const {
+    return bytes.substr(offset).c_str();
+  }
+  std::string hexadecimalId() const { return hexadecimal(word<0>()); }
+  std::string behindId() const { return bytes.substr(sizeof(std::uint64_t)); }
+};
 
 const InfoRow<Data> kBufferData[] = {
-    {EVENT_DATA_ID, INFO_DATATYPE_PTR, [](Data& data) { return number(word(data, 0)); }},
-    {EVENT_DATA_VALUE, INFO_DATATYPE_PTR, [](Data& data) { return number(word(data, 1)); }},
-    {EVENT_DATA_NUMID, INFO_DATATYPE_UINT64, [](Data& data) { return number(word(data, 0)); }},
+    {EVENT_DATA_ID, INFO_DATATYPE_PTR, tell<&Data::word<0>>},
+    {EVENT_DATA_VALUE, INFO_DATATYPE_PTR, tell<&Data::word<1>>},
+    {EVENT_DATA_NUMID, INFO_DATATYPE_UINT64, tell<&Data::word<0>>},
 };
-
 const InfoRow<Data> kGenApiData[] = {
-    {EVENT_DATA_ID, INFO_DATATYPE_STRING,
-     [](Data& data) { return Value(hexadecimal(word(data, 0))); }},
-    {EVENT_DATA_VALUE, INFO_DATATYPE_BUFFER, [](Data& data) { return Value(data.substr(8)); }},
-    {EVENT_DATA_NUMID, INFO_DATATYPE_UINT64, [](Data& data) { return number(word(data, 0)); }},
+    {EVENT_DATA_ID, INFO_DATATYPE_STRING, tell<&Data::hexadecimalId>},
+    {EVENT_DATA_VALUE, INFO_DATATYPE_BUFFER, tell<&Data::behindId>},
+    {EVENT_DATA_NUMID, INFO_DATATYPE_UINT64, tell<&Data::word<0>>},
 };
-
+const InfoRow<Data> kFeatureData[] = {
+    {EVENT_DATA_ID, INFO_DATATYPE_STRING, tell<&Data::text<0>>},
+};
 const InfoRow<Data> kErrorData[] = {
-    {EVENT_DATA_ID, INFO_DATATYPE_INT32, [](Data& data) { return number(word(data, 0)); }},
-    {EVENT_DATA_VALUE, INFO_DATATYPE_STRING,
-     [](Data& data) { return Value(data.substr(sizeof(GC_ERROR)).c_str()); }},
+    {EVENT_DATA_ID, INFO_DATATYPE_INT32, tell<&Data::word<0>>},
+    {EVENT_DATA_VALUE, INFO_DATATYPE_STRING, tell<&Data::text<sizeof(GC_ERROR)>>},
 };
 
 }  // namespace
 
-void EventQueue::push(std::string data) {
+std::size_t Event::largest() const {
+  if (type == EVENT_ERROR) return sizeof(GC_ERROR) + kText;
+  return type == EVENT_FEATURE_INVALIDATE ? kText : 2 * sizeof(std::uint64_t);
+}
+std::size_t Event::largestValue() const {
+  return type == EVENT_ERROR || type == EVENT_FEATURE_INVALIDATE ? kText : kHexadecimal;
+}
+
+void Event::push(std::string data) {
   waiting_.push_back(std::move(data));
-  if (limit_ != 0 && waiting_.size() > limit_) waiting_.pop_front();
+  if (type != EVENT_NEW_BUFFER && waiting_.size() > kLimit) waiting_.pop_front();
   ++fired_;
   changed_.notify_all();
 }
 
-void EventQueue::flush() {
+void Event::fire(std::string data) {
   const std::lock_guard guard(mutex);
-  for (; !waiting_.empty(); waiting_.pop_front())
-    if (taken_) taken_(waiting_.front());
+  if (registered_) push(std::move(data));
 }
 
-void EventQueue::take(void* buffer, std::size_t* size, std::uint64_t timeout) {
+void Event::setRegistered(bool yes) {
+  const std::lock_guard guard(mutex);
+  registered_ = yes;
+  ++registrations_;
+  kills_ = 0;
+  if (type != EVENT_NEW_BUFFER) drop();
+  changed_.notify_all();
+}
+
+void Event::take(void* buffer, std::size_t* size, std::uint64_t timeout) {
   constexpr std::uint64_t kLongest = 1000ULL * 3600 * 24 * 365;
   const auto deadline =
       std::chrono::steady_clock::now() + std::chrono::milliseconds(std::min(timeout, kLongest));
   std::unique_lock lock(mutex);
-  const bool done = changed_.wait_until(lock, deadline,
-                                        [&] { return closed_ || kills_ > 0 || !waiting_.empty(); });
-  require(done, GC_ERR_TIMEOUT, "no event came in time");
-  if (closed_ || kills_ > 0) {
-    if (kills_ > 0) --kills_;
+  const unsigned mine = registrations_;
+  const auto over = [&] { return !registered_ || registrations_ != mine || kills_ > 0; };
+  require(changed_.wait_until(lock, deadline, [&] { return over() || !waiting_.empty(); }),
+          GC_ERR_TIMEOUT, "no event came in time");
+  if (over()) {
+    if (kills_ > 0 && registrations_ == mine) --kills_;
     fail(GC_ERR_ABORT, "the wait for an event was ended");
   }
   store(waiting_.front(), buffer, size);
@@ -81,39 +104,38 @@ void EventQueue::take(void* buffer, std::size_t* size, std::uint64_t timeout) {
   waiting_.pop_front();
 }
 
-void EventQueue::kill() {
+void Event::flush() {
+  const std::lock_guard guard(mutex);
+  for (; !waiting_.empty(); waiting_.pop_front())
+    if (taken_) taken_(waiting_.front());
+}
+
+void Event::kill() {
   const std::lock_guard guard(mutex);
   ++kills_;
   changed_.notify_all();
 }
 
-void EventQueue::setClosed(bool closed) {
-  const std::lock_guard guard(mutex);
-  closed_ = closed;
-  kills_ = 0;
-  changed_.notify_all();
-}
-
-std::size_t EventQueue::waiting() {
+std::size_t Event::waiting() {
   const std::lock_guard guard(mutex);
   return waiting_.size();
 }
 
-std::uint64_t EventQueue::fired() {
+std::uint64_t Event::fired() {
   const std::lock_guard guard(mutex);
   return fired_;
 }
 
-void Event::info(EVENT_INFO_CMD command, INFO_DATATYPE* kind, void* buffer, std::size_t* size) {
-  answer(kInfos, *this, command, kind, buffer, size);
-}
+void Event::info(EVENT_INFO_CMD command, Answer to) { answer(kInfos, *this, command, to); }
 
-void Event::dataInfo(std::string data, EVENT_DATA_INFO_CMD command, INFO_DATATYPE* kind,
-                     void* buffer, std::size_t* size) {
-  data.resize(largest(type));  // Whatever a consumer hands in.
-  if (type == EVENT_ERROR) return answer(kErrorData, data, command, kind, buffer, size);
-  if (type == EVENT_NEW_BUFFER) return answer(kBufferData, data, command, kind, buffer, size);
-  answer(kGenApiData, data, command, kind, buffer, size);
+void Event::dataInfo(const void* data, std::size_t size, EVENT_DATA_INFO_CMD command, Answer to) {
+  requirePointer(data);
+  Data copy{{static_cast<const char*>(data), std::min(size, largest())}};
+  copy.bytes.resize(largest());  // Whatever a consumer hands in.
+  if (type == EVENT_ERROR) return answer(kErrorData, copy, command, to);
+  if (type == EVENT_NEW_BUFFER) return answer(kBufferData, copy, command, to);
+  if (type == EVENT_FEATURE_INVALIDATE) return answer(kFeatureData, copy, command, to);
+  answer(kGenApiData, copy, command, to);
 }
 
 std::string eventData(std::uint64_t id, std::uint64_t value) {
@@ -121,9 +143,9 @@ std::string eventData(std::uint64_t id, std::uint64_t value) {
   return {reinterpret_cast<const char*>(words), sizeof words};
 }
 
-std::string errorData(GC_ERROR code, std::string text) {
-  text.resize(std::min(text.size(), kErrorText - 1));
-  return std::string(reinterpret_cast<const char*>(&code), sizeof code) + text + '\0';
+std::string errorData(GC_ERROR code, const std::string& text) {
+  return std::string(reinterpret_cast<const char*>(&code), sizeof code) +
+         text.substr(0, kText - 1) + '\0';
 }
 
 }  // namespace gentl

@@ -22,5 +22,8 @@ inline void require(bool condition, GC_ERROR code, const char* text) {
 inline void requirePointer(const void* pointer) {
   require(pointer, GC_ERR_INVALID_PARAMETER, "a pointer is null");
 }
+inline void requireIndex(std::size_t index, std::size_t count) {
+  require(index < count, GC_ERR_INVALID_INDEX, "there are not as many");
+}
 
 }  // namespace gentl

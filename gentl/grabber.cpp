@@ -173,7 +173,8 @@ void Grabber::set(int id, unsigned port, std::string_view bytes) {
   const auto [type, size] = widthOf(node);
   require(bytes.size() == size || node.kind == REGISTER_INFO_STRING, GC_ERR_INVALID_PARAMETER,
           "not the size of the register");
-  const int code = Fg_setParameterWithType(fg(), id, bytes.data(), port, type);
+  const std::string ended(bytes);  // In a zero, for texts.
+  const int code = Fg_setParameterWithType(fg(), id, ended.data(), port, type);
   requireSuccess(code, refusal(code), node.paramName);
 }
 
@@ -187,10 +188,24 @@ std::uint32_t Grabber::word(int id, unsigned port) {
 Grabber::Limits Grabber::limits(int id, unsigned port) {
   const std::lock_guard guard(sets_);
   const RegisterInfo& node = describe(id, port);
-  const auto& value = node.value;
-  if (node.kind == REGISTER_INFO_DOUBLE) return {value.real.min, value.real.max, value.real.inc};
-  return {number(value.uint32.min), number(value.uint32.max), number(value.uint32.inc)};
+  const auto of = [](const auto& values) {
+    return Limits{toValue(values.min), toValue(values.max)};
+  };
+  switch (node.kind) {
+    case REGISTER_INFO_DOUBLE:
+      return of(node.value.real);
+    case REGISTER_INFO_UINT64:
+    case REGISTER_INFO_INT64:
+      return of(node.value.int64);
+    case REGISTER_INFO_INT:
+      return of(node.value.int32);
+    default:
+      return of(node.value.uint32);
+  }
 }
+
+std::string Grabber::nameOf(int id, unsigned port) { return describe(id, port).paramName; }
+int Grabber::idOf(const std::string& name) { return Fg_getParameterIdByName(fg(), name.c_str()); }
 
 std::string Grabber::document(unsigned port) {
   const std::lock_guard guard(sets_);
@@ -210,33 +225,41 @@ std::size_t Grabber::payload(unsigned port) {
   return std::size_t{word(FG_WIDTH, port)} * word(FG_HEIGHT, port) * kBytesPerPixel;
 }
 
-void Grabber::listen(const void* listener, std::uint64_t mask, Listener told) {
-  const std::lock_guard thread(watching_);
-  {
-    const std::lock_guard guard(listening_);
-    listeners_[listener] = {mask, std::move(told)};
-    enableEvents();
+std::vector<std::pair<std::string, std::uint64_t>> Grabber::events(unsigned port) {
+  const std::string letter = std::string("_CAM_PORT_") + static_cast<char>('A' + port);
+  const std::string camera = "_CAM" + std::to_string(port);
+  std::vector<std::pair<std::string, std::uint64_t>> found;
+  for (unsigned bit = 0; bit < 64; ++bit) {
+    const std::uint64_t mask = std::uint64_t{1} << bit;
+    const char* const event = Fg_getEventName(fg(), mask);
+    const std::string name = event ? event : "";
+    const bool ofCameras = name.find("_CAM") != std::string::npos;
+    const bool ofPort = name.ends_with(letter) || name.find(camera) != std::string::npos;
+    if (event && (ofPort || !ofCameras)) found.emplace_back(name, mask);
   }
+  return found;
+}
+
+void Grabber::listen(unsigned port, Listener told) {
+  const auto all = events(port);
+  const std::lock_guard guard(listening_);
+  ears_[port] = {0, std::move(told)};
+  for (const auto& [name, mask] : all) ears_[port].mask |= mask;
+  enableEvents();
   if (!watcher_.joinable())
     watcher_ = std::jthread([this](const std::stop_token& stop) { watch(stop); });
 }
 
-void Grabber::ignore(const void* listener) {
-  const std::lock_guard thread(watching_);
-  bool idle = false;
-  {
-    const std::lock_guard guard(listening_);
-    listeners_.erase(listener);
-    enableEvents();
-    idle = listeners_.empty();
-  }
-  if (idle) watcher_ = {};
+void Grabber::ignore(unsigned port) {
+  const std::lock_guard guard(listening_);
+  ears_[port] = {};
+  enableEvents();
 }
 
 void Grabber::enableEvents() {
-  std::uint64_t mask = 0;
-  for (const auto& [listener, wanted] : listeners_) mask |= wanted.first;
-  VirtualBoard_enableEvents(device_, mask);
+  std::uint64_t all = 0;
+  for (const Ear& ear : ears_) all |= ear.mask;
+  VirtualBoard_enableEvents(device_, all);
 }
 
 void Grabber::watch(const std::stop_token& stop) {
@@ -245,8 +268,8 @@ void Grabber::watch(const std::stop_token& stop) {
     VirtualBoardEvent event{};
     if (VirtualBoard_takeEvent(device_, kPatience, &event) != VELMORA_OK) continue;
     const std::lock_guard guard(listening_);
-    for (const auto& [listener, wanted] : listeners_)
-      if (wanted.first & event.mask) wanted.second(event);
+    for (const Ear& ear : ears_)
+      if (ear.mask & event.mask) ear.told(event);
   }
 }
 

@@ -1,12 +1,12 @@
 /// The board with the applet on it, through their public headers.
 #pragma once
 
-#include <cstdint>
+#include <array>
 #include <functional>
-#include <map>
 #include <mutex>
 #include <string>
 #include <thread>
+#include <vector>
 
 #include "gentl/info.h"
 #include "velmora/velmora.h"
@@ -40,10 +40,12 @@ class Grabber {
   }
 
   struct Limits {
-    Value min, max, inc;
+    Value min, max;
   };
   /// As they are at the moment.
   Limits limits(int id, unsigned port);
+  std::string nameOf(int id, unsigned port);
+  int idOf(const std::string& name);
   /// The applet's document of a port.
   std::string document(unsigned port);
   /// Bytes of a picture.
@@ -52,23 +54,28 @@ class Grabber {
   /// @name Events of the applet
   /// @{
   using Listener = std::function<void(const VirtualBoardEvent&)>;
-  /// Tells of events of this mask until the listener is ignored.
-  void listen(const void* listener, std::uint64_t mask, Listener told);
-  void ignore(const void* listener);
+  /// Name and mask of the events that a port has: its own and those of the inputs.
+  std::vector<std::pair<std::string, std::uint64_t>> events(unsigned port);
+  /// Tells of them until the port is ignored.
+  void listen(unsigned port, Listener told);
+  void ignore(unsigned port);
   /// @}
 
  private:
   const RegisterInfo& describe(int id, unsigned port);
-  void watch(const std::stop_token& stop);
   void enableEvents();
+  void watch(const std::stop_token& stop);
 
   KTdevice* device_;
   Fg_Struct grabber_{};
   std::mutex sets_;  ///< Sets must not overlap what reads descriptions.
 
-  std::mutex watching_;  ///< Held by those who start and end the thread.
+  struct Ear {
+    std::uint64_t mask = 0;
+    Listener told;
+  };
   std::mutex listening_;
-  std::map<const void*, std::pair<std::uint64_t, Listener>> listeners_;
+  std::array<Ear, VELMORA_PORTS> ears_;
   std::jthread watcher_;
 };
 

@@ -1,37 +1,26 @@
 #pragma once
 
-#include <array>
-
 #include "gentl/device.h"
 
 namespace gentl {
 
-class System;
-
-inline constexpr const char* kInterfaceId = "velmora-board";
-
-void interfaceInfo(INTERFACE_INFO_CMD command, INFO_DATATYPE* type, void* buffer,
-                   std::size_t* size);
+inline constexpr char kInterfaceId[] = "velmora-board";
 
 /// The board, which lives as long as its interface is open.
 class Interface : public Module {
  public:
-  explicit Interface(std::shared_ptr<System> above);
+  explicit Interface(std::shared_ptr<Module> system);
 
-  const std::shared_ptr<System> parent;
-  const std::shared_ptr<Grabber> grabber = std::make_shared<Grabber>();
+  Grabber grabber;
 
-  std::shared_ptr<Device> openDevice(std::string_view wanted, DEVICE_ACCESS_FLAGS access);
-  DeviceFacts device(std::string_view wanted);
-  void deviceClosed(unsigned port);
-  void close() override;
+  /// Needs no board.
+  static void boardInfo(INTERFACE_INFO_CMD command, Answer to);
+  void info(INTERFACE_INFO_CMD command, Answer to) { boardInfo(command, to); }
+  void deviceInfo(const char* wanted, DEVICE_INFO_CMD command, Answer to);
+  void openDevice(const char* wanted, DEVICE_ACCESS_FLAGS access, DEV_HANDLE* handle);
 
  private:
-  DeviceFacts facts(unsigned port);
-
-  std::mutex lock_;
-  std::array<std::shared_ptr<Device>, VELMORA_PORTS> devices_;
-  std::uint64_t selected_ = 0;
+  DeviceFacts facts(std::size_t port) const;
 };
 
 }  // namespace gentl

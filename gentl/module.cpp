@@ -5,105 +5,97 @@
 namespace gentl {
 namespace {
 
-// Parameter ids are positive and of 31 bits, so none lies here.
-constexpr std::uint64_t kRegisters = 0x80000000;
 constexpr std::uint64_t kRegisterSlot = 0x400;
-constexpr std::uint64_t kDocument = 0x90000000;
+constexpr std::uint64_t kDocument = 0x8000000000;  // Behind all registers.
 
-constexpr std::size_t kEventLimit = 4096;
 constexpr const char* kNoRegister = "no register has this address";
 
-template <auto constant>
-Value always(Module&) {
-  return number(constant);
-}
-
 const InfoRow<Module> kPortInfos[] = {
-    {PORT_INFO_ID, INFO_DATATYPE_STRING, [](Module& m) { return Value(m.id); }},
-    {PORT_INFO_VENDOR, INFO_DATATYPE_STRING, [](Module&) { return Value(kVendor); }},
-    {PORT_INFO_MODEL, INFO_DATATYPE_STRING, [](Module&) { return Value(kModel); }},
-    {PORT_INFO_TLTYPE, INFO_DATATYPE_STRING, [](Module&) { return Value(kTechnology); }},
-    {PORT_INFO_MODULE, INFO_DATATYPE_STRING, [](Module& m) { return Value(m.kind); }},
-    {PORT_INFO_LITTLE_ENDIAN, INFO_DATATYPE_BOOL8, always<1>},
-    {PORT_INFO_BIG_ENDIAN, INFO_DATATYPE_BOOL8, always<0>},
-    {PORT_INFO_ACCESS_READ, INFO_DATATYPE_BOOL8, always<1>},
-    {PORT_INFO_ACCESS_WRITE, INFO_DATATYPE_BOOL8, [](Module& m) { return number(m.writable()); }},
-    {PORT_INFO_ACCESS_NA, INFO_DATATYPE_BOOL8, always<0>},
-    {PORT_INFO_ACCESS_NI, INFO_DATATYPE_BOOL8, always<0>},
-    {PORT_INFO_VERSION, INFO_DATATYPE_STRING, [](Module&) { return Value(kVersion); }},
-    {PORT_INFO_PORTNAME, INFO_DATATYPE_STRING, [](Module& m) { return Value(m.kind); }},
+    {PORT_INFO_ID, INFO_DATATYPE_STRING, tell<&Module::id>},
+    {PORT_INFO_VENDOR, INFO_DATATYPE_STRING, tell<kVendor>},
+    {PORT_INFO_MODEL, INFO_DATATYPE_STRING, tell<kModel>},
+    {PORT_INFO_TLTYPE, INFO_DATATYPE_STRING, tell<kTechnology>},
+    {PORT_INFO_MODULE, INFO_DATATYPE_STRING, tell<&Module::kind>},
+    {PORT_INFO_LITTLE_ENDIAN, INFO_DATATYPE_BOOL8, tell<true>},
+    {PORT_INFO_BIG_ENDIAN, INFO_DATATYPE_BOOL8, tell<false>},
+    {PORT_INFO_ACCESS_READ, INFO_DATATYPE_BOOL8, tell<true>},
+    {PORT_INFO_ACCESS_WRITE, INFO_DATATYPE_BOOL8, tell<&Module::writable>},
+    {PORT_INFO_ACCESS_NA, INFO_DATATYPE_BOOL8, tell<false>},
+    {PORT_INFO_ACCESS_NI, INFO_DATATYPE_BOOL8, tell<false>},
+    {PORT_INFO_VERSION, INFO_DATATYPE_STRING, tell<kVersion>},
+    {PORT_INFO_PORTNAME, INFO_DATATYPE_STRING, tell<&Module::kind>},
 };
 
 const InfoRow<Module> kUrlInfos[] = {
-    {URL_INFO_URL, INFO_DATATYPE_STRING, [](Module& m) { return Value(m.url()); }},
-    {URL_INFO_SCHEMA_VER_MAJOR, INFO_DATATYPE_INT32, always<1>},
-    {URL_INFO_SCHEMA_VER_MINOR, INFO_DATATYPE_INT32, always<0>},
-    {URL_INFO_FILE_VER_MAJOR, INFO_DATATYPE_INT32, always<1>},
-    {URL_INFO_FILE_VER_MINOR, INFO_DATATYPE_INT32, always<0>},
-    {URL_INFO_FILE_VER_SUBMINOR, INFO_DATATYPE_INT32, always<0>},
+    {URL_INFO_URL, INFO_DATATYPE_STRING, tell<&Module::url>},
+    {URL_INFO_SCHEMA_VER_MAJOR, INFO_DATATYPE_INT32, tell<1>},
+    {URL_INFO_SCHEMA_VER_MINOR, INFO_DATATYPE_INT32, tell<0>},
+    {URL_INFO_FILE_VER_MAJOR, INFO_DATATYPE_INT32, tell<1>},
+    {URL_INFO_FILE_VER_MINOR, INFO_DATATYPE_INT32, tell<0>},
+    {URL_INFO_FILE_VER_SUBMINOR, INFO_DATATYPE_INT32, tell<0>},
     {URL_INFO_FILE_SHA1_HASH, INFO_DATATYPE_BUFFER, nullptr},
-    {URL_INFO_FILE_REGISTER_ADDRESS, INFO_DATATYPE_UINT64, always<kDocument>},
-    {URL_INFO_FILE_SIZE, INFO_DATATYPE_UINT64,
-     [](Module& m) { return number(m.document().size()); }},
-    {URL_INFO_SCHEME, INFO_DATATYPE_INT32, always<URL_SCHEME_LOCAL>},
+    {URL_INFO_FILE_REGISTER_ADDRESS, INFO_DATATYPE_UINT64, tell<kDocument>},
+    {URL_INFO_FILE_SIZE, INFO_DATATYPE_UINT64, tell<&Module::documentSize>},
+    {URL_INFO_SCHEME, INFO_DATATYPE_INT32, tell<URL_SCHEME_LOCAL>},
     {URL_INFO_FILENAME, INFO_DATATYPE_STRING, nullptr},
 };
 
-const char* tagOf(RegisterKind kind) {
-  return kind == RegisterKind::kInteger ? "IntReg"
-         : kind == RegisterKind::kFloat ? "FloatReg"
-                                        : "StringReg";
+std::size_t lengthOf(const Register& of) {
+  return of.kind == RegisterKind::kText ? kTextLength : sizeof(std::uint64_t);
 }
 
 }  // namespace
 
-std::string element(const std::string& tag, const std::string& text) {
-  return "<" + tag + ">" + text + "</" + tag + ">\n";
+Module::Module(std::string id, const char* kind, std::shared_ptr<Module> parent,
+               std::initializer_list<EVENT_TYPE> events, std::vector<std::string> below)
+    : id(std::move(id)), kind(kind), parent(std::move(parent)) {
+  for (const EVENT_TYPE type : {EVENT_TYPE{EVENT_ERROR}, EVENT_TYPE{EVENT_MODULE}})
+    events_.emplace(type, std::make_shared<Event>(type));
+  for (const EVENT_TYPE type : events) events_.emplace(type, std::make_shared<Event>(type));
+  for (std::string& each : below) below_.push_back({std::move(each), nullptr});
 }
 
-std::size_t Register::length() const { return kind == RegisterKind::kText ? kTextLength : 8; }
-
-Module::Module(std::string id, const char* kind, std::initializer_list<EVENT_TYPE> events)
-    : id(std::move(id)), kind(kind) {
-  for (const EVENT_TYPE type : events) {
-    const auto made = queues_.emplace(type, std::make_shared<EventQueue>()).first;
-    if (type != EVENT_NEW_BUFFER) made->second->setLimit(kEventLimit);
-  }
-}
-
-void Module::read(std::uint64_t address, void* buffer, std::size_t size) {
+void Module::read(std::uint64_t address, void* buffer, std::size_t* size) {
+  requirePointer(buffer);
+  requirePointer(size);
   const std::lock_guard guard(portLock_);
   if (address >= kDocument) {
     const std::string& text = document();
     const std::uint64_t offset = address - kDocument;
-    require(offset <= text.size() && size <= text.size() - offset, GC_ERR_INVALID_ADDRESS,
+    require(offset <= text.size() && *size <= text.size() - offset, GC_ERR_INVALID_ADDRESS,
             "beyond the end of the document");
-    std::memcpy(buffer, text.data() + offset, size);
+    std::memcpy(buffer, text.data() + offset, *size);
     return;
   }
   std::string bytes;
   if (const Register* own = at(address)) {
     bytes = encoded(INFO_DATATYPE_UINT64, own->read());
-    bytes.resize(own->length());
+    bytes.resize(lengthOf(*own));
   } else {
     bytes = readOther(address);
   }
-  require(size <= bytes.size(), GC_ERR_INVALID_PARAMETER, "more bytes than the register has");
-  std::memcpy(buffer, bytes.data(), size);
+  require(*size <= bytes.size(), GC_ERR_INVALID_PARAMETER, "more bytes than the register has");
+  std::memcpy(buffer, bytes.data(), *size);
 }
 
-void Module::write(std::uint64_t address, const void* buffer, std::size_t size) {
+void Module::write(std::uint64_t address, const void* buffer, std::size_t* size) {
+  requirePointer(buffer);
+  requirePointer(size);
   require(writable(), GC_ERR_ACCESS_DENIED, "opened to read only");
   const std::lock_guard guard(portLock_);
-  const Register* own = at(address);
-  if (!own) return writeOther(address, {static_cast<const char*>(buffer), size});
-  require(own->write != nullptr, GC_ERR_ACCESS_DENIED, "a register to read only");
-  require(size == own->length(), GC_ERR_INVALID_PARAMETER, "not the size of the register");
-  std::uint64_t whole = 0;
-  double real = 0;
-  const bool isReal = own->kind == RegisterKind::kFloat;
-  std::memcpy(isReal ? static_cast<void*>(&real) : &whole, buffer, sizeof whole);
-  own->write(isReal ? Value(real) : Value(whole));
+  if (const Register* own = at(address)) {
+    require(own->write != nullptr, GC_ERR_ACCESS_DENIED, "a register to read only");
+    require(*size == lengthOf(*own), GC_ERR_INVALID_PARAMETER, "not the size of the register");
+    std::uint64_t bits = 0;
+    std::memcpy(&bits, buffer, sizeof bits);
+    if (own->kind == RegisterKind::kFloat)
+      own->write(std::bit_cast<double>(bits));
+    else
+      own->write(bits);
+  } else {
+    writeOther(address, {static_cast<const char*>(buffer), *size});
+  }
+  written(address);
 }
 
 std::string Module::readOther(std::uint64_t /*address*/) {
@@ -113,15 +105,14 @@ void Module::writeOther(std::uint64_t /*address*/, std::string_view /*bytes*/) {
   fail(GC_ERR_INVALID_ADDRESS, kNoRegister);
 }
 
-void Module::portInfo(PORT_INFO_CMD command, INFO_DATATYPE* type, void* buffer, std::size_t* size) {
-  answer(kPortInfos, *this, command, type, buffer, size);
-}
-void Module::urlInfo(URL_INFO_CMD command, INFO_DATATYPE* type, void* buffer, std::size_t* size) {
-  answer(kUrlInfos, *this, command, type, buffer, size);
+void Module::portInfo(PORT_INFO_CMD command, Answer to) { answer(kPortInfos, *this, command, to); }
+void Module::urlInfo(std::uint32_t index, URL_INFO_CMD command, Answer to) {
+  requireIndex(index, 1);
+  answer(kUrlInfos, *this, command, to);
 }
 
 std::string Module::url() {
-  return "Local:" + id + ".xml;" + hexadecimal(kDocument) + ";" + hexadecimal(document().size());
+  return "Local:" + id + ".xml;" + hexadecimal(kDocument) + ";" + hexadecimal(documentSize());
 }
 
 const std::string& Module::document() {
@@ -129,78 +120,78 @@ const std::string& Module::document() {
   return document_;
 }
 
-std::shared_ptr<Event> Module::registerEvent(EVENT_TYPE type) {
+void Module::registerEvent(EVENT_TYPE type, EVENT_HANDLE* handle) {
+  requirePointer(handle);
   require(type >= EVENT_ERROR && type <= EVENT_MODULE, GC_ERR_INVALID_PARAMETER,
           "no such type of event");
   const std::lock_guard guard(eventLock_);
-  require(queues_.contains(type), GC_ERR_NOT_IMPLEMENTED, "this module has no such events");
-  require(!events_.contains(type), GC_ERR_RESOURCE_IN_USE, "the event is registered");
-  auto event = std::make_shared<Event>(type, queues_.at(type));
+  const auto found = events_.find(type);
+  require(found != events_.end(), GC_ERR_NOT_IMPLEMENTED, "this module has no such events");
+  Event& event = *found->second;
+  require(!event.handle, GC_ERR_RESOURCE_IN_USE, "the event is registered");
   registered(type, true);
-  event->queue->setClosed(false);
-  events_.emplace(type, event);
-  Registry::instance().add(event);
-  return event;
+  event.setRegistered(true);
+  *handle = Registry::instance().add(found->second);
 }
 
 void Module::unregisterEvent(EVENT_TYPE type) {
   const std::lock_guard guard(eventLock_);
   const auto found = events_.find(type);
-  require(found != events_.end(), GC_ERR_INVALID_PARAMETER, "the event is not registered");
+  require(found != events_.end() && found->second->handle, GC_ERR_INVALID_PARAMETER,
+          "the event is not registered");
+  Event& event = *found->second;
   registered(type, false);
-  found->second->queue->setClosed(true);
-  if (type != EVENT_NEW_BUFFER) found->second->queue->flush();
-  Registry::instance().remove(*found->second);
-  events_.erase(found);
+  Registry::instance().remove(event);
+  event.handle = nullptr;
+  event.setRegistered(false);
 }
 
-void Module::fire(EVENT_TYPE type, std::string data) {
-  EventQueue& told = queue(type);
-  const std::lock_guard guard(told.mutex);
-  if (!told.closed()) told.push(std::move(data));
+const std::string& Module::belowId(std::size_t index) const {
+  requireIndex(index, count());
+  return below_[index].id;
+}
+
+std::size_t Module::indexOf(const char* wanted) const {
+  requirePointer(wanted);
+  const auto found = std::ranges::find(below_, wanted, &Below::id);
+  require(found != below_.end(), GC_ERR_INVALID_ID, "nothing has this id");
+  return static_cast<std::size_t>(found - below_.begin());
 }
 
 void Module::close() {
+  for (const Below& each : below_)
+    if (const auto module = each.module) module->close();
   Registry::instance().remove(*this);
-  for (const auto& each : queues_) {
-    const bool open = [&] {
-      const std::lock_guard guard(eventLock_);
-      return events_.contains(each.first);
-    }();
-    if (open) unregisterEvent(each.first);
-  }
+  for (const auto& [type, event] : events_)
+    if (event->handle) unregisterEvent(type);
+  if (!parent) return;
+  for (Below& each : parent->below_)
+    if (each.module.get() == this) each.module.reset();
 }
 
-void Module::addFeature(const std::string& name, INFO_DATATYPE type, std::function<Value()> read,
+void Module::addFeature(const std::string& name, RegisterKind kind, std::function<Value()> read,
                         std::vector<const char*> invalidators) {
   names_ += element("pFeature", name);
-  if (type == INFO_DATATYPE_STRING)
-    return add({name, RegisterKind::kText, std::move(read), nullptr, std::move(invalidators)});
-  add({name + "_Reg", RegisterKind::kInteger, std::move(read), nullptr, std::move(invalidators)});
-  features_ +=
-      "<Integer Name=\"" + name + "\">\n" + element("pValue", name + "_Reg") + "</Integer>\n";
+  add({name, kind, std::move(read), nullptr, std::move(invalidators)});
 }
 
 void Module::addCommand(const std::string& name) {
   names_ += element("pFeature", name);
-  add({name + "_Reg", RegisterKind::kInteger, [] { return number(0); }, [](const Value&) {}, {}});
+  add({name + "_Reg", RegisterKind::kInteger, [] { return toValue(0); }, [](const Value&) {}});
   features_ += "<Command Name=\"" + name + "\">\n" + element("pValue", name + "_Reg") +
                element("CommandValue", "1") + "</Command>\n";
 }
 
-void Module::addSelector(const std::string& name, std::uint64_t count, std::uint64_t& selected) {
+void Module::addSelector(const std::string& name) {
   names_ += element("pFeature", name);
-  add({name + "_Reg",
-       RegisterKind::kInteger,
-       [&selected] { return number(selected); },
-       [&selected, count](const Value& value) {
-         const auto index = std::get<std::uint64_t>(value);
-         require(index < count, GC_ERR_INVALID_VALUE, "there are not as many");
-         selected = index;
-       },
-       {}});
+  const auto select = [this](const Value& value) {
+    const auto index = std::get<std::uint64_t>(value);
+    require(index < count(), GC_ERR_INVALID_VALUE, "there are not as many");
+    selected_ = index;
+  };
+  add({name + "_Reg", RegisterKind::kInteger, [this] { return toValue(selected_); }, select});
   features_ += "<Integer Name=\"" + name + "\">\n" + element("pValue", name + "_Reg") +
-               element("Min", "0") + element("Max", std::to_string(count - 1)) + "</Integer>\n";
+               element("Min", "0") + element("Max", std::to_string(count() - 1)) + "</Integer>\n";
 }
 
 void Module::addEnumeration(const std::string& name, std::span<const char* const> entries,
@@ -226,28 +217,37 @@ std::string Module::makeDocument() {
          "\"></Port>\n</RegisterDescription>\n";
 }
 
+std::string element(const std::string& tag, const std::string& text) {
+  return "<" + tag + ">" + text + "</" + tag + ">\n";
+}
+
+std::string registerNode(const Register& from, std::uint64_t address, const char* port) {
+  constexpr const char* kTags[] = {"IntReg", "FloatReg", "StringReg"};
+  const std::string tag = kTags[static_cast<int>(from.kind)];
+  std::string node = "<" + tag + " Name=\"" + from.name + "\">\n" +
+                     element("Address", "0x" + hexadecimal(address)) +
+                     element("Length", std::to_string(lengthOf(from))) +
+                     element("AccessMode", from.write ? "RW" : "RO") + element("pPort", port) +
+                     element("Cachable", "NoCache");
+  for (const char* invalidator : from.invalidators) node += element("pInvalidator", invalidator);
+  if (from.kind == RegisterKind::kInteger) node += element("Sign", "Signed");
+  if (from.kind != RegisterKind::kText) node += element("Endianess", "LittleEndian");
+  return node + "</" + tag + ">\n";
+}
+
 std::string Module::registerNodes() const {
   std::string nodes;
   std::uint64_t address = kRegisters;
   for (const Register& each : registers_) {
-    const std::string tag = tagOf(each.kind);
-    nodes += "<" + tag + " Name=\"" + each.name + "\">\n" +
-             element("Address", "0x" + hexadecimal(address)) +
-             element("Length", std::to_string(each.length())) +
-             element("AccessMode", each.write ? "RW" : "RO") + element("pPort", kind) +
-             element("Cachable", "NoCache");
-    for (const char* invalidator : each.invalidators) nodes += element("pInvalidator", invalidator);
-    if (each.kind == RegisterKind::kInteger) nodes += element("Sign", "Signed");
-    if (each.kind != RegisterKind::kText) nodes += element("Endianess", "LittleEndian");
-    nodes += "</" + tag + ">\n";
+    nodes += registerNode(each, address, kind);
     address += kRegisterSlot;
   }
   return nodes;
 }
 
 const Register* Module::at(std::uint64_t address) const {
-  if (address < kRegisters || address % kRegisterSlot != 0) return nullptr;
   const std::uint64_t index = (address - kRegisters) / kRegisterSlot;
+  if (address < kRegisters || address % kRegisterSlot != 0) return nullptr;
   return index < registers_.size() ? &registers_[index] : nullptr;
 }
 

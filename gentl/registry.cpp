@@ -11,17 +11,15 @@ Registry& Registry::instance() {
 
 void* Registry::add(const std::shared_ptr<Object>& object) {
   const std::lock_guard guard(mutex_);
-  live_.emplace(last_ += 16, object);
-  return object->handle = std::bit_cast<void*>(last_);
+  object->handle = std::bit_cast<void*>(last_ += 16);
+  live_.emplace(object->handle, object);
+  return object->handle;
 }
 
 void Registry::remove(const Object& object) {
   std::shared_ptr<Object> gone;  // Let go after the lock.
   const std::lock_guard guard(mutex_);
-  const auto found = live_.find(reinterpret_cast<std::uintptr_t>(object.handle));
-  if (found == live_.end()) return;
-  gone = std::move(found->second);
-  live_.erase(found);
+  if (auto node = live_.extract(object.handle)) gone = std::move(node.mapped());
 }
 
 void Registry::setOpen(bool open) {
@@ -38,7 +36,8 @@ void Registry::requireOpen() {
 
 std::shared_ptr<Object> Registry::object(const void* handle) {
   const std::lock_guard guard(mutex_);
-  const auto found = live_.find(reinterpret_cast<std::uintptr_t>(handle));
+  require(open_, GC_ERR_NOT_INITIALIZED, "the library is not initialised");
+  const auto found = live_.find(handle);
   return found == live_.end() ? nullptr : found->second;
 }
 

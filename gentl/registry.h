@@ -48,7 +48,7 @@ class Registry {
   std::mutex mutex_;
   bool open_ = false;
   std::uintptr_t last_ = 0x1000;
-  std::unordered_map<std::uintptr_t, std::shared_ptr<Object>> live_;
+  std::unordered_map<const void*, std::shared_ptr<Object>> live_;
 };
 
 }  // namespace gentl

@@ -1,6 +1,9 @@
 #include "gentl/remote_device.h"
 
+#include <sstream>
+
 #include "gentl/device.h"
+#include "standard_features.h"
 #include "velmora/parameters.h"
 #include "velmora/values.h"
 
@@ -8,38 +11,94 @@ namespace gentl {
 namespace {
 
 constexpr std::uint64_t kLargestId = 0x7FFFFFFF;
+/// The limits of a parameter have registers: these and its id.
+constexpr std::uint64_t kMin = 0x100000000, kMax = 0x200000000;
 
-void replace(std::string& text, const std::string& mark, const std::string& with) {
-  for (std::size_t at = 0; (at = text.find(mark, at)) != std::string::npos; at += with.size())
-    text.replace(at, mark.size(), with);
+/// Features of which a write changes the others, or their limits.
+const std::vector<const char*> kTogether[] = {
+    {"Width", "FG_WIDTH", "OffsetX", "FG_XOFFSET", "PayloadSize"},
+    {"Height", "FG_HEIGHT", "OffsetY", "FG_YOFFSET", "PayloadSize"},
+    {"TestPattern", "FG_GEN_ENABLE"},
+    {"TriggerMode", "TriggerSource", "AcquisitionFrameRate", "AcquisitionFrameRateEnable",
+     "FG_AREATRIGGERMODE", "FG_TRIGGERSTATE", "FG_TRIGGER_FRAMESPERSECOND", "FG_TRIGGERIN_SRC",
+     "FG_TRIGGERQUEUE_MODE", "FG_SENDSOFTWARETRIGGER"},
+    {"TriggerActivation", "FG_TRIGGERIN_POLARITY"},
+    {"BalanceRatio", "FG_SCALINGFACTOR_RED", "FG_SCALINGFACTOR_GREEN", "FG_SCALINGFACTOR_BLUE"},
+    {"FG_GEN_FREQ", "FG_GEN_ACCURACY"},
+    {"FG_GEN_WIDTH", "FG_GEN_LINE_GAP", "FG_GEN_LINE_WIDTH"},
+    {"FG_TRIGGERIN_DOWNSCALE", "FG_TRIGGERIN_DOWNSCALE_PHASE"},
+    {"FG_TRIGGER_PULSEFORMGEN0_DOWNSCALE", "FG_TRIGGER_PULSEFORMGEN0_DOWNSCALE_PHASE"},
+    {"FG_TRIGGER_PULSEFORMGEN1_DOWNSCALE", "FG_TRIGGER_PULSEFORMGEN1_DOWNSCALE_PHASE"},
+};
+
+std::vector<const char*> othersThan(const std::string& feature) {
+  std::vector<const char*> others;
+  for (const auto& group : kTogether)
+    if (std::ranges::find(group, feature) != group.end())
+      std::ranges::copy_if(group, std::back_inserter(others),
+                           [&](const char* name) { return name != feature; });
+  return others;
 }
 
-/// Lets the limits of an integer of the applet's document move.
-void liveLimits(std::string& text, const std::string& name, const std::string& feature) {
-  const std::size_t start = text.find("<Integer Name='" + name + "'>");
-  if (start == std::string::npos) return;
-  for (const char* const end : {"Min", "Max"}) {
-    const std::size_t at = text.find(std::string("<").append(end), start);
-    const std::size_t stop = text.find('\n', at) + 1;
-    text.replace(at, stop - at, element(std::string("p").append(end), feature + "_" + end));
+std::string withoutSuffix(const std::string& node) { return node.substr(0, node.rfind('_')); }
+
+/// One line of the applet's document as a consumer gets it: values that are not kept, limits that
+/// move, features for experts, and a root category that is one of the standard features'.
+class AppletLines {
+ public:
+  explicit AppletLines(Grabber& grabber) : grabber_(grabber) {}
+
+  std::string adapted(const std::string& line) {
+    if (line.find("Name='Root'") != std::string::npos)
+      return "<Category Name='Applet'>\n" + element("Visibility", "Expert");
+    if (line.starts_with("<Port ")) return "<Port Name=\"Device\"></Port>\n";
+    if (line.starts_with("<Min>")) return limit("Min", kMin);
+    if (line.starts_with("<Max>")) return limit("Max", kMax);
+    if (line.starts_with("<Description>")) return line + '\n' + element("Visibility", "Expert");
+    if (line.starts_with("<pPort>")) return port();
+    const std::size_t at = line.find(" Name=");
+    if (at != std::string::npos && !line.starts_with("<EnumEntry")) {
+      tag_ = line.substr(1, at - 1);
+      const std::size_t start = at + 7;
+      name_ = line.substr(start, line.find_first_of("'\"", start) - start);
+    }
+    return line + '\n';
   }
-}
+  /// The nodes that the lines refer to.
+  const std::string& nodes() const { return nodes_; }
+
+ private:
+  std::string limit(const std::string& which, std::uint64_t address) {
+    const std::string node = name_ + '_' + which;
+    const auto kind = tag_ == "Float" ? RegisterKind::kFloat : RegisterKind::kInteger;
+    nodes_ += registerNode({node, kind, nullptr, nullptr, othersThan(name_)},
+                           address | static_cast<unsigned>(grabber_.idOf(name_)), "Device");
+    return element("p" + which, node);
+  }
+  std::string port() const {
+    std::string lines = element("pPort", "Device") + element("Cachable", "NoCache");
+    for (const char* other : othersThan(withoutSuffix(name_)))
+      lines += element("pInvalidator", other);
+    return lines;
+  }
+
+  Grabber& grabber_;
+  std::string tag_, name_, nodes_;
+};
 
 /// Nodes by which a GenApi library shows the applet's events.
 std::string eventNodes(Grabber& grabber, unsigned port) {
   std::string nodes, names;
-  forEachEvent(grabber, port, [&](const std::string& name, std::uint64_t mask) {
+  for (const auto& [name, mask] : grabber.events(port)) {
     const std::string feature = "Event" + name + "Timestamp";
     names += element("pFeature", feature);
     nodes += "<Integer Name=\"" + feature + "\">\n" + element("Visibility", "Expert") +
-             element("pValue", feature + "_Reg") + element("Unit", "ns") +
-             "</Integer>\n<IntReg Name=\"" + feature + "_Reg\">\n" + element("Address", "0") +
-             element("Length", "8") + element("AccessMode", "RO") +
-             element("pPort", name + "_Event") + element("Cachable", "NoCache") +
-             element("Sign", "Signed") + element("Endianess", "LittleEndian") +
-             "</IntReg>\n<Port Name=\"" + name + "_Event\">\n" +
-             element("EventID", hexadecimal(mask)) + "</Port>\n";
-  });
+             element("pValue", feature + "_Reg") + element("Unit", "ns") + "</Integer>\n" +
+             registerNode({feature + "_Reg", RegisterKind::kInteger, nullptr}, 0,
+                          (name + "_Event").c_str()) +
+             "<Port Name=\"" + name + "_Event\">\n" + element("EventID", hexadecimal(mask)) +
+             "</Port>\n";
+  }
   return "<Category Name=\"EventControl\" NameSpace=\"Standard\">\n" + names + "</Category>\n" +
          nodes;
 }
@@ -48,129 +107,99 @@ std::uint64_t whole(const Value& value) { return std::get<std::uint64_t>(value);
 
 }  // namespace
 
-RemoteDevice::RemoteDevice(std::shared_ptr<Device> above)
-    : Module(above->id, "Device", {}),
-      device_(std::move(above)),
-      grabber_(*device_->grabber),
-      port_(device_->port) {
-  const auto text = [this](const char* name, const std::string& value) {
-    add({name, RegisterKind::kText, [value] { return Value(value); }, nullptr, {}});
-  };
-  text("DeviceVendorName", kVendor);
-  text("DeviceModelName", kModel);
-  text("DeviceVersion", kVersion);
-  text("DeviceID", id);
-  text("DeviceSerialNumber", std::to_string(port_));
-  add({"PayloadSize_Reg",
-       RegisterKind::kInteger,
-       [this] { return number(grabber_.payload(port_)); },
-       nullptr,
-       {"Width", "Height", "FG_WIDTH", "FG_HEIGHT"}});
+RemoteDevice::RemoteDevice(std::shared_ptr<Device> device)
+    : Module(device->id, "Device", device),
+      device_(*device),
+      grabber_(device->grabber),
+      port_(device->port) {
+  const std::pair<const char*, std::string> texts[] = {
+      {"DeviceVendorName", kVendor},
+      {"DeviceModelName", kModel},
+      {"DeviceVersion", kVersion},
+      {"DeviceID", id},
+      {"DeviceSerialNumber", std::to_string(port_)}};
+  for (const auto& [name, text] : texts) add({name, RegisterKind::kText, [=] { return text; }});
+  addOwn(
+      "PayloadSize", RegisterKind::kInteger, [this] { return toValue(grabber_.payload(port_)); },
+      nullptr);
   addAcquisition();
   addTrigger();
   addFrameRate();
-  addLimits("Width", FG_WIDTH, {"OffsetX", "FG_XOFFSET"});
-  addLimits("Height", FG_HEIGHT, {"OffsetY", "FG_YOFFSET"});
-  addLimits("OffsetX", FG_XOFFSET, {"Width", "FG_WIDTH"});
-  addLimits("OffsetY", FG_YOFFSET, {"Height", "FG_HEIGHT"});
-  addLimits("AcquisitionFrameRate", FG_TRIGGER_FRAMESPERSECOND, {});
-  addLimits("BalanceRatio", FG_SCALINGFACTOR_RED, {});
+}
+
+void RemoteDevice::addOwn(const std::string& feature, RegisterKind kind,
+                          std::function<Value()> read, std::function<void(const Value&)> write) {
+  add({feature + "_Reg", kind, std::move(read), std::move(write), othersThan(feature)});
 }
 
 void RemoteDevice::addAcquisition() {
   const auto command = [this](const char* name, void (Device::*action)()) {
-    add({name,
-         RegisterKind::kInteger,
-         [] { return number(0); },
-         [this, action](const Value&) { ((*device_).*action)(); },
-         {}});
+    addOwn(
+        name, RegisterKind::kInteger, [] { return toValue(0); },
+        [this, action](const Value&) { (device_.*action)(); });
   };
-  command("AcquisitionStart_Reg", &Device::startSending);
-  command("AcquisitionStop_Reg", &Device::stopSending);
+  command("AcquisitionStart", &Device::startSending);
+  command("AcquisitionStop", &Device::stopSending);
   const auto setting = [this](const char* name, std::uint64_t Device::*field, std::uint64_t min,
                               std::uint64_t max) {
-    add({name,
-         RegisterKind::kInteger,
-         [this, field] {
-           const std::lock_guard guard(device_->control);
-           return number((*device_).*field);
-         },
-         [=, this](const Value& value) {
-           require(whole(value) >= min && whole(value) <= max, GC_ERR_INVALID_VALUE,
-                   "value out of range");
-           const std::lock_guard guard(device_->control);
-           (*device_).*field = whole(value);
-         },
-         {}});
+    const auto write = [=, this](const Value& value) {
+      require(whole(value) >= min && whole(value) <= max, GC_ERR_INVALID_VALUE,
+              "value out of range");
+      const std::lock_guard guard(device_.control);
+      device_.*field = whole(value);
+    };
+    const auto read = [this, field] {
+      const std::lock_guard guard(device_.control);
+      return toValue(device_.*field);
+    };
+    addOwn(name, RegisterKind::kInteger, read, write);
   };
-  setting("AcquisitionMode_Reg", &Device::mode, 0, 2);
-  setting("AcquisitionFrameCount_Reg", &Device::pictures, 1, 0x7FFFFFFF);
+  setting("AcquisitionMode", &Device::mode, 0, 2);
+  setting("AcquisitionFrameCount", &Device::pictures, 1, 0x7FFFFFFF);
 }
 
 void RemoteDevice::addTrigger() {
-  add({"TriggerMode_Reg",
-       RegisterKind::kInteger,
-       [this] { return number(triggered()); },
-       [this](const Value& on) {
-         if (whole(on) != 0) return trigger();
-         if (triggered()) activate(ATM_GENERATOR);
-       },
-       {"FG_AREATRIGGERMODE", "FG_TRIGGERSTATE", "AcquisitionFrameRate",
-        "AcquisitionFrameRateEnable"}});
-  add({"TriggerSource_Reg",
-       RegisterKind::kInteger,
-       [this] { return number(source()); },
-       [this](const Value& value) {
-         constexpr std::uint64_t kLines = 8;
-         require(whole(value) <= kLines, GC_ERR_INVALID_VALUE, "no such source");
-         source_ = whole(value);
-         if (triggered()) trigger();
-       },
-       {"FG_AREATRIGGERMODE", "FG_TRIGGERIN_SRC"}});
+  addOwn(
+      "TriggerMode", RegisterKind::kInteger, [this] { return toValue(triggered()); },
+      [this](const Value& on) {
+        if (whole(on) != 0) return trigger();
+        if (triggered()) activate(ATM_GENERATOR);
+      });
+  addOwn(
+      "TriggerSource", RegisterKind::kInteger, [this] { return source(); },
+      [this](const Value& value) {
+        constexpr std::uint64_t kLines = 8;
+        require(whole(value) <= kLines, GC_ERR_INVALID_VALUE, "no such source");
+        source_ = whole(value);
+        if (triggered()) trigger();
+      });
 }
 
 /// Without triggers, the design's generator paces the camera, or nothing does.
 void RemoteDevice::addFrameRate() {
-  add({"AcquisitionFrameRateEnable_Reg",
-       RegisterKind::kInteger,
-       [this] { return number(active() && !triggered()); },
-       [this](const Value& on) {
-         require(!triggered(), GC_ERR_ACCESS_DENIED, "TriggerMode is On");
-         if (whole(on) != 0) return activate(ATM_GENERATOR);
-         grabber_.setWord(FG_TRIGGERSTATE, port_, TS_ASYNC_STOP);
-       },
-       {"FG_AREATRIGGERMODE", "FG_TRIGGERSTATE", "AcquisitionFrameRate", "TriggerMode"}});
-  add({"AcquisitionFrameRate_Reg",
-       RegisterKind::kFloat,
-       [this] {
-         double rate = 0;
-         grabber_.get(FG_TRIGGER_FRAMESPERSECOND, port_)
-             .copy(reinterpret_cast<char*>(&rate), sizeof rate);
-         return Value(rate);
-       },
-       [this](const Value& rate) {
-         grabber_.set(FG_TRIGGER_FRAMESPERSECOND, port_, encoded(INFO_DATATYPE_FLOAT64, rate));
-         if (!triggered()) activate(ATM_GENERATOR);
-       },
-       {"FG_TRIGGER_FRAMESPERSECOND"}});
+  addOwn(
+      "AcquisitionFrameRateEnable", RegisterKind::kInteger,
+      [this] { return toValue(active() && !triggered()); },
+      [this](const Value& on) {
+        require(!triggered(), GC_ERR_ACCESS_DENIED, "TriggerMode is On");
+        if (whole(on) != 0) return activate(ATM_GENERATOR);
+        grabber_.setWord(FG_TRIGGERSTATE, port_, TS_ASYNC_STOP);
+      });
+  addOwn(
+      "AcquisitionFrameRate", RegisterKind::kFloat,
+      [this] {
+        double rate = 0;
+        grabber_.get(FG_TRIGGER_FRAMESPERSECOND, port_)
+            .copy(reinterpret_cast<char*>(&rate), sizeof rate);
+        return rate;
+      },
+      [this](const Value& rate) {
+        grabber_.set(FG_TRIGGER_FRAMESPERSECOND, port_, encoded(INFO_DATATYPE_FLOAT64, rate));
+        if (!triggered()) activate(ATM_GENERATOR);
+      });
 }
 
-void RemoteDevice::addLimits(const std::string& feature, int parameter,
-                             std::vector<const char*> invalidators) {
-  const auto kind = std::holds_alternative<double>(grabber_.limits(parameter, port_).min)
-                        ? RegisterKind::kFloat
-                        : RegisterKind::kInteger;
-  const auto limit = [&](const char* name, Value Grabber::Limits::*field) {
-    add({feature + "_" + name, kind,
-         [this, parameter, field] { return grabber_.limits(parameter, port_).*field; }, nullptr,
-         invalidators});
-  };
-  limit("Min", &Grabber::Limits::min);
-  limit("Max", &Grabber::Limits::max);
-  limit("Inc", &Grabber::Limits::inc);
-}
-
-bool RemoteDevice::writable() const { return !device_->readOnly; }
+bool RemoteDevice::writable() const { return !device_.readOnly; }
 
 bool RemoteDevice::active() { return grabber_.word(FG_TRIGGERSTATE, port_) == TS_ACTIVE; }
 
@@ -198,8 +227,12 @@ std::uint64_t RemoteDevice::source() {
 }
 
 std::string RemoteDevice::readOther(std::uint64_t address) {
-  if (address > kLargestId) return Module::readOther(address);
-  return grabber_.get(static_cast<int>(address), port_);
+  const std::uint64_t which = address & ~kLargestId;
+  const int parameter = static_cast<int>(address & kLargestId);
+  if (which == 0) return grabber_.get(parameter, port_);
+  if (which != kMin && which != kMax) return Module::readOther(address);
+  const auto [min, max] = grabber_.limits(parameter, port_);
+  return encoded(INFO_DATATYPE_UINT64, which == kMin ? min : max);
 }
 
 void RemoteDevice::writeOther(std::uint64_t address, std::string_view bytes) {
@@ -207,25 +240,25 @@ void RemoteDevice::writeOther(std::uint64_t address, std::string_view bytes) {
   grabber_.set(static_cast<int>(address), port_, bytes);
 }
 
-/// The applet's document with the standard features before it. The applet's root category becomes
-/// one of theirs.
+void RemoteDevice::written(std::uint64_t address) {
+  const Register* const own = at(address);
+  const std::string feature =
+      own ? withoutSuffix(own->name) : grabber_.nameOf(static_cast<int>(address), port_);
+  for (const char* other : othersThan(feature))
+    device_.event(EVENT_FEATURE_INVALIDATE).fire(std::string(other) + '\0');
+}
+
+/// The applet's document with the standard features before it.
 std::string RemoteDevice::makeDocument() {
-  std::string text = grabber_.document(port_);
-  replace(text, "\"DevicePort\"", "\"Device\"");
-  replace(text, "<pPort>DevicePort</pPort>\n",
-          "<pPort>Device</pPort>\n<Cachable>NoCache</Cachable>\n");
-  replace(text, "</Description>\n", "</Description>\n<Visibility>Expert</Visibility>\n");
-  replace(text, "<Category Name='Root' NameSpace='Standard' >\n",
-          "<Category Name='Applet'>\n<Visibility>Expert</Visibility>\n");
-  liveLimits(text, "FG_WIDTH", "Width");
-  liveLimits(text, "FG_HEIGHT", "Height");
-  liveLimits(text, "FG_XOFFSET", "OffsetX");
-  liveLimits(text, "FG_YOFFSET", "OffsetY");
-  const std::size_t start = text.find('>', text.find("<RegisterDescription")) + 1;
-  std::string front(1, '\n');
-  front += kStandardFeatures;
-  text.insert(start, front + eventNodes(grabber_, port_) + registerNodes());
-  return text;
+  AppletLines lines(grabber_);
+  std::istringstream document(grabber_.document(port_));
+  std::string text;
+  for (std::string line; std::getline(document, line);) {
+    text += lines.adapted(line);
+    if (line.ends_with("GenApiSchema_Version_1_0.xsd\">"))
+      text += kStandardFeatures + eventNodes(grabber_, port_) + registerNodes();
+  }
+  return text.insert(text.rfind("<Port "), lines.nodes());
 }
 
 }  // namespace gentl

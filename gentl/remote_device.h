@@ -7,11 +7,11 @@ namespace gentl {
 
 class Device;
 
-/// A camera port as GenICam sees it: the applet's registers under their parameter ids, and
-/// registers of its own for standard features that no parameter serves.
+/// A camera port as GenICam sees it: the applet's registers under their parameter ids, their limits
+/// above, and registers of its own for standard features that no parameter serves.
 class RemoteDevice : public Module {
  public:
-  explicit RemoteDevice(std::shared_ptr<Device> above);
+  explicit RemoteDevice(std::shared_ptr<Device> device);
 
   bool writable() const override;
 
@@ -19,12 +19,14 @@ class RemoteDevice : public Module {
   std::string makeDocument() override;
   std::string readOther(std::uint64_t address) override;
   void writeOther(std::uint64_t address, std::string_view bytes) override;
+  void written(std::uint64_t address) override;
 
  private:
+  void addOwn(const std::string& feature, RegisterKind kind, std::function<Value()> read,
+              std::function<void(const Value&)> write);
   void addAcquisition();
   void addTrigger();
   void addFrameRate();
-  void addLimits(const std::string& feature, int parameter, std::vector<const char*> invalidators);
 
   bool active();
   bool triggered();
@@ -32,14 +34,10 @@ class RemoteDevice : public Module {
   void trigger();
   std::uint64_t source();
 
-  std::shared_ptr<Device> device_;
+  Device& device_;
   Grabber& grabber_;
   const unsigned port_;
   std::uint64_t source_ = 0;  ///< Of triggers: software, then the lines.
 };
-
-/// The nodes of the standard features (SFNC), which refer to those of the applet's document and to
-/// the registers of `RemoteDevice`.
-extern const char* const kStandardFeatures;
 
 }  // namespace gentl

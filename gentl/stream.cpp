@@ -12,14 +12,15 @@ namespace {
 
 constexpr std::uint64_t kLostEvent = 1;  ///< Module event, with the number of lost pictures.
 
-template <auto member>
-Value counted(Stream& stream) {
-  return number(stream.counts().*member);
-}
 using Counts = Stream::Counts;
 
+template <auto member>
+Value counted(Stream& stream) {
+  return toValue(stream.counts().*member);
+}
+
 const InfoRow<Stream> kInfos[] = {
-    {STREAM_INFO_ID, INFO_DATATYPE_STRING, [](Stream& s) { return Value(s.id); }, "StreamID"},
+    {STREAM_INFO_ID, INFO_DATATYPE_STRING, tell<&Module::id>, "StreamID"},
     {STREAM_INFO_NUM_DELIVERED, INFO_DATATYPE_UINT64, counted<&Counts::delivered>,
      "StreamDeliveredFrameCount"},
     {STREAM_INFO_NUM_UNDERRUN, INFO_DATATYPE_UINT64, counted<&Counts::lost>,
@@ -32,15 +33,13 @@ const InfoRow<Stream> kInfos[] = {
      "StreamOutputBufferCount"},
     {STREAM_INFO_NUM_STARTED, INFO_DATATYPE_UINT64, counted<&Counts::started>,
      "StreamStartedFrameCount"},
-    {STREAM_INFO_PAYLOAD_SIZE, INFO_DATATYPE_SIZET,
-     [](Stream& s) { return number(s.device.grabber->payload(s.device.port)); }},
+    {STREAM_INFO_PAYLOAD_SIZE, INFO_DATATYPE_SIZET, tell<&Stream::payload>},
     {STREAM_INFO_IS_GRABBING, INFO_DATATYPE_BOOL8, counted<&Counts::grabbing>, "StreamIsGrabbing"},
-    {STREAM_INFO_DEFINES_PAYLOADSIZE, INFO_DATATYPE_BOOL8, [](Stream&) { return number(0); }},
-    {STREAM_INFO_TLTYPE, INFO_DATATYPE_STRING, [](Stream&) { return Value(kTechnology); }},
-    {STREAM_INFO_NUM_CHUNKS_MAX, INFO_DATATYPE_SIZET, [](Stream&) { return number(0); }},
-    {STREAM_INFO_BUF_ANNOUNCE_MIN, INFO_DATATYPE_SIZET, [](Stream&) { return number(1); },
-     "StreamAnnounceBufferMinimum"},
-    {STREAM_INFO_BUF_ALIGNMENT, INFO_DATATYPE_SIZET, [](Stream&) { return number(1); }},
+    {STREAM_INFO_DEFINES_PAYLOADSIZE, INFO_DATATYPE_BOOL8, tell<false>},
+    {STREAM_INFO_TLTYPE, INFO_DATATYPE_STRING, tell<kTechnology>},
+    {STREAM_INFO_NUM_CHUNKS_MAX, INFO_DATATYPE_SIZET, tell<0>},
+    {STREAM_INFO_BUF_ANNOUNCE_MIN, INFO_DATATYPE_SIZET, tell<1>, "StreamAnnounceBufferMinimum"},
+    {STREAM_INFO_BUF_ALIGNMENT, INFO_DATATYPE_SIZET, tell<1>},
     {STREAM_INFO_FLOW_TABLE, INFO_DATATYPE_BUFFER, nullptr},
     {STREAM_INFO_GENDC_PREFETCH_DESCRIPTOR, INFO_DATATYPE_BUFFER, nullptr},
 };
@@ -50,52 +49,63 @@ constexpr const char* kHandlingModes[] = {"Default"};
 
 }  // namespace
 
-Stream::Stream(std::shared_ptr<Device> above)
-    : Module(above->streamId(), "TLDataStream", {EVENT_ERROR, EVENT_NEW_BUFFER, EVENT_MODULE}),
-      parent(std::move(above)),
-      device(*parent),
-      output_(queue(EVENT_NEW_BUFFER)) {
+Stream::Stream(const std::shared_ptr<Device>& device)
+    : Module(device->belowId(0), "TLDataStream", device, {EVENT_NEW_BUFFER}),
+      device_(*device),
+      output_(event(EVENT_NEW_BUFFER)) {
   output_.setTaken([this](const std::string& data) {
     void* taken = nullptr;
     std::memcpy(&taken, data.data(), sizeof taken);
-    announcedOne(taken).state = State::kIdle;
+    announced(taken)->state = State::kIdle;
     ++delivered_;
   });
-  addInfos(kInfos, *this);
-  addEnumeration("StreamType", kTypes, element("Value", "0"));
-  addEnumeration("StreamBufferHandlingMode", kHandlingModes, element("Value", "0"));
+  addInfos(kInfos, [this]() -> Stream& { return *this; });
+  addEnumeration("StreamType", kTypes);
+  addEnumeration("StreamBufferHandlingMode", kHandlingModes);
 }
 
 Stream::~Stream() { disarm(true); }
 
-std::shared_ptr<Buffer> Stream::announce(void* base, std::size_t size, void* user) {
+void Stream::announce(void* base, std::size_t size, void* user, BUFFER_HANDLE* handle) {
+  requirePointer(handle);
   require(size > 0, GC_ERR_INVALID_PARAMETER, "a buffer of no size");
-  auto made = std::make_shared<Buffer>(id, base, size, user);
+  auto made = std::make_shared<Buffer>(shared_from_this(), base, size, user);
   const std::lock_guard guard(output_.mutex);
   require(!closed_, GC_ERR_INVALID_HANDLE, "the stream is closed");
   for (const auto& other : buffers_)
     require(other->base() != made->base(), GC_ERR_RESOURCE_IN_USE, "the memory is announced");
   buffers_.push_back(made);
-  Registry::instance().add(made);
-  return made;
+  *handle = Registry::instance().add(made);
 }
 
-void Stream::revoke(const Buffer& buffer) {
+std::shared_ptr<Buffer>& Stream::announced(const void* handle) {
+  const auto found = std::ranges::find(buffers_, handle, [](const auto& b) { return b->handle; });
+  require(handle && found != buffers_.end(), GC_ERR_INVALID_HANDLE, "not a buffer of this stream");
+  return *found;
+}
+
+void Stream::requireBuffer(BUFFER_HANDLE handle) {
+  const std::lock_guard guard(output_.mutex);
+  announced(handle);
+}
+
+void Stream::revoke(BUFFER_HANDLE handle, void** base, void** user) {
   std::shared_ptr<Buffer> gone;
   {
     const std::lock_guard guard(output_.mutex);
-    const auto found = std::ranges::find(buffers_, &buffer, &std::shared_ptr<Buffer>::get);
-    require(found != buffers_.end(), GC_ERR_INVALID_HANDLE, "the buffer is revoked");
-    require(buffer.state == State::kIdle && !buffer.lent, GC_ERR_BUSY, "the buffer is queued");
-    gone = *found;
-    buffers_.erase(found);
+    std::shared_ptr<Buffer>& found = announced(handle);
+    require(found->state == State::kIdle && !found->lent, GC_ERR_BUSY, "the buffer is queued");
+    gone = found;
+    std::erase(buffers_, gone);
   }
   gone->close();
+  if (base) *base = gone->own() ? nullptr : gone->base();
+  if (user) *user = gone->user;
 }
 
-void Stream::enqueue(Buffer& buffer) {
+void Stream::enqueue(BUFFER_HANDLE handle) {
   const std::lock_guard guard(output_.mutex);
-  announcedOne(buffer.handle);
+  Buffer& buffer = *announced(handle);
   require(buffer.state == State::kIdle, GC_ERR_RESOURCE_IN_USE, "the buffer is queued");
   require(!memory_ || buffer.size >= payload_, GC_ERR_BUFFER_TOO_SMALL,
           "the buffer is smaller than a picture");
@@ -161,36 +171,25 @@ void Stream::flush(ACQ_QUEUE_TYPE operation) {
     each(State::kIdle, [&](Buffer& buffer) { moveToInput(buffer); });
 }
 
-Buffer& Stream::announcedOne(const void* handle) {
-  for (const auto& buffer : buffers_)
-    if (buffer->handle == handle) return *buffer;
-  fail(GC_ERR_INVALID_HANDLE, "not a buffer of this stream");
-}
-
-std::shared_ptr<Buffer> Stream::buffer(const void* handle) {
-  auto found = Registry::instance().find<Buffer>(handle);
+void Stream::bufferId(std::uint32_t index, BUFFER_HANDLE* handle) {
   const std::lock_guard guard(output_.mutex);
-  announcedOne(handle);
-  return found;
+  requireIndex(index, buffers_.size());
+  put(handle, buffers_[index]->handle);
 }
 
-void* Stream::bufferId(std::uint32_t index) {
+void Stream::bufferInfo(BUFFER_HANDLE handle, BUFFER_INFO_CMD command, Answer to) {
   const std::lock_guard guard(output_.mutex);
-  require(index < buffers_.size(), GC_ERR_INVALID_INDEX, "there are not as many buffers");
-  return buffers_[index]->handle;
+  announced(handle)->info(command, to);
 }
 
-void Stream::bufferInfo(Buffer& buffer, BUFFER_INFO_CMD command, INFO_DATATYPE* type, void* out,
-                        std::size_t* size) {
-  const std::lock_guard guard(output_.mutex);
-  buffer.info(command, type, out, size);
-}
+std::size_t Stream::payload() const { return device_.grabber.payload(device_.port); }
 
-void Stream::start(std::uint64_t pictures) {
+void Stream::start(ACQ_START_FLAGS flags, std::uint64_t pictures) {
+  require(flags == ACQ_START_FLAGS_DEFAULT, GC_ERR_INVALID_PARAMETER, "no such flags");
   require(pictures > 0, GC_ERR_INVALID_PARAMETER, "no pictures to acquire");
-  const std::lock_guard control(device.control);
+  const std::lock_guard control(device_.control);
   require(!memory_, GC_ERR_RESOURCE_IN_USE, "the acquisition is started");
-  const std::size_t payload = device.grabber->payload(device.port);
+  const std::size_t payload = this->payload();
   {
     const std::lock_guard guard(output_.mutex);
     require(!closed_, GC_ERR_INVALID_HANDLE, "the stream is closed");
@@ -205,19 +204,21 @@ void Stream::start(std::uint64_t pictures) {
     for (const auto& buffer : buffers_)
       if (buffer->state == State::kInput) lend(*buffer);
   }
-  if (!device.sending) return;
+  if (!device_.sending) return;
   try {
-    device.send();
+    device_.send();
   } catch (...) {
     disarm(true);
     throw;
   }
 }
 
-void Stream::stop(bool kill) {
-  const std::lock_guard control(device.control);
+void Stream::stop(ACQ_STOP_FLAGS flags) {
+  require(flags == ACQ_STOP_FLAGS_DEFAULT || flags == ACQ_STOP_FLAGS_KILL, GC_ERR_INVALID_PARAMETER,
+          "no such flags");
+  const std::lock_guard control(device_.control);
   require(memory_, GC_ERR_RESOURCE_IN_USE, "no acquisition is started");
-  disarm(kill);
+  disarm(flags == ACQ_STOP_FLAGS_KILL);
 }
 
 void Stream::disarm(bool kill) {
@@ -241,7 +242,7 @@ void Stream::begin(std::int64_t pictures) {
   const std::lock_guard guard(output_.mutex);
   if (remaining_ == 0) return;
   const std::uint64_t lostNow = lost();
-  if (const int code = Fg_AcquireEx(device.grabber->fg(), device.port, pictures, 0, memory_))
+  if (const int code = Fg_AcquireEx(device_.grabber.fg(), device_.port, pictures, 0, memory_))
     fail(GC_ERR_INVALID_VALUE, "the acquisition does not start: " + codeText(code));
   lostBefore_ = lostNow;
   begun_ = true;
@@ -254,7 +255,7 @@ void Stream::begin(std::int64_t pictures) {
 void Stream::end(bool kill) {
   if (!thread_.joinable()) return;
   kill_ = kill;
-  Fg_stopAcquireEx(device.grabber->fg(), device.port, 0, 0);
+  Fg_stopAcquireEx(device_.grabber.fg(), device_.port, 0, 0);
   thread_.join();
 }
 
@@ -269,11 +270,11 @@ void Stream::run() {
     if (code == VELMORA_OK) {
       more = deliver(picture);
     } else {
-      fire(EVENT_ERROR, errorData(GC_ERR_OUT_OF_MEMORY, codeText(code)));  // It stays due.
+      event(EVENT_ERROR).fire(errorData(GC_ERR_OUT_OF_MEMORY, codeText(code)));  // It stays due.
       std::this_thread::sleep_for(std::chrono::milliseconds(10));
     }
   }
-  Fg_stopAcquireEx(device.grabber->fg(), device.port, 0, 0);
+  Fg_stopAcquireEx(device_.grabber.fg(), device_.port, 0, 0);
   finished_ = true;
 }
 
@@ -281,8 +282,8 @@ void Stream::run() {
 bool Stream::deliver(const VirtualBoardPicture& taken) {
   const auto missed = static_cast<std::uint64_t>(taken.number - lastNumber_ - 1);
   lastNumber_ = taken.number;
-  if (missed > 0) fire(EVENT_MODULE, eventData(kLostEvent, missed));
-  const auto setting = [&](int id) { return device.grabber->word(id, device.port); };
+  if (missed > 0) event(EVENT_MODULE).fire(eventData(kLostEvent, missed));
+  const auto setting = [&](int id) { return device_.grabber.word(id, device_.port); };
   const Buffer::Picture picture{.present = true,
                                 .incomplete = taken.complete == 0,
                                 .filled = taken.bytes,
@@ -303,14 +304,12 @@ bool Stream::deliver(const VirtualBoardPicture& taken) {
   return remaining_ == GENTL_INFINITE || --remaining_ > 0;
 }
 
-void Stream::info(STREAM_INFO_CMD command, INFO_DATATYPE* type, void* out, std::size_t* size) {
-  answer(kInfos, *this, command, type, out, size);
-}
+void Stream::info(STREAM_INFO_CMD command, Answer to) { answer(kInfos, *this, command, to); }
 
 std::uint64_t Stream::lost() {
   if (!begun_) return lostBefore_;
-  const auto now = Fg_getStatusEx(device.grabber->fg(), VELMORA_STATUS_LOST_PICTURES, 0,
-                                  static_cast<std::int32_t>(device.port), nullptr);
+  const auto now = Fg_getStatusEx(device_.grabber.fg(), VELMORA_STATUS_LOST_PICTURES, 0,
+                                  static_cast<std::int32_t>(device_.port), nullptr);
   return lostBefore_ + static_cast<std::uint64_t>(std::max<std::int64_t>(now, 0));
 }
 
@@ -331,8 +330,9 @@ Stream::Counts Stream::counts() {
 void Stream::close() {
   std::vector<std::shared_ptr<Buffer>> gone;
   {
-    const std::lock_guard control(device.control);
+    const std::lock_guard control(device_.control);
     disarm(true);
+    device_.stream = nullptr;
     const std::lock_guard guard(output_.mutex);
     closed_ = true;
     output_.drop();

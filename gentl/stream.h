@@ -16,25 +16,29 @@ class Device;
 /// board's pictures.
 class Stream : public Module {
  public:
-  explicit Stream(std::shared_ptr<Device> above);
+  explicit Stream(const std::shared_ptr<Device>& device);
   ~Stream() override;
 
-  const std::shared_ptr<Device> parent;  ///< Until it is closed, each holds the other.
-  Device& device;
-
-  std::shared_ptr<Buffer> announce(void* base, std::size_t size, void* user);
-  void revoke(const Buffer& buffer);
-  void enqueue(Buffer& buffer);
+  void announce(void* base, std::size_t size, void* user, BUFFER_HANDLE* handle);
+  void revoke(BUFFER_HANDLE handle, void** base, void** user);
+  void enqueue(BUFFER_HANDLE handle);
   void flush(ACQ_QUEUE_TYPE operation);
-  std::shared_ptr<Buffer> buffer(const void* handle);
-  void* bufferId(std::uint32_t index);
-  void bufferInfo(Buffer& buffer, BUFFER_INFO_CMD command, INFO_DATATYPE* type, void* out,
-                  std::size_t* size);
+  void bufferId(std::uint32_t index, BUFFER_HANDLE* handle);
+  void bufferInfo(BUFFER_HANDLE handle, BUFFER_INFO_CMD command, Answer to);
+  void requireBuffer(BUFFER_HANDLE handle);
 
-  void start(std::uint64_t pictures);
-  void stop(bool kill);
-  void info(STREAM_INFO_CMD command, INFO_DATATYPE* type, void* out, std::size_t* size);
+  void start(ACQ_START_FLAGS flags, std::uint64_t pictures);
+  void stop(ACQ_STOP_FLAGS flags);
+  void info(STREAM_INFO_CMD command, Answer to);
   void close() override;
+
+  struct Counts {
+    std::uint64_t delivered, lost, started;
+    std::size_t announced, input, output;
+    bool grabbing;
+  };
+  Counts counts();
+  std::size_t payload() const;
 
   /// @name For the device, which holds its control lock
   /// @{
@@ -43,13 +47,6 @@ class Stream : public Module {
   void end(bool kill);
   /// @}
 
-  struct Counts {
-    std::uint64_t delivered, lost, started;
-    std::size_t announced, input, output;
-    bool grabbing;
-  };
-  Counts counts();
-
  private:
   using State = Buffer::State;
 
@@ -57,17 +54,17 @@ class Stream : public Module {
   void run();
   bool deliver(const VirtualBoardPicture& taken);
   // These expect the lock of the new-buffer queue, which guards the buffers and the counts.
-  Buffer& announcedOne(const void* handle);
+  std::shared_ptr<Buffer>& announced(const void* handle);
   void moveToInput(Buffer& buffer);
   void moveToOutput(Buffer& buffer);
   void lend(Buffer& buffer);
   bool takeBack(Buffer& buffer);
   std::uint64_t lost();
 
-  EventQueue& output_;
+  Device& device_;
+  Event& output_;
   std::vector<std::shared_ptr<Buffer>> buffers_;
-  std::vector<std::shared_ptr<Buffer>>
-      known_;  ///< To the board, by index; it keeps them till the end.
+  std::vector<std::shared_ptr<Buffer>> known_;  ///< To the board, by index, until it ends.
   VirtualBoardMemory* memory_ = nullptr;
   std::size_t payload_ = 0;
   std::uint64_t remaining_ = 0, delivered_ = 0, started_ = 0, lostBefore_ = 0;

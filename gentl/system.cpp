@@ -4,72 +4,71 @@
 
 #include <filesystem>
 
+#include "gentl/interface.h"
+
 namespace gentl {
 namespace {
 
 struct Producer {
+  std::filesystem::path library() const {
+    Dl_info found{};
+    dladdr(this, &found);
+    return found.dli_fname ? std::filesystem::absolute(found.dli_fname) : "";
+  }
+  std::string path() const { return library().string(); }
+  std::string file() const { return library().filename().string(); }
 } theProducer;
 
-std::filesystem::path library() {
-  Dl_info found{};
-  dladdr(reinterpret_cast<const void*>(&systemInfo), &found);
-  return found.dli_fname ? std::filesystem::absolute(found.dli_fname) : "";
-}
+constexpr char kId[] = "velmora";
+constexpr char kDisplayName[] = "Brightfold Velmora (velmora)";
 
 const InfoRow<Producer> kInfos[] = {
-    {TL_INFO_ID, INFO_DATATYPE_STRING, [](Producer&) { return Value("velmora"); }, "TLID"},
-    {TL_INFO_VENDOR, INFO_DATATYPE_STRING, [](Producer&) { return Value(kVendor); },
-     "TLVendorName"},
-    {TL_INFO_MODEL, INFO_DATATYPE_STRING, [](Producer&) { return Value(kModel); }, "TLModelName"},
-    {TL_INFO_VERSION, INFO_DATATYPE_STRING, [](Producer&) { return Value(kVersion); }, "TLVersion"},
-    {TL_INFO_TLTYPE, INFO_DATATYPE_STRING, [](Producer&) { return Value(kTechnology); }},
-    {TL_INFO_NAME, INFO_DATATYPE_STRING,
-     [](Producer&) { return Value(library().filename().string()); }, "TLFileName"},
-    {TL_INFO_PATHNAME, INFO_DATATYPE_STRING, [](Producer&) { return Value(library().string()); },
-     "TLPath"},
-    {TL_INFO_DISPLAYNAME, INFO_DATATYPE_STRING,
-     [](Producer&) { return Value("Brightfold Velmora (velmora)"); }, "TLDisplayName"},
-    {TL_INFO_CHAR_ENCODING, INFO_DATATYPE_INT32,
-     [](Producer&) { return number(TL_CHAR_ENCODING_UTF8); }},
-    {TL_INFO_GENTL_VER_MAJOR, INFO_DATATYPE_UINT32, [](Producer&) { return number(1); },
-     "GenTLVersionMajor"},
-    {TL_INFO_GENTL_VER_MINOR, INFO_DATATYPE_UINT32, [](Producer&) { return number(6); },
-     "GenTLVersionMinor"},
+    {TL_INFO_ID, INFO_DATATYPE_STRING, tell<kId>, "TLID"},
+    {TL_INFO_VENDOR, INFO_DATATYPE_STRING, tell<kVendor>, "TLVendorName"},
+    {TL_INFO_MODEL, INFO_DATATYPE_STRING, tell<kModel>, "TLModelName"},
+    {TL_INFO_VERSION, INFO_DATATYPE_STRING, tell<kVersion>, "TLVersion"},
+    {TL_INFO_TLTYPE, INFO_DATATYPE_STRING, tell<kTechnology>},
+    {TL_INFO_NAME, INFO_DATATYPE_STRING, tell<&Producer::file>, "TLFileName"},
+    {TL_INFO_PATHNAME, INFO_DATATYPE_STRING, tell<&Producer::path>, "TLPath"},
+    {TL_INFO_DISPLAYNAME, INFO_DATATYPE_STRING, tell<kDisplayName>, "TLDisplayName"},
+    {TL_INFO_CHAR_ENCODING, INFO_DATATYPE_INT32, tell<TL_CHAR_ENCODING_UTF8>},
+    {TL_INFO_GENTL_VER_MAJOR, INFO_DATATYPE_UINT32, tell<1>, "GenTLVersionMajor"},
+    {TL_INFO_GENTL_VER_MINOR, INFO_DATATYPE_UINT32, tell<6>, "GenTLVersionMinor"},
 };
 
 constexpr const char* kTypes[] = {kTechnology};
 
 }  // namespace
 
-void systemInfo(TL_INFO_CMD command, INFO_DATATYPE* type, void* buffer, std::size_t* size) {
-  answer(kInfos, theProducer, command, type, buffer, size);
-}
-
-System::System() : Module("velmora", "TLSystem", {EVENT_ERROR, EVENT_MODULE}) {
-  addInfos(kInfos, theProducer);
-  addEnumeration("TLType", kTypes, element("Value", "0"));
+System::System() : Module(kId, "TLSystem", nullptr, {}, {kInterfaceId}) {
+  addInfos(kInfos, []() -> Producer& { return theProducer; });
+  addEnumeration("TLType", kTypes);
   addCommand("InterfaceUpdateList");
-  addSelector("InterfaceSelector", 1, selected_);
-  addFeature("InterfaceID", INFO_DATATYPE_STRING, [] { return Value(kInterfaceId); });
+  addSelector("InterfaceSelector");
+  addFeature("InterfaceID", RegisterKind::kText, [] { return kInterfaceId; });
 }
 
-std::shared_ptr<System>& System::open() {
+std::shared_ptr<System>& System::current() {
   static std::shared_ptr<System> system;
   return system;
 }
 
-std::shared_ptr<Interface> System::openInterface(std::string_view wanted) {
-  require(wanted == kInterfaceId, GC_ERR_INVALID_ID, "no interface has this id");
-  require(!interface_, GC_ERR_RESOURCE_IN_USE, "the interface is open");
-  interface_ = std::make_shared<Interface>(std::static_pointer_cast<System>(shared_from_this()));
-  Registry::instance().add(interface_);
-  return interface_;
+void System::producerInfo(TL_INFO_CMD command, Answer to) {
+  answer(kInfos, theProducer, command, to);
+}
+
+void System::interfaceInfo(const char* wanted, INTERFACE_INFO_CMD command, Answer to) {
+  indexOf(wanted);
+  Interface::boardInfo(command, to);
+}
+
+void System::openInterface(const char* wanted, IF_HANDLE* handle) {
+  open(wanted, handle, [this] { return std::make_shared<Interface>(shared_from_this()); });
 }
 
 void System::close() {
-  if (const auto inside = interface_) inside->close();
   Module::close();
-  open().reset();
+  current().reset();
 }
 
 }  // namespace gentl

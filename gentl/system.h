@@ -1,10 +1,8 @@
 #pragma once
 
-#include "gentl/interface.h"
+#include "gentl/module.h"
 
 namespace gentl {
-
-void systemInfo(TL_INFO_CMD command, INFO_DATATYPE* type, void* buffer, std::size_t* size);
 
 /// The producer. A process has one at a time.
 class System : public Module {
@@ -12,15 +10,14 @@ class System : public Module {
   System();
 
   /// The one that is open, or none. For holders of the registry's structure lock.
-  static std::shared_ptr<System>& open();
+  static std::shared_ptr<System>& current();
 
-  std::shared_ptr<Interface> openInterface(std::string_view wanted);
-  void interfaceClosed() { interface_.reset(); }
+  /// Needs no system.
+  static void producerInfo(TL_INFO_CMD command, Answer to);
+  void info(TL_INFO_CMD command, Answer to) { producerInfo(command, to); }
+  void interfaceInfo(const char* wanted, INTERFACE_INFO_CMD command, Answer to);
+  void openInterface(const char* wanted, IF_HANDLE* handle);
   void close() override;
-
- private:
-  std::shared_ptr<Interface> interface_;
-  std::uint64_t selected_ = 0;
 };
 
 }  // namespace gentl
