@@ -120,53 +120,52 @@ RemoteDevice::RemoteDevice(std::shared_ptr<Device> device)
       {"DeviceSerialNumber", std::to_string(port_)}};
   for (const auto& [name, text] : texts) add({name, RegisterKind::kText, [=] { return text; }});
   addOwn(
-      "PayloadSize", RegisterKind::kInteger, [this] { return toValue(grabber_.payload(port_)); },
-      nullptr);
+      "PayloadSize", [this] { return toValue(grabber_.payload(port_)); }, nullptr);
   addAcquisition();
   addTrigger();
   addFrameRate();
 }
 
-void RemoteDevice::addOwn(const std::string& feature, RegisterKind kind,
-                          std::function<Value()> read, std::function<void(const Value&)> write) {
+void RemoteDevice::addOwn(const std::string& feature, std::function<Value()> read,
+                          std::function<void(const Value&)> write, RegisterKind kind) {
   add({feature + "_Reg", kind, std::move(read), std::move(write), othersThan(feature)});
 }
 
 void RemoteDevice::addAcquisition() {
   const auto command = [this](const char* name, void (Device::*action)()) {
+    const auto write = [&device = device_, action](const Value&) { std::invoke(action, device); };
     addOwn(
-        name, RegisterKind::kInteger, [] { return toValue(0); },
-        [this, action](const Value&) { (device_.*action)(); });
+        name, [] { return toValue(0); }, write);
   };
   command("AcquisitionStart", &Device::startSending);
   command("AcquisitionStop", &Device::stopSending);
-  const auto setting = [this](const char* name, std::uint64_t Device::*field, std::uint64_t min,
+  const auto setting = [this](const char* name, std::uint64_t& field, std::uint64_t min,
                               std::uint64_t max) {
-    const auto write = [=, this](const Value& value) {
+    const auto read = [&control = device_.control, &field] {
+      const std::lock_guard guard(control);
+      return toValue(field);
+    };
+    const auto write = [&control = device_.control, &field, min, max](const Value& value) {
       require(whole(value) >= min && whole(value) <= max, GC_ERR_INVALID_VALUE,
               "value out of range");
-      const std::lock_guard guard(device_.control);
-      device_.*field = whole(value);
+      const std::lock_guard guard(control);
+      field = whole(value);
     };
-    const auto read = [this, field] {
-      const std::lock_guard guard(device_.control);
-      return toValue(device_.*field);
-    };
-    addOwn(name, RegisterKind::kInteger, read, write);
+    addOwn(name, read, write);
   };
-  setting("AcquisitionMode", &Device::mode, 0, 2);
-  setting("AcquisitionFrameCount", &Device::pictures, 1, 0x7FFFFFFF);
+  setting("AcquisitionMode", device_.mode, 0, 2);
+  setting("AcquisitionFrameCount", device_.pictures, 1, 0x7FFFFFFF);
 }
 
 void RemoteDevice::addTrigger() {
   addOwn(
-      "TriggerMode", RegisterKind::kInteger, [this] { return toValue(triggered()); },
+      "TriggerMode", [this] { return toValue(triggered()); },
       [this](const Value& on) {
         if (whole(on) != 0) return trigger();
         if (triggered()) activate(ATM_GENERATOR);
       });
   addOwn(
-      "TriggerSource", RegisterKind::kInteger, [this] { return source(); },
+      "TriggerSource", [this] { return source(); },
       [this](const Value& value) {
         constexpr std::uint64_t kLines = 8;
         require(whole(value) <= kLines, GC_ERR_INVALID_VALUE, "no such source");
@@ -178,15 +177,14 @@ void RemoteDevice::addTrigger() {
 /// Without triggers, the design's generator paces the camera, or nothing does.
 void RemoteDevice::addFrameRate() {
   addOwn(
-      "AcquisitionFrameRateEnable", RegisterKind::kInteger,
-      [this] { return toValue(active() && !triggered()); },
+      "AcquisitionFrameRateEnable", [this] { return toValue(active() && !triggered()); },
       [this](const Value& on) {
         require(!triggered(), GC_ERR_ACCESS_DENIED, "TriggerMode is On");
         if (whole(on) != 0) return activate(ATM_GENERATOR);
         grabber_.setWord(FG_TRIGGERSTATE, port_, TS_ASYNC_STOP);
       });
   addOwn(
-      "AcquisitionFrameRate", RegisterKind::kFloat,
+      "AcquisitionFrameRate",
       [this] {
         double rate = 0;
         grabber_.get(FG_TRIGGER_FRAMESPERSECOND, port_)
@@ -196,7 +194,8 @@ void RemoteDevice::addFrameRate() {
       [this](const Value& rate) {
         grabber_.set(FG_TRIGGER_FRAMESPERSECOND, port_, encoded(INFO_DATATYPE_FLOAT64, rate));
         if (!triggered()) activate(ATM_GENERATOR);
-      });
+      },
+      RegisterKind::kFloat);
 }
 
 bool RemoteDevice::writable() const { return !device_.readOnly; }

@@ -22,8 +22,8 @@ class RemoteDevice : public Module {
   void written(std::uint64_t address) override;
 
  private:
-  void addOwn(const std::string& feature, RegisterKind kind, std::function<Value()> read,
-              std::function<void(const Value&)> write);
+  void addOwn(const std::string& feature, std::function<Value()> read,
+              std::function<void(const Value&)> write, RegisterKind kind = RegisterKind::kInteger);
   void addAcquisition();
   void addTrigger();
   void addFrameRate();
