@@ -329,8 +329,7 @@ GC_ERROR hasNo(const char* what, GC_ERROR code, DS_HANDLE stream, BUFFER_HANDLE 
 
 }  // namespace
 
-GC_ERROR DSGetBufferChunkData(DS_HANDLE stream, BUFFER_HANDLE handle, SINGLE_CHUNK_DATA* /*chunks*/,
-                              size_t* /*count*/) {
+GC_ERROR DSGetBufferChunkData(DS_HANDLE stream, BUFFER_HANDLE handle, SINGLE_CHUNK_DATA*, size_t*) {
   return hasNo("chunks", GC_ERR_NOT_AVAILABLE, stream, handle);
 }
 GC_ERROR DSGetNumBufferParts(DS_HANDLE stream, BUFFER_HANDLE handle, uint32_t* count) {
@@ -339,9 +338,8 @@ GC_ERROR DSGetNumBufferParts(DS_HANDLE stream, BUFFER_HANDLE handle, uint32_t* c
     put(count, 0);
   });
 }
-GC_ERROR DSGetBufferPartInfo(DS_HANDLE stream, BUFFER_HANDLE handle, uint32_t /*index*/,
-                             BUFFER_PART_INFO_CMD /*command*/, INFO_DATATYPE* /*type*/,
-                             void* /*buffer*/, size_t* /*size*/) {
+GC_ERROR DSGetBufferPartInfo(DS_HANDLE stream, BUFFER_HANDLE handle, uint32_t, BUFFER_PART_INFO_CMD,
+                             INFO_DATATYPE*, void*, size_t*) {
   return hasNo("parts", GC_ERR_INVALID_INDEX, stream, handle);
 }
 GC_ERROR DSGetBufferPartInfoStacked(DS_HANDLE stream, BUFFER_HANDLE handle,
@@ -352,22 +350,18 @@ GC_ERROR DSGetBufferPartInfoStacked(DS_HANDLE stream, BUFFER_HANDLE handle,
     for (auto* info = infos; info < infos + count; ++info) info->iResult = GC_ERR_INVALID_INDEX;
   });
 }
-GC_ERROR DSAnnounceCompositeBuffer(DS_HANDLE stream, size_t /*count*/, void** /*segments*/,
-                                   size_t* /*sizes*/, void* /*user*/, BUFFER_HANDLE* /*handle*/) {
+GC_ERROR DSAnnounceCompositeBuffer(DS_HANDLE stream, size_t, void**, size_t*, void*,
+                                   BUFFER_HANDLE*) {
   return with<Stream>(stream, notImplemented);
 }
-GC_ERROR DSGetNumFlows(DS_HANDLE stream, uint32_t* /*count*/) {
+GC_ERROR DSGetNumFlows(DS_HANDLE stream, uint32_t*) { return with<Stream>(stream, notImplemented); }
+GC_ERROR DSGetFlowInfo(DS_HANDLE stream, uint32_t, FLOW_INFO_CMD, INFO_DATATYPE*, void*, size_t*) {
   return with<Stream>(stream, notImplemented);
 }
-GC_ERROR DSGetFlowInfo(DS_HANDLE stream, uint32_t /*index*/, FLOW_INFO_CMD /*command*/,
-                       INFO_DATATYPE* /*type*/, void* /*buffer*/, size_t* /*size*/) {
+GC_ERROR DSGetNumBufferSegments(DS_HANDLE stream, BUFFER_HANDLE, uint32_t*) {
   return with<Stream>(stream, notImplemented);
 }
-GC_ERROR DSGetNumBufferSegments(DS_HANDLE stream, BUFFER_HANDLE /*handle*/, uint32_t* /*count*/) {
-  return with<Stream>(stream, notImplemented);
-}
-GC_ERROR DSGetBufferSegmentInfo(DS_HANDLE stream, BUFFER_HANDLE /*handle*/, uint32_t /*index*/,
-                                SEGMENT_INFO_CMD /*command*/, INFO_DATATYPE* /*type*/,
-                                void* /*buffer*/, size_t* /*size*/) {
+GC_ERROR DSGetBufferSegmentInfo(DS_HANDLE stream, BUFFER_HANDLE, uint32_t, SEGMENT_INFO_CMD,
+                                INFO_DATATYPE*, void*, size_t*) {
   return with<Stream>(stream, notImplemented);
 }

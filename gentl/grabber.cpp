@@ -5,7 +5,7 @@
 #include <unistd.h>
 
 #include <filesystem>
-#include <memory>
+#include <optional>
 
 #include "velmora/errors.h"
 #include "velmora/parameters.h"
@@ -117,28 +117,24 @@ std::string codeText(std::int64_t code) {
   return std::to_string(code) + (row == std::end(kMeanings) ? "" : std::string(", ") + row->text);
 }
 
-Grabber::Grabber() : device_(VirtualBoard_createDevice()) {
+Grabber::Grabber() {
   const char* const board = secure_getenv("VELMORA_BOARD");
   const std::string named = board ? board : "";
   int error = 0;
-  try {
-    std::unique_ptr<ExternalDesign> design;
-    if (!named.empty()) design = std::make_unique<ExternalDesign>(named);
-    grabber_.applet = Std_entry(device_, &error, 0);
-  } catch (...) {
-    VirtualBoard_destroyDevice(device_);
-    throw;
+  {
+    std::optional<ExternalDesign> design;
+    if (!named.empty()) design.emplace(named);
+    grabber_.applet = Std_entry(device_.get(), &error, 0);
   }
-  if (grabber_.applet) return;
-  VirtualBoard_destroyDevice(device_);
-  requireSuccess(error, GC_ERR_IO,
-                 "the applet does not start" + (named.empty() ? "" : " with the design " + named));
+  if (!grabber_.applet)
+    fail(GC_ERR_IO, "the applet does not start" +
+                        (named.empty() ? "" : " with the design " + named) + ": " +
+                        codeText(error));
 }
 
 Grabber::~Grabber() {
   watcher_ = {};
   Fg_FreeGrabber(&grabber_);
-  VirtualBoard_destroyDevice(device_);
 }
 
 const RegisterInfo& Grabber::describe(int id, unsigned port) {
@@ -176,13 +172,6 @@ void Grabber::set(int id, unsigned port, std::string_view bytes) {
   const std::string ended(bytes);  // In a zero, for texts.
   const int code = Fg_setParameterWithType(fg(), id, ended.data(), port, type);
   requireSuccess(code, refusal(code), node.paramName);
-}
-
-std::uint32_t Grabber::word(int id, unsigned port) {
-  std::uint32_t value = 0;
-  const int code = Fg_getParameterWithType(fg(), id, &value, port, FG_PARAM_TYPE_INT32);
-  requireSuccess(code, GC_ERR_IO, "parameter " + std::to_string(id));
-  return value;
 }
 
 Grabber::Limits Grabber::limits(int id, unsigned port) {
@@ -259,14 +248,14 @@ void Grabber::ignore(unsigned port) {
 void Grabber::enableEvents() {
   std::uint64_t all = 0;
   for (const Ear& ear : ears_) all |= ear.mask;
-  VirtualBoard_enableEvents(device_, all);
+  VirtualBoard_enableEvents(device_.get(), all);
 }
 
 void Grabber::watch(const std::stop_token& stop) {
   constexpr double kPatience = 0.02;  // Seconds until it looks whether to stop.
   while (!stop.stop_requested()) {
     VirtualBoardEvent event{};
-    if (VirtualBoard_takeEvent(device_, kPatience, &event) != VELMORA_OK) continue;
+    if (VirtualBoard_takeEvent(device_.get(), kPatience, &event) != VELMORA_OK) continue;
     const std::lock_guard guard(listening_);
     for (const Ear& ear : ears_)
       if (ear.mask & event.mask) ear.told(event);

@@ -3,6 +3,7 @@
 
 #include <array>
 #include <functional>
+#include <memory>
 #include <mutex>
 #include <string>
 #include <thread>
@@ -29,15 +30,23 @@ class Grabber {
 
   Fg_Struct* fg() { return &grabber_; }
 
-  /// @name Parameters as the bytes of a register: 4, 8 for wide ones, a text
+  /// @name Parameters
+  /// As the bytes of a register, 4, 8 for wide ones or a text; or as a type of that size.
   /// @{
   std::string get(int id, unsigned port);
   void set(int id, unsigned port, std::string_view bytes);
-  /// @}
-  std::uint32_t word(int id, unsigned port);
-  void setWord(int id, unsigned port, std::uint32_t value) {
+  template <class T>
+  T value(int id, unsigned port) {
+    T value{};
+    get(id, port).copy(reinterpret_cast<char*>(&value), sizeof value);
+    return value;
+  }
+  std::uint32_t word(int id, unsigned port) { return value<std::uint32_t>(id, port); }
+  template <class T>
+  void setValue(int id, unsigned port, T value) {
     set(id, port, {reinterpret_cast<const char*>(&value), sizeof value});
   }
+  /// @}
 
   struct Limits {
     Value min, max;
@@ -66,7 +75,8 @@ class Grabber {
   void enableEvents();
   void watch(const std::stop_token& stop);
 
-  KTdevice* device_;
+  std::unique_ptr<KTdevice, void (*)(KTdevice*)> device_{VirtualBoard_createDevice(),
+                                                         VirtualBoard_destroyDevice};
   Fg_Struct grabber_{};
   std::mutex sets_;  ///< Sets must not overlap what reads descriptions.
 

@@ -178,8 +178,8 @@ void Module::addFeature(const std::string& name, RegisterKind kind, std::functio
 void Module::addCommand(const std::string& name) {
   names_ += element("pFeature", name);
   add({name + "_Reg", RegisterKind::kInteger, [] { return toValue(0); }, [](const Value&) {}});
-  features_ += "<Command Name=\"" + name + "\">\n" + element("pValue", name + "_Reg") +
-               element("CommandValue", "1") + "</Command>\n";
+  features_ +=
+      node("Command", name, element("pValue", name + "_Reg") + element("CommandValue", "1"));
 }
 
 void Module::addSelector(const std::string& name) {
@@ -190,18 +190,18 @@ void Module::addSelector(const std::string& name) {
     selected_ = index;
   };
   add({name + "_Reg", RegisterKind::kInteger, [this] { return toValue(selected_); }, select});
-  features_ += "<Integer Name=\"" + name + "\">\n" + element("pValue", name + "_Reg") +
-               element("Min", "0") + element("Max", std::to_string(count() - 1)) + "</Integer>\n";
+  features_ += node("Integer", name,
+                    element("pValue", name + "_Reg") + element("Min", "0") +
+                        element("Max", std::to_string(count() - 1)));
 }
 
 void Module::addEnumeration(const std::string& name, std::span<const char* const> entries,
                             const std::string& value) {
   names_ += element("pFeature", name);
-  features_ += "<Enumeration Name=\"" + name + "\">\n";
+  std::string elements;
   for (std::size_t i = 0; i < entries.size(); ++i)
-    features_ += std::string("<EnumEntry Name=\"") + entries[i] + "\">\n" +
-                 element("Value", std::to_string(i)) + "</EnumEntry>\n";
-  features_ += value + "</Enumeration>\n";
+    elements += node("EnumEntry", entries[i], element("Value", std::to_string(i)));
+  features_ += node("Enumeration", name, elements + value);
 }
 
 std::string Module::makeDocument() {
@@ -210,29 +210,30 @@ std::string Module::makeDocument() {
          "\" StandardNameSpace=\"None\" SchemaMajorVersion=\"1\" SchemaMinorVersion=\"0\""
          " SchemaSubMinorVersion=\"1\" MajorVersion=\"1\" MinorVersion=\"0\" SubMinorVersion=\"0\""
          " ProductGuid=\"0\" VersionGuid=\"0\""
-         " xmlns=\"http://www.genicam.org/GenApi/Version_1_0\">\n"
-         "<Category Name=\"Root\">\n<pFeature>Information</pFeature>\n</Category>\n"
-         "<Category Name=\"Information\">\n" +
-         names_ + "</Category>\n" + features_ + registerNodes() + "<Port Name=\"" + kind +
-         "\"></Port>\n</RegisterDescription>\n";
+         " xmlns=\"http://www.genicam.org/GenApi/Version_1_0\">\n" +
+         node("Category", "Root", element("pFeature", "Information")) +
+         node("Category", "Information", names_) + features_ + registerNodes() +
+         node("Port", kind, "") + "</RegisterDescription>\n";
 }
 
 std::string element(const std::string& tag, const std::string& text) {
   return "<" + tag + ">" + text + "</" + tag + ">\n";
 }
 
-std::string registerNode(const Register& from, std::uint64_t address, const char* port) {
+std::string node(const std::string& tag, const std::string& name, const std::string& elements) {
+  return "<" + tag + " Name=\"" + name + "\">\n" + elements + "</" + tag + ">\n";
+}
+
+std::string registerNode(const Register& from, std::uint64_t address, const std::string& port) {
   constexpr const char* kTags[] = {"IntReg", "FloatReg", "StringReg"};
-  const std::string tag = kTags[static_cast<int>(from.kind)];
-  std::string node = "<" + tag + " Name=\"" + from.name + "\">\n" +
-                     element("Address", "0x" + hexadecimal(address)) +
-                     element("Length", std::to_string(lengthOf(from))) +
-                     element("AccessMode", from.write ? "RW" : "RO") + element("pPort", port) +
-                     element("Cachable", "NoCache");
-  for (const char* invalidator : from.invalidators) node += element("pInvalidator", invalidator);
-  if (from.kind == RegisterKind::kInteger) node += element("Sign", "Signed");
-  if (from.kind != RegisterKind::kText) node += element("Endianess", "LittleEndian");
-  return node + "</" + tag + ">\n";
+  std::string elements = element("Address", "0x" + hexadecimal(address)) +
+                         element("Length", std::to_string(lengthOf(from))) +
+                         element("AccessMode", from.write ? "RW" : "RO") + element("pPort", port) +
+                         element("Cachable", "NoCache");
+  for (const char* other : from.invalidators) elements += element("pInvalidator", other);
+  if (from.kind == RegisterKind::kInteger) elements += element("Sign", "Signed");
+  if (from.kind != RegisterKind::kText) elements += element("Endianess", "LittleEndian");
+  return node(kTags[static_cast<int>(from.kind)], from.name, elements);
 }
 
 std::string Module::registerNodes() const {

@@ -138,9 +138,9 @@ class Module : public Object, public std::enable_shared_from_this<Module> {
   std::map<EVENT_TYPE, std::shared_ptr<Event>> events_;
 };
 
-/// A node `<Tag>text</Tag>`.
+/// `<Tag>text</Tag>`, and the same with a name and elements in it.
 std::string element(const std::string& tag, const std::string& text);
-/// The node of a register.
-std::string registerNode(const Register& from, std::uint64_t address, const char* port);
+std::string node(const std::string& tag, const std::string& name, const std::string& elements);
+std::string registerNode(const Register& from, std::uint64_t address, const std::string& port);
 
 }  // namespace gentl

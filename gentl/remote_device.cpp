@@ -87,17 +87,17 @@ class AppletLines {
 };
 
 /// Nodes by which a GenApi library shows the applet's events.
-std::string eventNodes(Grabber& grabber, unsigned port) {
+std::string eventNodes(Grabber& grabber, unsigned number) {
   std::string nodes, names;
-  for (const auto& [name, mask] : grabber.events(port)) {
+  for (const auto& [name, mask] : grabber.events(number)) {
     const std::string feature = "Event" + name + "Timestamp";
     names += element("pFeature", feature);
-    nodes += "<Integer Name=\"" + feature + "\">\n" + element("Visibility", "Expert") +
-             element("pValue", feature + "_Reg") + element("Unit", "ns") + "</Integer>\n" +
-             registerNode({feature + "_Reg", RegisterKind::kInteger, nullptr}, 0,
-                          (name + "_Event").c_str()) +
-             "<Port Name=\"" + name + "_Event\">\n" + element("EventID", hexadecimal(mask)) +
-             "</Port>\n";
+    const std::string port = name + "_Event";
+    nodes += node("Integer", feature,
+                  element("Visibility", "Expert") + element("pValue", feature + "_Reg") +
+                      element("Unit", "ns")) +
+             registerNode({feature + "_Reg", RegisterKind::kInteger, nullptr}, 0, port) +
+             node("Port", port, element("EventID", hexadecimal(mask)));
   }
   return "<Category Name=\"EventControl\" NameSpace=\"Standard\">\n" + names + "</Category>\n" +
          nodes;
@@ -181,18 +181,13 @@ void RemoteDevice::addFrameRate() {
       [this](const Value& on) {
         require(!triggered(), GC_ERR_ACCESS_DENIED, "TriggerMode is On");
         if (whole(on) != 0) return activate(ATM_GENERATOR);
-        grabber_.setWord(FG_TRIGGERSTATE, port_, TS_ASYNC_STOP);
+        grabber_.setValue(FG_TRIGGERSTATE, port_, std::uint32_t{TS_ASYNC_STOP});
       });
   addOwn(
       "AcquisitionFrameRate",
-      [this] {
-        double rate = 0;
-        grabber_.get(FG_TRIGGER_FRAMESPERSECOND, port_)
-            .copy(reinterpret_cast<char*>(&rate), sizeof rate);
-        return rate;
-      },
+      [this] { return grabber_.value<double>(FG_TRIGGER_FRAMESPERSECOND, port_); },
       [this](const Value& rate) {
-        grabber_.set(FG_TRIGGER_FRAMESPERSECOND, port_, encoded(INFO_DATATYPE_FLOAT64, rate));
+        grabber_.setValue(FG_TRIGGER_FRAMESPERSECOND, port_, std::get<double>(rate));
         if (!triggered()) activate(ATM_GENERATOR);
       },
       RegisterKind::kFloat);
@@ -207,13 +202,13 @@ bool RemoteDevice::triggered() {
 }
 
 void RemoteDevice::activate(std::uint32_t mode) {
-  grabber_.setWord(FG_AREATRIGGERMODE, port_, mode);
-  grabber_.setWord(FG_TRIGGERSTATE, port_, TS_ACTIVE);
+  grabber_.setValue(FG_AREATRIGGERMODE, port_, mode);
+  grabber_.setValue(FG_TRIGGERSTATE, port_, std::uint32_t{TS_ACTIVE});
 }
 
 void RemoteDevice::trigger() {
   if (source_ == 0) return activate(ATM_SOFTWARE);
-  grabber_.setWord(FG_TRIGGERIN_SRC, port_, static_cast<std::uint32_t>(source_ - 1));
+  grabber_.setValue(FG_TRIGGERIN_SRC, port_, static_cast<std::uint32_t>(source_ - 1));
   activate(ATM_EXTERNAL);
 }
 
