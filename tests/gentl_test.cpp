@@ -45,26 +45,17 @@ struct Room {
 template <class T, class Function, class... First>
 T ask(Function& function, std::int32_t command, First... first) {
   INFO_DATATYPE type = INFO_DATATYPE_UNKNOWN;
-  if constexpr (std::is_same_v<T, std::string>) {
-    char text[600];
-    std::size_t size = sizeof text;
-    EXPECT_EQ(function(first..., command, &type, text, &size), GC_ERR_SUCCESS) << command;
-    return text;
-  } else {
-    T value{};
-    std::size_t size = sizeof value;
-    EXPECT_EQ(function(first..., command, &type, &value, &size), GC_ERR_SUCCESS) << command;
-    EXPECT_EQ(size, sizeof value) << command;
-    return value;
-  }
+  constexpr bool isText = std::is_same_v<T, std::string>;
+  std::conditional_t<isText, char[600], T> value{};
+  EXPECT_EQ(function(first..., command, &type, &value, Room{sizeof value}), GC_ERR_SUCCESS);
+  EXPECT_EQ(type == INFO_DATATYPE_STRING, isText) << command;
+  return value;
 }
 
 std::pair<GC_ERROR, std::string> lastError() {
   GC_ERROR code = 1;
   char text[300] = "";
-  std::size_t size = sizeof text;
-  SUCCEEDS(GCGetLastError, &code, text, &size);
-  EXPECT_EQ(size, std::strlen(text) + 1);
+  SUCCEEDS(GCGetLastError, &code, text, Room{sizeof text});
   return {code, text};
 }
 
@@ -96,16 +87,15 @@ void port_device_class_init(PortDeviceClass* type) {
 std::string documentOf(PORT_HANDLE port) {
   const auto url = ask<std::string>(GENTL(GCGetPortURLInfo), URL_INFO_URL, port, 0U);
   std::smatch parts;
-  EXPECT_TRUE(
-      std::regex_match(url, parts, std::regex("Local:([^;]+\\.xml);([0-9A-F]+);([0-9A-F]+)")))
-      << url;
+  const std::regex form("Local:([^;]+\\.xml);([0-9A-F]+);([0-9A-F]+)");
+  EXPECT_TRUE(std::regex_match(url, parts, form)) << url;
   const std::uint64_t address = std::stoull(parts[2], nullptr, 16);
   std::string text(std::stoull(parts[3], nullptr, 16), '?');
-  std::size_t size = text.size();
   EXPECT_GT(address, 0x7FFFFFFFU);  // No parameter id.
-  SUCCEEDS(GCReadPort, port, address, text.data(), &size);
+  SUCCEEDS(GCReadPort, port, address, text.data(), Room{text.size()});
   char behind = 0;
-  EXPECT_EQ(GENTL(GCReadPort)(port, address + size, &behind, Room{1}), GC_ERR_INVALID_ADDRESS);
+  EXPECT_EQ(GENTL(GCReadPort)(port, address + text.size(), &behind, Room{1}),
+            GC_ERR_INVALID_ADDRESS);
   return text;
 }
 
@@ -144,8 +134,11 @@ class Features {
     return ARV_GC_FEATURE_NODE(node);
   }
   std::uint64_t address(const char* name) const {
-    return arv_gc_register_get_address(ARV_GC_REGISTER(arv_gc_get_node(device_->features, name)),
-                                       nullptr);
+    ArvGcNode* node = arv_gc_get_node(device_->features, name);
+    return arv_gc_register_get_address(ARV_GC_REGISTER(node), nullptr);
+  }
+  std::int64_t max(const char* name) const {
+    return arv_gc_integer_get_max(ARV_GC_INTEGER(feature(name)), nullptr);
   }
   /// Names of all features below a category that have a value.
   std::vector<std::string> list(const char* category = "Root") const {
@@ -180,7 +173,29 @@ struct Port {
   PORT_HANDLE remote = nullptr;
   DS_HANDLE stream = nullptr;
   EVENT_HANDLE event = nullptr;  ///< New buffer.
+
+  GC_ERROR start(std::uint64_t pictures = GENTL_INFINITE) const {
+    return GENTL(DSStartAcquisition)(stream, ACQ_START_FLAGS_DEFAULT, pictures);
+  }
+  GC_ERROR stop() const { return GENTL(DSStopAcquisition)(stream, ACQ_STOP_FLAGS_DEFAULT); }
+  BUFFER_HANDLE take() const {
+    EVENT_NEW_BUFFER_DATA data{};
+    SUCCEEDS(EventGetData, event, &data, Room{sizeof data}, 10000);
+    return data.BufferHandle;
+  }
+  template <class T = std::uint64_t>
+  T info(BUFFER_HANDLE buffer, BUFFER_INFO_CMD command) const {
+    return ask<T>(GENTL(DSGetBufferInfo), command, stream, buffer);
+  }
+  std::uint64_t count(STREAM_INFO_CMD command) const {
+    return ask<std::uint64_t>(GENTL(DSGetInfo), command, stream);
+  }
+  void await(STREAM_INFO_CMD command, std::uint64_t least) const {
+    while (count(command) < least) std::this_thread::yield();
+  }
 };
+
+constexpr std::size_t kSmall = 16 * 8 * 3;
 
 class GenTl : public testing::Test {
  protected:
@@ -194,6 +209,7 @@ class GenTl : public testing::Test {
     SUCCEEDS(TLOpen, &system);
     SUCCEEDS(TLOpenInterface, system, "velmora-board", &board);
   }
+  /// A device that sends small pictures.
   Port openPort(unsigned number) {
     Port port;
     const std::string id = "velmora-port" + std::to_string(number);
@@ -201,13 +217,10 @@ class GenTl : public testing::Test {
     SUCCEEDS(DevGetPort, port.device, &port.remote);
     SUCCEEDS(DevOpenDataStream, port.device, (id + "-stream0").c_str(), &port.stream);
     SUCCEEDS(GCRegisterEvent, port.stream, EVENT_NEW_BUFFER, &port.event);
+    for (const auto& [parameter, value] : {std::pair{FG_WIDTH, 16U}, {FG_HEIGHT, 8U}})
+      SUCCEEDS(GCWritePort, port.remote, parameter, &value, Room{sizeof value});
     return port;
   }
-  static void makeSmall(const Features& features) {
-    EXPECT_EQ(features.set("Width", "16") + features.set("Height", "8"), "");
-  }
-  static constexpr std::size_t kSmall = 16 * 8 * 3;
-
   static std::vector<BUFFER_HANDLE> announce(const Port& port, unsigned count,
                                              std::size_t size = kSmall) {
     std::vector<BUFFER_HANDLE> buffers(count);
@@ -216,25 +229,6 @@ class GenTl : public testing::Test {
       SUCCEEDS(DSQueueBuffer, port.stream, buffer);
     }
     return buffers;
-  }
-  static GC_ERROR start(const Port& port, std::uint64_t pictures = GENTL_INFINITE) {
-    return GENTL(DSStartAcquisition)(port.stream, ACQ_START_FLAGS_DEFAULT, pictures);
-  }
-  static GC_ERROR stop(const Port& port) {
-    return GENTL(DSStopAcquisition)(port.stream, ACQ_STOP_FLAGS_DEFAULT);
-  }
-  static BUFFER_HANDLE take(const Port& port, std::uint64_t timeout = 10000) {
-    EVENT_NEW_BUFFER_DATA data{};
-    std::size_t size = sizeof data;
-    SUCCEEDS(EventGetData, port.event, &data, &size, timeout);
-    return data.BufferHandle;
-  }
-  template <class T>
-  static T info(const Port& port, BUFFER_HANDLE buffer, BUFFER_INFO_CMD command) {
-    return ask<T>(GENTL(DSGetBufferInfo), command, port.stream, buffer);
-  }
-  static std::uint64_t count(const Port& port, STREAM_INFO_CMD command) {
-    return ask<std::uint64_t>(GENTL(DSGetInfo), command, port.stream);
   }
 
   TL_HANDLE system = nullptr;
@@ -271,34 +265,24 @@ TEST(GenTlLibrary, IsInitialisedAndOpenedOnce) {
   }
 }
 
-TEST(GenTlLibrary, OpensTheBoardOfADesignFile) {
+TEST_F(GenTl, OpensTheBoardOfADesignFile) {
   const std::filesystem::path before = std::filesystem::current_path();
   const std::string file = testing::TempDir() + "gentl_board.design";
   std::ostringstream design;
   design << std::ifstream(DESIGN_MANIFEST).rdbuf();
   // One that lacks a parameter.
   std::ofstream(file) << std::regex_replace(design.str(), std::regex("\n[^\n]*_XOffset[^\n]*"), "");
-  TL_HANDLE system = nullptr;
-  IF_HANDLE board = nullptr;
-  SUCCEEDS(GCInitLib);
-  SUCCEEDS(TLOpen, &system);
+  SUCCEEDS(IFClose, board);
   setenv("VELMORA_BOARD", "/nowhere.design", 1);
   EXPECT_EQ(GENTL(TLOpenInterface)(system, "velmora-board", &board), GC_ERR_IO);
   EXPECT_THAT(lastError().second, AllOf(HasSubstr("/nowhere.design"), HasSubstr("-100")));
   setenv("VELMORA_BOARD", file.c_str(), 1);
   SUCCEEDS(TLOpenInterface, system, "velmora-board", &board);
-  EXPECT_EQ(std::filesystem::current_path(), before);
-  DEV_HANDLE device = nullptr;
-  PORT_HANDLE remote = nullptr;
-  SUCCEEDS(IFOpenDevice, board, "velmora-port0", DEVICE_ACCESS_CONTROL, &device);
-  SUCCEEDS(DevGetPort, device, &remote);
-  {
-    const Features features(remote);
-    EXPECT_EQ(features.set("OffsetY", "4"), "");
-    EXPECT_THAT(features.set("OffsetX", "4"), HasSubstr("FG_XOFFSET: -2080"));
-  }
-  SUCCEEDS(GCCloseLib);
   unsetenv("VELMORA_BOARD");
+  EXPECT_EQ(std::filesystem::current_path(), before);
+  const Features features(openPort(0).remote);
+  EXPECT_EQ(features.set("OffsetY", "4"), "");
+  EXPECT_THAT(features.set("OffsetX", "4"), HasSubstr("FG_XOFFSET: -2080"));
 }
 
 /// Asks for every command as the standard lets one ask, and returns those that were answered.
@@ -306,25 +290,28 @@ template <class Function, class... First>
 std::set<std::int32_t> askAll(Function& function, First... first) {
   std::set<std::int32_t> answered;
   for (std::int32_t command = 0; command < 40; ++command) {
+    SCOPED_TRACE(command);
     INFO_DATATYPE type = INFO_DATATYPE_UNKNOWN;
     std::size_t needed = 0;
     const GC_ERROR code = function(first..., command, &type, nullptr, &needed);
     if (code != GC_ERR_SUCCESS) {
-      EXPECT_TRUE(code == GC_ERR_NOT_IMPLEMENTED || code == GC_ERR_NOT_AVAILABLE) << command;
+      EXPECT_TRUE(code == GC_ERR_NOT_IMPLEMENTED || code == GC_ERR_NOT_AVAILABLE);
       continue;
     }
     answered.insert(command);
-    EXPECT_GT(needed, 0U) << command;
+    EXPECT_GT(needed, 0U);
     Bytes room(needed + 1, 0xEE);
-    std::size_t size = needed - 1;
-    EXPECT_EQ(function(first..., command, &type, room.data(), &size), GC_ERR_BUFFER_TOO_SMALL);
-    EXPECT_THAT(room, Each(0xEE)) << command;
-    size = room.size();
-    EXPECT_EQ(function(first..., command, &type, room.data(), &size), GC_ERR_SUCCESS);
-    EXPECT_EQ(size, needed) << command;
-    EXPECT_EQ(room[needed], 0xEE) << command;
-    EXPECT_TRUE(type != INFO_DATATYPE_STRING || room[needed - 1] == 0) << command;
-    EXPECT_EQ(function(first..., command, &type, room.data(), nullptr), GC_ERR_INVALID_PARAMETER);
+    const auto answer = [&](std::size_t* size) {
+      return function(first..., command, &type, room.data(), size);
+    };
+    EXPECT_EQ(answer(Room{needed - 1}), GC_ERR_BUFFER_TOO_SMALL);
+    EXPECT_EQ(answer(nullptr), GC_ERR_INVALID_PARAMETER);
+    EXPECT_THAT(room, Each(0xEE));
+    std::size_t size = room.size();
+    EXPECT_EQ(answer(&size), GC_ERR_SUCCESS);
+    EXPECT_EQ(size, needed);
+    EXPECT_EQ(room[needed], 0xEE);
+    EXPECT_TRUE(type != INFO_DATATYPE_STRING || room[needed - 1] == 0);
   }
   return answered;
 }
@@ -337,38 +324,37 @@ std::set<std::int32_t> upTo(std::int32_t last, const std::set<std::int32_t>& wit
 
 TEST_F(GenTl, EveryInfoCommandAnswers) {
   const Port port = openPort(2);
-  const Features features(port.remote);
-  makeSmall(features);
   const BUFFER_HANDLE buffer = announce(port, 1).front();
-  const auto untouched = upTo(BUFFER_INFO_USER_PTR);
-  auto always = untouched;
-  always.insert({BUFFER_INFO_NEW_DATA, BUFFER_INFO_IS_QUEUED, BUFFER_INFO_IS_ACQUIRING,
-                 BUFFER_INFO_IS_INCOMPLETE, BUFFER_INFO_TLTYPE, BUFFER_INFO_SIZE_FILLED,
-                 BUFFER_INFO_IS_COMPOSITE});
+  const std::set<std::int32_t> always{BUFFER_INFO_BASE,          BUFFER_INFO_SIZE,
+                                      BUFFER_INFO_USER_PTR,      BUFFER_INFO_NEW_DATA,
+                                      BUFFER_INFO_IS_QUEUED,     BUFFER_INFO_IS_ACQUIRING,
+                                      BUFFER_INFO_TLTYPE,        BUFFER_INFO_SIZE_FILLED,
+                                      BUFFER_INFO_IS_INCOMPLETE, BUFFER_INFO_IS_COMPOSITE};
   EXPECT_EQ(askAll(GENTL(DSGetBufferInfo), port.stream, buffer), always);  // Not delivered.
-  EXPECT_EQ(start(port, 1), GC_ERR_SUCCESS);
-  EXPECT_EQ(features.execute("AcquisitionStart"), "");
-  EXPECT_EQ(take(port), buffer);
-  EXPECT_EQ(askAll(GENTL(DSGetBufferInfo), port.stream, buffer),
-            upTo(BUFFER_INFO_IS_COMPOSITE, {BUFFER_INFO_CHUNKLAYOUTID, BUFFER_INFO_FILENAME}));
-  EXPECT_EQ(askAll(GENTL(TLGetInfo), system), upTo(TL_INFO_GENTL_VER_MINOR));
-  EXPECT_EQ(askAll(GENTL(GCGetInfo)), upTo(TL_INFO_GENTL_VER_MINOR));
-  EXPECT_EQ(askAll(GENTL(TLGetInterfaceInfo), system, "velmora-board"), upTo(2));
-  EXPECT_EQ(askAll(GENTL(IFGetInfo), board), upTo(INTERFACE_INFO_TLTYPE));
-  for (const auto& answered : {askAll(GENTL(IFGetDeviceInfo), board, "velmora-port3"),
-                               askAll(GENTL(DevGetInfo), port.device)})
-    EXPECT_EQ(answered, upTo(DEVICE_INFO_TIMESTAMP_FREQUENCY, {DEVICE_INFO_USER_DEFINED_NAME}));
-  EXPECT_EQ(askAll(GENTL(DSGetInfo), port.stream), upTo(STREAM_INFO_BUF_ALIGNMENT));
-  EXPECT_EQ(askAll(GENTL(EventGetInfo), port.event), upTo(EVENT_INFO_DATA_SIZE_MAX));
+  EXPECT_EQ(port.start(1), GC_ERR_SUCCESS);
+  EXPECT_EQ(Features(port.remote).execute("AcquisitionStart"), "");
+  EXPECT_EQ(port.take(), buffer);
   const EVENT_NEW_BUFFER_DATA data{buffer, nullptr};
-  EXPECT_EQ(
-      askAll(GENTL(EventGetDataInfo), port.event, static_cast<const void*>(&data), sizeof data),
-      upTo(EVENT_DATA_NUMID));
-  std::pair<IF_HANDLE, std::pair<TL_HANDLE, DEV_HANDLE>> parents;
-  SUCCEEDS(IFGetParentTL, board, &parents.second.first);
-  SUCCEEDS(DevGetParentIF, port.device, &parents.first);
-  SUCCEEDS(DSGetParentDev, port.stream, &parents.second.second);
-  EXPECT_EQ(parents, (std::pair{board, std::pair{system, port.device}}));
+  const void* const bytes = &data;
+  const auto device = upTo(DEVICE_INFO_TIMESTAMP_FREQUENCY, {DEVICE_INFO_USER_DEFINED_NAME});
+  const std::pair<std::set<std::int32_t>, std::set<std::int32_t>> answers[] = {
+      {askAll(GENTL(DSGetBufferInfo), port.stream, buffer),
+       upTo(BUFFER_INFO_IS_COMPOSITE, {BUFFER_INFO_CHUNKLAYOUTID, BUFFER_INFO_FILENAME})},
+      {askAll(GENTL(GCGetInfo)), upTo(TL_INFO_GENTL_VER_MINOR)},
+      {askAll(GENTL(TLGetInfo), system), upTo(TL_INFO_GENTL_VER_MINOR)},
+      {askAll(GENTL(TLGetInterfaceInfo), system, "velmora-board"), upTo(INTERFACE_INFO_TLTYPE)},
+      {askAll(GENTL(IFGetInfo), board), upTo(INTERFACE_INFO_TLTYPE)},
+      {askAll(GENTL(IFGetDeviceInfo), board, "velmora-port3"), device},
+      {askAll(GENTL(DevGetInfo), port.device), device},
+      {askAll(GENTL(DSGetInfo), port.stream), upTo(STREAM_INFO_BUF_ALIGNMENT)},
+      {askAll(GENTL(EventGetInfo), port.event), upTo(EVENT_INFO_DATA_SIZE_MAX)},
+      {askAll(GENTL(EventGetDataInfo), port.event, bytes, sizeof data), upTo(EVENT_DATA_NUMID)}};
+  for (const auto& [answered, expected] : answers) EXPECT_EQ(answered, expected);
+  std::array<void*, 3> parents{};
+  SUCCEEDS(IFGetParentTL, board, &parents[0]);
+  SUCCEEDS(DevGetParentIF, port.device, &parents[1]);
+  SUCCEEDS(DSGetParentDev, port.stream, &parents[2]);
+  EXPECT_EQ(parents, (std::array{system, board, port.device}));
   std::uint32_t parts = 7;
   SUCCEEDS(DSGetNumBufferParts, port.stream, buffer, &parts);
   EXPECT_EQ(parts, 0U);
@@ -392,7 +378,8 @@ TEST_F(GenTl, EveryModuleHasADocumentWhoseFeaturesCanBeRead) {
   for (const auto& [handle, name, expected] : modules) {
     SCOPED_TRACE(name);
     EXPECT_EQ(askAll(GENTL(GCGetPortInfo), handle), upTo(PORT_INFO_PORTNAME));
-    EXPECT_EQ(askAll(GENTL(GCGetPortURLInfo), handle, 0U), upTo(URL_INFO_SCHEME, {6}));
+    EXPECT_EQ(askAll(GENTL(GCGetPortURLInfo), handle, 0U),
+              upTo(URL_INFO_SCHEME, {URL_INFO_FILE_SHA1_HASH}));
     EXPECT_EQ(ask<std::string>(GENTL(GCGetPortInfo), PORT_INFO_MODULE, handle), name);
     const Features features(handle);
     const auto all = features.list();
@@ -411,31 +398,31 @@ TEST_F(GenTl, EveryModuleHasADocumentWhoseFeaturesCanBeRead) {
 }
 
 TEST_F(GenTl, StandardFeaturesMoveParametersAndBack) {
+  const std::array<const char*, 4> steps[] = {
+      // Set, to this, and a parameter is this.
+      {"Width", "512", "FG_WIDTH", "512"},
+      {"FG_HEIGHT", "100", "Height", "100"},
+      {"Height", "256", "PayloadSize", "393216"},
+      {"OffsetX", "1024", "FG_XOFFSET", "1024"},
+      {"OffsetY", "7", "FG_YOFFSET", "7"},
+      {"OffsetY", "8", "HeightMax", "65527"},
+      {"TestPattern", "GreyDiagonalRampMoving", "FG_GEN_ENABLE", "FG_GENERATOR"},
+      {"FG_GEN_ENABLE", "FG_CAMPORT", "TestPattern", "Off"},
+      {"AcquisitionFrameRate", "25", "FG_TRIGGER_FRAMESPERSECOND", "25"},
+      {"AcquisitionFrameRate", "50", "AcquisitionFrameRateEnable", "true"},
+      {"AcquisitionFrameRateEnable", "false", "FG_TRIGGERSTATE", "TS_ASYNC_STOP"},
+      {"TriggerMode", "On", "FG_AREATRIGGERMODE", "ATM_SOFTWARE"},
+      {"TriggerSource", "Line6", "FG_TRIGGERIN_SRC", "TRGINSRC_6"},
+      {"TriggerActivation", "FallingEdge", "FG_TRIGGERIN_POLARITY", "LOW_ACTIVE"},
+      {"FG_TRIGGERIN_SRC", "TRGINSRC_2", "TriggerSource", "Line2"},
+      {"TriggerMode", "Off", "FG_AREATRIGGERMODE", "ATM_GENERATOR"},
+      {"FG_SCALINGFACTOR_BLUE", "1.5", "BalanceRatio", "1"},
+      {"BalanceRatioSelector", "Blue", "BalanceRatio", "1.5"},
+      {"BalanceRatio", "0.5", "FG_SCALINGFACTOR_BLUE", "0.5"},
+  };
   for (unsigned number = 0; number < 4; ++number) {
     const Port port = openPort(number);
     const Features features(port.remote);
-    const std::array<const char*, 4> steps[] = {
-        // Set, to this, and a parameter is this.
-        {"Width", "512", "FG_WIDTH", "512"},
-        {"FG_HEIGHT", "100", "Height", "100"},
-        {"Height", "256", "PayloadSize", "393216"},
-        {"OffsetX", "1024", "FG_XOFFSET", "1024"},
-        {"OffsetY", "7", "FG_YOFFSET", "7"},
-        {"OffsetY", "8", "HeightMax", "65527"},
-        {"TestPattern", "GreyDiagonalRampMoving", "FG_GEN_ENABLE", "FG_GENERATOR"},
-        {"FG_GEN_ENABLE", "FG_CAMPORT", "TestPattern", "Off"},
-        {"AcquisitionFrameRate", "25", "FG_TRIGGER_FRAMESPERSECOND", "25"},
-        {"AcquisitionFrameRate", "50", "AcquisitionFrameRateEnable", "true"},
-        {"AcquisitionFrameRateEnable", "false", "FG_TRIGGERSTATE", "TS_ASYNC_STOP"},
-        {"TriggerMode", "On", "FG_AREATRIGGERMODE", "ATM_SOFTWARE"},
-        {"TriggerSource", "Line6", "FG_TRIGGERIN_SRC", "TRGINSRC_6"},
-        {"TriggerActivation", "FallingEdge", "FG_TRIGGERIN_POLARITY", "LOW_ACTIVE"},
-        {"FG_TRIGGERIN_SRC", "TRGINSRC_2", "TriggerSource", "Line2"},
-        {"TriggerMode", "Off", "FG_AREATRIGGERMODE", "ATM_GENERATOR"},
-        {"FG_SCALINGFACTOR_BLUE", "1.5", "BalanceRatio", "1"},
-        {"BalanceRatioSelector", "Blue", "BalanceRatio", "1.5"},
-        {"BalanceRatio", "0.5", "FG_SCALINGFACTOR_BLUE", "0.5"},
-    };
     for (const auto& [feature, value, other, expected] : steps) {
       EXPECT_EQ(features.set(feature, value), "") << feature;
       EXPECT_EQ(features.get(other), expected) << feature << ' ' << other;
@@ -444,134 +431,157 @@ TEST_F(GenTl, StandardFeaturesMoveParametersAndBack) {
                 HasSubstr("FG_WIDTH: -7080, value breaks a step rule"));
     EXPECT_EQ(lastError().first, GC_ERR_INVALID_VALUE);
     EXPECT_THAT(features.execute("TriggerSoftware"), HasSubstr("-2140"));
-    const std::uint32_t word = 1;
-    std::size_t size = sizeof word;
-    EXPECT_EQ(GENTL(GCWritePort)(port.remote, FG_CAMSTATUS, &word, &size), GC_ERR_ACCESS_DENIED);
+    const auto write = [&](std::uint64_t address, std::size_t size) {
+      const std::uint32_t word = 1;
+      return GENTL(GCWritePort)(port.remote, address, &word, Room{size});
+    };
+    EXPECT_EQ(write(FG_CAMSTATUS, 4), GC_ERR_ACCESS_DENIED);
     EXPECT_THAT(lastError().second, HasSubstr("FG_CAMSTATUS: -12, "));
-    EXPECT_EQ(GENTL(GCWritePort)(port.remote, 12345, &word, &size), GC_ERR_INVALID_ADDRESS);
-    EXPECT_EQ(GENTL(GCWritePort)(port.remote, FG_WIDTH, &word, Room{2}), GC_ERR_INVALID_PARAMETER);
+    EXPECT_EQ(write(12345, 4), GC_ERR_INVALID_ADDRESS);
+    EXPECT_EQ(write(FG_WIDTH, 2), GC_ERR_INVALID_PARAMETER);
     std::thread([] { EXPECT_EQ(lastError().first, GC_ERR_SUCCESS); }).join();
   }
 }
 
-/// Pictures of a device, which are the board's own, all of them and in their order.
-void expectPictures(const Port& port, unsigned number, unsigned pictures,
-                    const std::function<BUFFER_HANDLE()>& take) {
-  const auto info = [&](BUFFER_HANDLE buffer, BUFFER_INFO_CMD command) {
-    return ask<std::uint64_t>(GENTL(DSGetBufferInfo), command, port.stream, buffer);
+TEST_F(GenTl, LimitsMoveAndWhatDependsIsInvalidated) {
+  const Port port = openPort(1);
+  const Features features(port.remote);
+  EVENT_HANDLE invalidated = nullptr;
+  SUCCEEDS(GCRegisterEvent, port.device, EVENT_FEATURE_INVALIDATE, &invalidated);
+  const auto changes = [&] {
+    std::set<std::string> names;
+    char data[300], name[300];
+    INFO_DATATYPE type = 0;
+    for (Room room{sizeof data}; GENTL(EventGetData)(invalidated, data, room, 0) == GC_ERR_SUCCESS;
+         room.size = sizeof data) {
+      SUCCEEDS(EventGetDataInfo, invalidated, data, room.size, EVENT_DATA_ID, &type, name,
+               Room{sizeof name});
+      names.insert(name);
+    }
+    return names;
   };
+  EXPECT_EQ(features.max("OffsetX"), 8184 - 16);
+  EXPECT_EQ(features.set("Width", "1024"), "");
+  EXPECT_EQ(features.max("OffsetX"), 8184 - 1024);
+  EXPECT_EQ(features.max("FG_XOFFSET"), 8184 - 1024);
+  EXPECT_EQ(changes(), (std::set<std::string>{"Width", "OffsetX", "FG_XOFFSET", "PayloadSize"}));
+  EXPECT_EQ(features.set("FG_TRIGGERIN_DOWNSCALE", "5"), "");
+  EXPECT_EQ(features.max("FG_TRIGGERIN_DOWNSCALE_PHASE"), 4);
+  EXPECT_EQ(changes(), std::set<std::string>{"FG_TRIGGERIN_DOWNSCALE_PHASE"});
+  EXPECT_EQ(features.set("TriggerMode", "On"), "");
+  EXPECT_THAT(changes(), testing::IsSupersetOf({"FG_AREATRIGGERMODE", "TriggerSource"}));
+  EXPECT_NE(features.set("Width", "13"), "");
+  EXPECT_EQ(changes(), std::set<std::string>{});
+}
+
+/// Pictures of a device, which are the board's own, all of them and in their order.
+void expectPictures(const Port& port, unsigned number, unsigned pictures) {
   std::uint64_t last = 0;
   for (unsigned i = 1; i <= pictures; ++i) {
-    const BUFFER_HANDLE buffer = take();
-    Bytes expected(16 * 8 * 3);
+    const BUFFER_HANDLE buffer = port.take();
+    Bytes expected(kSmall);
     board::renderPicture(board::Camera{number}, i, {.xOffset = 4, .width = 16, .height = 8},
                          expected);
-    const auto* pixels =
-        ask<const std::uint8_t*>(GENTL(DSGetBufferInfo), BUFFER_INFO_BASE, port.stream, buffer);
+    const auto* pixels = port.info<const std::uint8_t*>(buffer, BUFFER_INFO_BASE);
     EXPECT_EQ(Bytes(pixels, pixels + expected.size()), expected) << i;
-    EXPECT_GT(info(buffer, BUFFER_INFO_TIMESTAMP), last);
-    last = info(buffer, BUFFER_INFO_TIMESTAMP);
+    const std::uint64_t time = port.info(buffer, BUFFER_INFO_TIMESTAMP);
+    EXPECT_GT(time, std::exchange(last, time));
     const std::pair<BUFFER_INFO_CMD, std::uint64_t> infos[] = {
         {BUFFER_INFO_FRAMEID, i},
-        {BUFFER_INFO_SIZE_FILLED, expected.size()},
+        {BUFFER_INFO_SIZE_FILLED, kSmall},
         {BUFFER_INFO_WIDTH, 16},
         {BUFFER_INFO_HEIGHT, 8},
         {BUFFER_INFO_XOFFSET, 4},
         {BUFFER_INFO_PAYLOADTYPE, PAYLOAD_TYPE_IMAGE},
         {BUFFER_INFO_PIXELFORMAT, 0x02180015}};
-    for (const auto& [command, value] : infos) EXPECT_EQ(info(buffer, command), value) << command;
+    for (const auto& [command, value] : infos) EXPECT_EQ(port.info(buffer, command), value);
     SUCCEEDS(DSQueueBuffer, port.stream, buffer);
   }
 }
 
 TEST_F(GenTl, FourDevicesDeliverTheBoardsPictures) {
-  std::array<Port, 4> ports;
-  std::uint64_t startCommand = 0;
-  for (unsigned number = 0; number < ports.size(); ++number) {
-    ports[number] = openPort(number);
-    const Features features(ports[number].remote);
-    makeSmall(features);
+  std::vector<std::jthread> threads;
+  for (unsigned number = 0; number < 4; ++number) {
+    const Port port = openPort(number);
+    const Features features(port.remote);
     for (const auto& [name, value] : {std::pair{"OffsetX", "4"},
                                       {"AcquisitionFrameRate", "500"},
                                       {"AcquisitionMode", "MultiFrame"},
                                       {"AcquisitionFrameCount", "40"}})
       EXPECT_EQ(features.set(name, value), "");
-    startCommand = features.address("AcquisitionStart_Reg");
-    announce(ports[number], 40);
-  }
-  std::vector<std::jthread> threads;
-  for (unsigned number = 0; number < ports.size(); ++number)
-    threads.emplace_back([&port = ports[number], number, startCommand] {
+    announce(port, 40);
+    threads.emplace_back([port, number, start = features.address("AcquisitionStart_Reg")] {
       for (int round = 0; round < 2; ++round) {
-        EXPECT_EQ(start(port), GC_ERR_SUCCESS);
-        EXPECT_EQ(start(port), GC_ERR_RESOURCE_IN_USE);
+        EXPECT_EQ(port.start(), GC_ERR_SUCCESS);
+        EXPECT_EQ(port.start(), GC_ERR_RESOURCE_IN_USE);
         const std::uint64_t one = 1;
-        SUCCEEDS(GCWritePort, port.remote, startCommand, &one, Room{sizeof one});
-        expectPictures(port, number, 40, [&] { return take(port); });
-        EXPECT_EQ(count(port, STREAM_INFO_NUM_DELIVERED), 40U);
-        EXPECT_EQ(count(port, STREAM_INFO_NUM_UNDERRUN), 0U);
-        EXPECT_EQ(stop(port), GC_ERR_SUCCESS);
+        SUCCEEDS(GCWritePort, port.remote, start, &one, Room{sizeof one});
+        expectPictures(port, number, 40);
+        EXPECT_EQ(port.count(STREAM_INFO_NUM_DELIVERED), 40U);
+        EXPECT_EQ(port.count(STREAM_INFO_NUM_UNDERRUN), 0U);
+        EXPECT_EQ(port.stop(), GC_ERR_SUCCESS);
         SUCCEEDS(DSFlushQueue, port.stream, ACQ_QUEUE_ALL_TO_INPUT);
       }
-      EXPECT_EQ(stop(port), GC_ERR_RESOURCE_IN_USE);
+      EXPECT_EQ(port.stop(), GC_ERR_RESOURCE_IN_USE);
     });
+  }
 }
 
 TEST_F(GenTl, BuffersGoTheirWay) {
   const Port port = openPort(0);
   const Features features(port.remote);
-  makeSmall(features);
   EXPECT_EQ(features.set("AcquisitionFrameRate", "1000"), "");
   const auto buffers = announce(port, 3);
+  using States = std::array<std::uint64_t, 2>;  // In the input pool, in the output queue.
   const auto states = [&] {
-    return std::array{count(port, STREAM_INFO_NUM_QUEUED),
-                      count(port, STREAM_INFO_NUM_AWAIT_DELIVERY)};
+    return States{port.count(STREAM_INFO_NUM_QUEUED), port.count(STREAM_INFO_NUM_AWAIT_DELIVERY)};
   };
   const auto flush = [&](ACQ_QUEUE_TYPE how) {
     SUCCEEDS(DSFlushQueue, port.stream, how);
     return states();
   };
-  using States = std::array<std::uint64_t, 2>;
   EXPECT_EQ(GENTL(DSQueueBuffer)(port.stream, buffers[0]), GC_ERR_RESOURCE_IN_USE);
   void *base = nullptr, *user = nullptr;
   EXPECT_EQ(GENTL(DSRevokeBuffer)(port.stream, buffers[0], &base, &user), GC_ERR_BUSY);
   // A consumer that queues nothing gets what there was room for, and a count.
   EXPECT_EQ(features.execute("AcquisitionStart"), "");
-  EXPECT_EQ(start(port), GC_ERR_SUCCESS);
+  EXPECT_EQ(port.start(), GC_ERR_SUCCESS);
   for (const std::uint64_t id : {1U, 2U, 3U})
-    EXPECT_EQ(info<std::uint64_t>(port, take(port), BUFFER_INFO_FRAMEID), id);
-  while (count(port, STREAM_INFO_NUM_UNDERRUN) < 5) std::this_thread::yield();
+    EXPECT_EQ(port.info(port.take(), BUFFER_INFO_FRAMEID), id);
+  port.await(STREAM_INFO_NUM_UNDERRUN, 5);
   EXPECT_EQ(states(), (States{0, 0}));
   SUCCEEDS(DSQueueBuffer, port.stream, buffers[1]);
-  EXPECT_EQ(take(port), buffers[1]);
-  EXPECT_GT(info<std::uint64_t>(port, buffers[1], BUFFER_INFO_FRAMEID), 8U);
+  EXPECT_EQ(port.take(), buffers[1]);
+  EXPECT_GT(port.info(buffers[1], BUFFER_INFO_FRAMEID), 8U);
   EXPECT_EQ(features.execute("AcquisitionStop"), "");
   // The flush modes, while no pictures come.
   EXPECT_EQ(flush(ACQ_QUEUE_UNQUEUED_TO_INPUT), (States{3, 0}));
   EXPECT_EQ(flush(ACQ_QUEUE_INPUT_TO_OUTPUT), (States{0, 3}));
-  EXPECT_EQ(info<bool>(port, buffers[0], BUFFER_INFO_IS_INCOMPLETE), true);
-  EXPECT_EQ(info<bool>(port, buffers[0], BUFFER_INFO_NEW_DATA), false);
+  EXPECT_TRUE(port.info<bool>(buffers[0], BUFFER_INFO_IS_INCOMPLETE));
+  EXPECT_FALSE(port.info<bool>(buffers[0], BUFFER_INFO_NEW_DATA));
   EXPECT_EQ(flush(ACQ_QUEUE_ALL_TO_INPUT), (States{3, 0}));
   EXPECT_EQ(flush(ACQ_QUEUE_ALL_DISCARD), (States{0, 0}));
   flush(ACQ_QUEUE_UNQUEUED_TO_INPUT);
   flush(ACQ_QUEUE_INPUT_TO_OUTPUT);
   EXPECT_EQ(flush(ACQ_QUEUE_OUTPUT_DISCARD), (States{0, 0}));
-  EXPECT_EQ(stop(port), GC_ERR_SUCCESS);
-  // Buffers that have become too small are refused; an acquisition of a number ends by itself.
+  EXPECT_EQ(port.stop(), GC_ERR_SUCCESS);
+  // Pictures grow between two starts: buffers that are too small are refused.
   EXPECT_EQ(features.set("Width", "32"), "");
   EXPECT_EQ(features.get("PayloadSize"), std::to_string(2 * kSmall));
-  EXPECT_EQ(count(port, STREAM_INFO_PAYLOAD_SIZE), 2 * kSmall);
+  EXPECT_EQ(port.count(STREAM_INFO_PAYLOAD_SIZE), 2 * kSmall);
   SUCCEEDS(DSQueueBuffer, port.stream, buffers[0]);
-  EXPECT_EQ(start(port), GC_ERR_BUFFER_TOO_SMALL);
+  EXPECT_EQ(port.start(), GC_ERR_BUFFER_TOO_SMALL);
   EXPECT_EQ(flush(ACQ_QUEUE_ALL_DISCARD), (States{0, 0}));
+  // An acquisition of a number ends by itself.
   announce(port, 5, 2 * kSmall);
-  EXPECT_EQ(start(port, 4), GC_ERR_SUCCESS);
+  EXPECT_EQ(port.start(4), GC_ERR_SUCCESS);
   EXPECT_EQ(features.execute("AcquisitionStart"), "");
-  for (int i = 0; i < 4; ++i) take(port);
+  for (int i = 0; i < 4; ++i)
+    EXPECT_EQ(port.info(port.take(), BUFFER_INFO_SIZE_FILLED), 2 * kSmall);
   while (ask<bool>(GENTL(DSGetInfo), STREAM_INFO_IS_GRABBING, port.stream))
     std::this_thread::yield();
-  EXPECT_EQ(count(port, STREAM_INFO_NUM_DELIVERED), 4U);
-  EXPECT_EQ(stop(port), GC_ERR_SUCCESS);
+  EXPECT_EQ(port.count(STREAM_INFO_NUM_DELIVERED), 4U);
+  EXPECT_EQ(port.stop(), GC_ERR_SUCCESS);
   SUCCEEDS(DSRevokeBuffer, port.stream, buffers[0], &base, &user);
   EXPECT_EQ(GENTL(DSRevokeBuffer)(port.stream, buffers[0], &base, &user), GC_ERR_INVALID_HANDLE);
 }
@@ -579,7 +589,6 @@ TEST_F(GenTl, BuffersGoTheirWay) {
 TEST_F(GenTl, EventsOfTheAppletAndOfLossArrive) {
   const Port port = openPort(3);
   const Features features(port.remote);
-  makeSmall(features);
   EVENT_HANDLE remote = nullptr, module = nullptr, again = nullptr;
   SUCCEEDS(GCRegisterEvent, port.device, EVENT_REMOTE_DEVICE, &remote);
   EXPECT_EQ(GENTL(GCRegisterEvent)(port.device, EVENT_REMOTE_DEVICE, &again),
@@ -587,34 +596,36 @@ TEST_F(GenTl, EventsOfTheAppletAndOfLossArrive) {
   EXPECT_EQ(GENTL(GCRegisterEvent)(port.device, EVENT_NEW_BUFFER, &again), GC_ERR_NOT_IMPLEMENTED);
   SUCCEEDS(GCRegisterEvent, port.stream, EVENT_MODULE, &module);
   announce(port, 1);
-  EXPECT_EQ(start(port), GC_ERR_SUCCESS);
+  EXPECT_EQ(port.start(), GC_ERR_SUCCESS);
   EXPECT_EQ(features.execute("AcquisitionStart"), "");
   std::uint64_t data[2] = {};
-  std::size_t size = sizeof data;
+  const auto get = [&](EVENT_HANDLE event, std::uint64_t timeout) {
+    return GENTL(EventGetData)(event, data, Room{sizeof data}, timeout);
+  };
   std::set<std::string> seen;
   while (seen.size() < 2) {  // Start and end of this port's pictures, and nothing of the others.
-    SUCCEEDS(EventGetData, remote, data, Room{sizeof data}, 10000);
+    EXPECT_EQ(get(remote, 10000), GC_ERR_SUCCESS);
     char id[20];
     INFO_DATATYPE type = 0;
-    SUCCEEDS(EventGetDataInfo, remote, data, size, EVENT_DATA_ID, &type, id, Room{20});
+    SUCCEEDS(EventGetDataInfo, remote, data, sizeof data, EVENT_DATA_ID, &type, id, Room{20});
     seen.insert(id);
   }
   for (const std::string& id : seen)
     EXPECT_THAT(features.text(),
                 testing::ContainsRegex("_FRAME_CAM_PORT_D_Event\">\n<EventID>" + id + "<"));
-  const BUFFER_HANDLE buffer = take(port);
-  while (count(port, STREAM_INFO_NUM_UNDERRUN) == 0) std::this_thread::yield();
+  const BUFFER_HANDLE buffer = port.take();
+  port.await(STREAM_INFO_NUM_UNDERRUN, 1);
   SUCCEEDS(DSQueueBuffer, port.stream, buffer);
-  SUCCEEDS(EventGetData, module, data, Room{sizeof data}, 10000);
+  EXPECT_EQ(get(module, 10000), GC_ERR_SUCCESS);
   EXPECT_GE(data[1], 1U);  // Lost ones.
-  EXPECT_EQ(stop(port), GC_ERR_SUCCESS);
+  EXPECT_EQ(port.stop(), GC_ERR_SUCCESS);
   SUCCEEDS(EventFlush, module);
-  EXPECT_EQ(GENTL(EventGetData)(module, data, Room{sizeof data}, 0), GC_ERR_TIMEOUT);
+  EXPECT_EQ(get(module, 0), GC_ERR_TIMEOUT);
   SUCCEEDS(EventKill, module);
-  EXPECT_EQ(GENTL(EventGetData)(module, data, Room{sizeof data}, 10000), GC_ERR_ABORT);
-  std::jthread waits([&] {
-    std::size_t room = sizeof data;
-    const GC_ERROR code = GENTL(EventGetData)(module, data, &room, GENTL_INFINITE);
+  EXPECT_EQ(get(module, 10000), GC_ERR_ABORT);
+  std::jthread waits([module] {
+    std::uint64_t unused[2];
+    const GC_ERROR code = GENTL(EventGetData)(module, unused, Room{16}, GENTL_INFINITE);
     EXPECT_TRUE(code == GC_ERR_ABORT || code == GC_ERR_INVALID_HANDLE) << code;
   });
   SUCCEEDS(GCUnregisterEvent, port.stream, EVENT_MODULE);
@@ -624,42 +635,26 @@ TEST_F(GenTl, EventsOfTheAppletAndOfLossArrive) {
 TEST_F(GenTl, ClosingInAnyOrderLeavesStaleHandles) {
   for (const int order : {0, 1, 2, 3}) {
     const Port port = openPort(0);
-    const Features features(port.remote);
-    makeSmall(features);
     const BUFFER_HANDLE buffer = announce(port, 4).front();
-    EXPECT_EQ(start(port), GC_ERR_SUCCESS);
-    EXPECT_EQ(features.execute("AcquisitionStart"), "");
-    take(port);
-    switch (order) {
-      case 0:
-        SUCCEEDS(DSClose, port.stream);
-        SUCCEEDS(DevClose, port.device);
-        break;
-      case 1:
-        SUCCEEDS(DevClose, port.device);
-        break;
-      case 2:
-        SUCCEEDS(IFClose, board);
-        break;
-      default:
-        SUCCEEDS(TLClose, system);
-        EXPECT_EQ(GENTL(TLClose)(system), GC_ERR_INVALID_HANDLE);
-        EXPECT_EQ(GENTL(IFClose)(board), GC_ERR_INVALID_HANDLE);
-    }
+    EXPECT_EQ(port.start(), GC_ERR_SUCCESS);
+    EXPECT_EQ(Features(port.remote).execute("AcquisitionStart"), "");
+    port.take();
+    const std::function<GC_ERROR()> closes[] = {
+        [&] { return GENTL(DSClose)(port.stream); }, [&] { return GENTL(DevClose)(port.device); },
+        [&] { return GENTL(IFClose)(board); }, [&] { return GENTL(TLClose)(system); }};
+    for (int i = order; i < 4; ++i) EXPECT_EQ(closes[i](), GC_ERR_SUCCESS);
+    EXPECT_EQ(GENTL(TLClose)(system), GC_ERR_INVALID_HANDLE);
+    EXPECT_EQ(GENTL(IFClose)(board), GC_ERR_INVALID_HANDLE);
+    open();
     char byte = 0;
-    std::size_t size = 1;
     PORT_HANDLE none = nullptr;
     for (void* const handle : {port.device, port.remote, port.stream, port.event, buffer, none,
-                               static_cast<void*>(&size)}) {
-      EXPECT_EQ(GENTL(GCReadPort)(handle, 0, &byte, &size), GC_ERR_INVALID_HANDLE);
+                               static_cast<void*>(&byte)}) {
+      EXPECT_EQ(GENTL(GCReadPort)(handle, 0, &byte, Room{1}), GC_ERR_INVALID_HANDLE);
       EXPECT_EQ(GENTL(DevGetPort)(handle, &none), GC_ERR_INVALID_HANDLE);
       EXPECT_EQ(GENTL(DSQueueBuffer)(port.stream, handle), GC_ERR_INVALID_HANDLE);
-      EXPECT_EQ(GENTL(EventGetData)(handle, &byte, &size, 0), GC_ERR_INVALID_HANDLE);
+      EXPECT_EQ(GENTL(EventGetData)(handle, &byte, Room{1}, 0), GC_ERR_INVALID_HANDLE);
       EXPECT_EQ(GENTL(DSClose)(handle), GC_ERR_INVALID_HANDLE);
-    }
-    if (order == 3) open();
-    if (order == 2) {
-      SUCCEEDS(TLOpenInterface, system, "velmora-board", &board);
     }
     EXPECT_EQ(GENTL(DSQueueBuffer)(board, system), GC_ERR_INVALID_HANDLE);  // Of another kind.
   }
@@ -669,46 +664,35 @@ TEST_F(GenTl, CallsMayOverlapClosing) {
   std::atomic<bool> done{false};
   std::atomic<DEV_HANDLE> device{nullptr};
   std::vector<std::jthread> threads;
-  for (int i = 0; i < 3; ++i)
-    threads.emplace_back([&] {
-      while (!done) {
-        PORT_HANDLE remote = nullptr;
-        DS_HANDLE stream = nullptr;
-        EVENT_HANDLE event = nullptr;
-        BUFFER_HANDLE buffer = nullptr;
-        std::uint64_t data[2] = {FG_WIDTH};
-        INFO_DATATYPE type = 0;
-        const DEV_HANDLE current = device;
-        EXPECT_NE(GENTL(DevGetPort)(current, &remote), GC_ERR_ERROR);
-        EXPECT_NE(GENTL(GCReadPort)(remote, FG_WIDTH, data, Room{4}), GC_ERR_ERROR);
-        EXPECT_NE(GENTL(DevOpenDataStream)(current, "velmora-port0-stream0", &stream),
-                  GC_ERR_ERROR);
-        EXPECT_NE(GENTL(GCRegisterEvent)(stream, EVENT_NEW_BUFFER, &event), GC_ERR_ERROR);
-        for (int j = 0; j < 3; ++j) {
-          EXPECT_NE(GENTL(DSAllocAndAnnounceBuffer)(stream, kSmall, nullptr, &buffer),
-                    GC_ERR_ERROR);
-          EXPECT_NE(GENTL(DSQueueBuffer)(stream, buffer), GC_ERR_ERROR);
-        }
-        EXPECT_NE(start({.stream = stream}), GC_ERR_ERROR);
-        EXPECT_NE(GENTL(DSGetInfo)(stream, STREAM_INFO_NUM_QUEUED, &type, data, Room{8}),
-                  GC_ERR_ERROR);
-        EXPECT_NE(GENTL(EventGetData)(event, data, Room{sizeof data}, 5), GC_ERR_ERROR);
-        EXPECT_NE(GENTL(DSClose)(stream), GC_ERR_ERROR);
+  const auto use = [&] {
+    while (!done) {
+      Port port{.device = device};
+      BUFFER_HANDLE buffer = nullptr;
+      std::uint64_t data[2] = {};
+      INFO_DATATYPE type = 0;
+      GENTL(DevGetPort)(port.device, &port.remote);
+      GENTL(GCReadPort)(port.remote, FG_WIDTH, data, Room{4});
+      GENTL(DevOpenDataStream)(port.device, "velmora-port0-stream0", &port.stream);
+      GENTL(GCRegisterEvent)(port.stream, EVENT_NEW_BUFFER, &port.event);
+      for (int j = 0; j < 3; ++j) {
+        GENTL(DSAllocAndAnnounceBuffer)(port.stream, kSmall, nullptr, &buffer);
+        GENTL(DSQueueBuffer)(port.stream, buffer);
       }
-    });
-  for (int round = 0; round < 10; ++round) {
-    DEV_HANDLE opened = nullptr;
-    SUCCEEDS(IFOpenDevice, board, "velmora-port0", DEVICE_ACCESS_CONTROL, &opened);
-    PORT_HANDLE remote = nullptr;
-    SUCCEEDS(DevGetPort, opened, &remote);
-    {
-      const Features features(remote);
-      makeSmall(features);
-      EXPECT_EQ(features.execute("AcquisitionStart"), "");
+      port.start();
+      GENTL(DSGetInfo)(port.stream, STREAM_INFO_NUM_QUEUED, &type, data, Room{8});
+      GENTL(EventGetData)(port.event, data, Room{sizeof data}, 5);
+      EXPECT_NE(GENTL(DSClose)(port.stream), GC_ERR_ERROR);
+      EXPECT_NE(lastError().first, GC_ERR_ERROR);
     }
-    device = opened;
+  };
+  for (int i = 0; i < 3; ++i) threads.emplace_back(use);
+  for (int round = 0; round < 10; ++round) {
+    const Port port = openPort(0);
+    SUCCEEDS(DSClose, port.stream);
+    EXPECT_EQ(Features(port.remote).execute("AcquisitionStart"), "");
+    device = port.device;
     std::this_thread::sleep_for(std::chrono::milliseconds(20));
-    SUCCEEDS(DevClose, opened);
+    SUCCEEDS(DevClose, port.device);
   }
   done = true;
 }
