@@ -45,6 +45,18 @@ link() {
   run "${CC:-cc}" "$1" -o program -Wl,--no-as-needed "${flags[@]}"
 }
 
+# producer SHARE opens the board through the GenTL producer that the environment script names.
+producer() {
+  cat >consumer.py <<'END'
+import ctypes, os
+producer = ctypes.CDLL(os.path.join(os.environ["GENICAM_GENTL64_PATH"], "velmora.cti"))
+system, board = ctypes.c_void_p(), ctypes.c_void_p()
+assert producer.GCInitLib() == 0 and producer.TLOpen(ctypes.byref(system)) == 0
+assert producer.TLOpenInterface(system, b"velmora-board", ctypes.byref(board)) == 0
+END
+  run env -u GENICAM_GENTL64_PATH bash -c "source '$1/environment.sh' && python3 consumer.py"
+}
+
 moved() {
   run cmake --install "$build" --prefix "$here/before"
   mv before after
@@ -64,6 +76,7 @@ moved() {
     run ./program
   done
   [[ $(after/bin/velmora get FG_WIDTH) == *1024 ]]
+  producer after/share/velmora
   absent "$here" after
   absent "$source" after
 }
@@ -76,6 +89,7 @@ packages() {
   PATH=$PATH:/usr/sbin:/sbin run dpkg --root="$here/root" --force-not-root --install ./*.deb
   [[ $(root/usr/bin/velmora get FG_WIDTH) == *1024 ]]
   host python3 root/usr/share/velmora/examples/host.py
+  producer root/usr/share/velmora
 }
 
 # Another project, with tests of its own, gets the libraries and no tests, flags or folders.
