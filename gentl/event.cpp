@@ -30,7 +30,7 @@ struct Data {
   }
   template <std::size_t offset>
   std::string text() const {
-    return bytes.substr(offset).c_str();
+    return bytes.substr(offset, bytes.find('\0', offset) - offset);
   }
   std::string hexadecimalId() const { return hexadecimal(word<0>()); }
   std::string behindId() const { return bytes.substr(sizeof(std::uint64_t)); }

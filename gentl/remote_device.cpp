@@ -107,7 +107,7 @@ std::uint64_t whole(const Value& value) { return std::get<std::uint64_t>(value);
 
 }  // namespace
 
-RemoteDevice::RemoteDevice(std::shared_ptr<Device> device)
+RemoteDevice::RemoteDevice(const std::shared_ptr<Device>& device)
     : Module(device->id, "Device", device),
       device_(*device),
       grabber_(device->grabber),
@@ -118,7 +118,8 @@ RemoteDevice::RemoteDevice(std::shared_ptr<Device> device)
       {"DeviceVersion", kVersion},
       {"DeviceID", id},
       {"DeviceSerialNumber", std::to_string(port_)}};
-  for (const auto& [name, text] : texts) add({name, RegisterKind::kText, [=] { return text; }});
+  for (const auto& [name, text] : texts)
+    add({name, RegisterKind::kText, [text = text] { return text; }});
   addOwn(
       "PayloadSize", [this] { return toValue(grabber_.payload(port_)); }, nullptr);
   addAcquisition();

@@ -11,7 +11,7 @@ class Device;
 /// above, and registers of its own for standard features that no parameter serves.
 class RemoteDevice : public Module {
  public:
-  explicit RemoteDevice(std::shared_ptr<Device> device);
+  explicit RemoteDevice(const std::shared_ptr<Device>& device);
 
   bool writable() const override;
 
