@@ -100,14 +100,14 @@ void Event::take(void* buffer, std::size_t* size, std::uint64_t timeout) {
   }
   store(waiting_.front(), buffer, size);
   if (!buffer) return;
-  if (taken_) taken_(waiting_.front());
+  if (taken_) taken_(waiting_.front(), true);
   waiting_.pop_front();
 }
 
 void Event::flush() {
   const std::lock_guard guard(mutex);
   for (; !waiting_.empty(); waiting_.pop_front())
-    if (taken_) taken_(waiting_.front());
+    if (taken_) taken_(waiting_.front(), false);
 }
 
 void Event::kill() {

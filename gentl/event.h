@@ -22,8 +22,9 @@ class Event : public Object {
   void push(std::string data);
   /// Forgets all events.
   void drop() { waiting_.clear(); }
-  /// Called with the data of each event that leaves the queue.
-  void setTaken(std::function<void(const std::string& data)> taken) { taken_ = std::move(taken); }
+  /// Is called with the data of each event that leaves the queue, to a consumer or flushed.
+  using Taken = std::function<void(const std::string& data, bool consumed)>;
+  void setTaken(Taken taken) { taken_ = std::move(taken); }
 
   /// Tells whoever is registered.
   void fire(std::string data);
@@ -49,7 +50,7 @@ class Event : public Object {
  private:
   std::condition_variable changed_;
   std::deque<std::string> waiting_;
-  std::function<void(const std::string&)> taken_;
+  Taken taken_;
   std::uint64_t fired_ = 0;
   unsigned kills_ = 0, registrations_ = 0;
   bool registered_ = false;

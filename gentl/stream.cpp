@@ -53,11 +53,11 @@ Stream::Stream(const std::shared_ptr<Device>& device)
     : Module(device->belowId(0), "TLDataStream", device, {EVENT_NEW_BUFFER}),
       device_(*device),
       output_(event(EVENT_NEW_BUFFER)) {
-  output_.setTaken([this](const std::string& data) {
+  output_.setTaken([this](const std::string& data, bool consumed) {
     void* taken = nullptr;
     std::memcpy(&taken, data.data(), sizeof taken);
     announced(taken)->state = State::kIdle;
-    ++delivered_;
+    if (consumed) ++delivered_;
   });
   addInfos(kInfos, [this]() -> Stream& { return *this; });
   addEnumeration("StreamType", kTypes);

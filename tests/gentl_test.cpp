@@ -564,6 +564,11 @@ TEST_F(GenTl, BuffersGoTheirWay) {
   flush(ACQ_QUEUE_UNQUEUED_TO_INPUT);
   flush(ACQ_QUEUE_INPUT_TO_OUTPUT);
   EXPECT_EQ(flush(ACQ_QUEUE_OUTPUT_DISCARD), (States{0, 0}));
+  flush(ACQ_QUEUE_UNQUEUED_TO_INPUT);
+  flush(ACQ_QUEUE_INPUT_TO_OUTPUT);
+  SUCCEEDS(EventFlush, port.event);
+  EXPECT_EQ(states(), (States{0, 0}));
+  EXPECT_EQ(port.count(STREAM_INFO_NUM_DELIVERED), 4U);  // Those that were taken.
   EXPECT_EQ(port.stop(), GC_ERR_SUCCESS);
   // Pictures grow between two starts: buffers that are too small are refused.
   EXPECT_EQ(features.set("Width", "32"), "");
