@@ -57,6 +57,18 @@ documented() {
   ./program | diff - <(block text)
 }
 
+# producer SHARE opens the board through the GenTL producer that the environment script names.
+producer() {
+  cat >consumer.py <<'END'
+import ctypes, os
+producer = ctypes.CDLL(os.path.join(os.environ["GENICAM_GENTL64_PATH"], "velmora.cti"))
+system, board = ctypes.c_void_p(), ctypes.c_void_p()
+assert producer.GCInitLib() == 0 and producer.TLOpen(ctypes.byref(system)) == 0
+assert producer.TLOpenInterface(system, b"velmora-board", ctypes.byref(board)) == 0
+END
+  run env -u GENICAM_GENTL64_PATH bash -c "source '$1/environment.sh' && python3 consumer.py"
+}
+
 moved() {
   run cmake --install "$build" --prefix "$here/before"
   mv before after
@@ -81,6 +93,7 @@ moved() {
   . after/share/bash-completion/completions/velmora
   COMP_LINE='velmora set gen_enable=fg_g' COMP_POINT=100 _velmora after/bin/velmora
   [[ ${COMPREPLY[*]} == FG_GENERATOR ]]
+  producer after/share/velmora
   absent "$here" after
   absent "$source" after
 }
@@ -93,6 +106,7 @@ packages() {
   PATH=$PATH:/usr/sbin:/sbin run dpkg --root="$here/root" --force-not-root --install ./*.deb
   [[ $(root/usr/bin/velmora get FG_WIDTH) == *1024 ]]
   host python3 root/usr/share/velmora/examples/host.py
+  producer root/usr/share/velmora
 }
 
 # Another project, with tests of its own, gets the libraries and no tests, flags or folders.

@@ -1,0 +1,259 @@
+#include "gentl/remote_device.h"
+
+#include <sstream>
+
+#include "gentl/device.h"
+#include "standard_features.h"
+#include "velmora/parameters.h"
+#include "velmora/values.h"
+
+namespace gentl {
+namespace {
+
+constexpr std::uint64_t kLargestId = 0x7FFFFFFF;
+/// The limits of a parameter have registers: these and its id.
+constexpr std::uint64_t kMin = 0x100000000, kMax = 0x200000000;
+
+/// Features of which a write changes the others, or their limits.
+const std::vector<const char*> kTogether[] = {
+    {"Width", "FG_WIDTH", "OffsetX", "FG_XOFFSET", "PayloadSize"},
+    {"Height", "FG_HEIGHT", "OffsetY", "FG_YOFFSET", "PayloadSize"},
+    {"TestPattern", "FG_GEN_ENABLE"},
+    {"TriggerMode", "TriggerSource", "AcquisitionFrameRate", "AcquisitionFrameRateEnable",
+     "FG_AREATRIGGERMODE", "FG_TRIGGERSTATE", "FG_TRIGGER_FRAMESPERSECOND", "FG_TRIGGERIN_SRC",
+     "FG_TRIGGERQUEUE_MODE", "FG_SENDSOFTWARETRIGGER"},
+    {"TriggerActivation", "FG_TRIGGERIN_POLARITY"},
+    {"BalanceRatio", "FG_SCALINGFACTOR_RED", "FG_SCALINGFACTOR_GREEN", "FG_SCALINGFACTOR_BLUE"},
+    {"FG_GEN_FREQ", "FG_GEN_ACCURACY"},
+    {"FG_GEN_WIDTH", "FG_GEN_LINE_GAP", "FG_GEN_LINE_WIDTH"},
+    {"FG_TRIGGERIN_DOWNSCALE", "FG_TRIGGERIN_DOWNSCALE_PHASE"},
+    {"FG_TRIGGER_PULSEFORMGEN0_DOWNSCALE", "FG_TRIGGER_PULSEFORMGEN0_DOWNSCALE_PHASE"},
+    {"FG_TRIGGER_PULSEFORMGEN1_DOWNSCALE", "FG_TRIGGER_PULSEFORMGEN1_DOWNSCALE_PHASE"},
+};
+
+std::vector<const char*> othersThan(const std::string& feature) {
+  std::vector<const char*> others;
+  for (const auto& group : kTogether)
+    if (std::ranges::find(group, feature) != group.end())
+      std::ranges::copy_if(group, std::back_inserter(others),
+                           [&](const char* name) { return name != feature; });
+  return others;
+}
+
+std::string withoutSuffix(const std::string& node) { return node.substr(0, node.rfind('_')); }
+
+/// One line of the applet's document as a consumer gets it: values that are not kept, limits that
+/// move, features for experts, and a root category that is one of the standard features'.
+class AppletLines {
+ public:
+  explicit AppletLines(Grabber& grabber) : grabber_(grabber) {}
+
+  std::string adapted(const std::string& line) {
+    if (line.find("Name='Root'") != std::string::npos)
+      return "<Category Name='Applet'>\n" + element("Visibility", "Expert");
+    if (line.starts_with("<Port ")) return "<Port Name=\"Device\"></Port>\n";
+    if (line.starts_with("<Min>")) return limit("Min", kMin);
+    if (line.starts_with("<Max>")) return limit("Max", kMax);
+    if (line.starts_with("<Description>")) return line + '\n' + element("Visibility", "Expert");
+    if (line.starts_with("<pPort>")) return port();
+    const std::size_t at = line.find(" Name=");
+    if (at != std::string::npos && !line.starts_with("<EnumEntry")) {
+      tag_ = line.substr(1, at - 1);
+      const std::size_t start = at + 7;
+      name_ = line.substr(start, line.find_first_of("'\"", start) - start);
+    }
+    return line + '\n';
+  }
+  /// The nodes that the lines refer to.
+  const std::string& nodes() const { return nodes_; }
+
+ private:
+  std::string limit(const std::string& which, std::uint64_t address) {
+    const std::string node = name_ + '_' + which;
+    const auto kind = tag_ == "Float" ? RegisterKind::kFloat : RegisterKind::kInteger;
+    nodes_ += registerNode({node, kind, nullptr, nullptr, othersThan(name_)},
+                           address | static_cast<unsigned>(grabber_.idOf(name_)), "Device");
+    return element("p" + which, node);
+  }
+  std::string port() const {
+    std::string lines = element("pPort", "Device") + element("Cachable", "NoCache");
+    for (const char* other : othersThan(withoutSuffix(name_)))
+      lines += element("pInvalidator", other);
+    return lines;
+  }
+
+  Grabber& grabber_;
+  std::string tag_, name_, nodes_;
+};
+
+/// Nodes by which a GenApi library shows the applet's events.
+std::string eventNodes(Grabber& grabber, unsigned number) {
+  std::string nodes, names;
+  for (const auto& [name, mask] : grabber.events(number)) {
+    const std::string feature = "Event" + name + "Timestamp";
+    names += element("pFeature", feature);
+    const std::string port = name + "_Event";
+    nodes += node("Integer", feature,
+                  element("Visibility", "Expert") + element("pValue", feature + "_Reg") +
+                      element("Unit", "ns")) +
+             registerNode({feature + "_Reg", RegisterKind::kInteger, nullptr}, 0, port) +
+             node("Port", port, element("EventID", hexadecimal(mask)));
+  }
+  return "<Category Name=\"EventControl\" NameSpace=\"Standard\">\n" + names + "</Category>\n" +
+         nodes;
+}
+
+std::uint64_t whole(const Value& value) { return std::get<std::uint64_t>(value); }
+
+}  // namespace
+
+RemoteDevice::RemoteDevice(const std::shared_ptr<Device>& device)
+    : Module(device->id, "Device", device),
+      device_(*device),
+      grabber_(device->grabber),
+      port_(device->port) {
+  const std::pair<const char*, std::string> texts[] = {
+      {"DeviceVendorName", kVendor},
+      {"DeviceModelName", kModel},
+      {"DeviceVersion", kVersion},
+      {"DeviceID", id},
+      {"DeviceSerialNumber", std::to_string(port_)}};
+  for (const auto& [name, text] : texts)
+    add({name, RegisterKind::kText, [text = text] { return text; }});
+  addOwn(
+      "PayloadSize", [this] { return toValue(grabber_.payload(port_)); }, nullptr);
+  addAcquisition();
+  addTrigger();
+  addFrameRate();
+}
+
+void RemoteDevice::addOwn(const std::string& feature, std::function<Value()> read,
+                          std::function<void(const Value&)> write, RegisterKind kind) {
+  add({feature + "_Reg", kind, std::move(read), std::move(write), othersThan(feature)});
+}
+
+void RemoteDevice::addAcquisition() {
+  const auto command = [this](const char* name, void (Device::*action)()) {
+    const auto write = [&device = device_, action](const Value&) { std::invoke(action, device); };
+    addOwn(
+        name, [] { return toValue(0); }, write);
+  };
+  command("AcquisitionStart", &Device::startSending);
+  command("AcquisitionStop", &Device::stopSending);
+  const auto setting = [this](const char* name, std::uint64_t& field, std::uint64_t min,
+                              std::uint64_t max) {
+    const auto read = [&control = device_.control, &field] {
+      const std::lock_guard guard(control);
+      return toValue(field);
+    };
+    const auto write = [&control = device_.control, &field, min, max](const Value& value) {
+      require(whole(value) >= min && whole(value) <= max, GC_ERR_INVALID_VALUE,
+              "value out of range");
+      const std::lock_guard guard(control);
+      field = whole(value);
+    };
+    addOwn(name, read, write);
+  };
+  setting("AcquisitionMode", device_.mode, 0, 2);
+  setting("AcquisitionFrameCount", device_.pictures, 1, 0x7FFFFFFF);
+}
+
+void RemoteDevice::addTrigger() {
+  addOwn(
+      "TriggerMode", [this] { return toValue(triggered()); },
+      [this](const Value& on) {
+        if (whole(on) != 0) return trigger();
+        if (triggered()) activate(ATM_GENERATOR);
+      });
+  addOwn(
+      "TriggerSource", [this] { return source(); },
+      [this](const Value& value) {
+        constexpr std::uint64_t kLines = 8;
+        require(whole(value) <= kLines, GC_ERR_INVALID_VALUE, "no such source");
+        source_ = whole(value);
+        if (triggered()) trigger();
+      });
+}
+
+/// Without triggers, the design's generator paces the camera, or nothing does.
+void RemoteDevice::addFrameRate() {
+  addOwn(
+      "AcquisitionFrameRateEnable", [this] { return toValue(active() && !triggered()); },
+      [this](const Value& on) {
+        require(!triggered(), GC_ERR_ACCESS_DENIED, "TriggerMode is On");
+        if (whole(on) != 0) return activate(ATM_GENERATOR);
+        grabber_.setValue(FG_TRIGGERSTATE, port_, std::uint32_t{TS_ASYNC_STOP});
+      });
+  addOwn(
+      "AcquisitionFrameRate",
+      [this] { return grabber_.value<double>(FG_TRIGGER_FRAMESPERSECOND, port_); },
+      [this](const Value& rate) {
+        grabber_.setValue(FG_TRIGGER_FRAMESPERSECOND, port_, std::get<double>(rate));
+        if (!triggered()) activate(ATM_GENERATOR);
+      },
+      RegisterKind::kFloat);
+}
+
+bool RemoteDevice::writable() const { return !device_.readOnly; }
+
+bool RemoteDevice::active() { return grabber_.word(FG_TRIGGERSTATE, port_) == TS_ACTIVE; }
+
+bool RemoteDevice::triggered() {
+  return active() && grabber_.word(FG_AREATRIGGERMODE, port_) != ATM_GENERATOR;
+}
+
+void RemoteDevice::activate(std::uint32_t mode) {
+  grabber_.setValue(FG_AREATRIGGERMODE, port_, mode);
+  grabber_.setValue(FG_TRIGGERSTATE, port_, std::uint32_t{TS_ACTIVE});
+}
+
+void RemoteDevice::trigger() {
+  if (source_ == 0) return activate(ATM_SOFTWARE);
+  grabber_.setValue(FG_TRIGGERIN_SRC, port_, static_cast<std::uint32_t>(source_ - 1));
+  activate(ATM_EXTERNAL);
+}
+
+/// What the applet has, or what it will get when triggers are turned on.
+std::uint64_t RemoteDevice::source() {
+  const std::uint32_t mode = grabber_.word(FG_AREATRIGGERMODE, port_);
+  if (mode == ATM_SOFTWARE) source_ = 0;
+  if (mode == ATM_EXTERNAL) source_ = 1 + grabber_.word(FG_TRIGGERIN_SRC, port_);
+  return source_;
+}
+
+std::string RemoteDevice::readOther(std::uint64_t address) {
+  const std::uint64_t which = address & ~kLargestId;
+  const int parameter = static_cast<int>(address & kLargestId);
+  if (which == 0) return grabber_.get(parameter, port_);
+  if (which != kMin && which != kMax) return Module::readOther(address);
+  const auto [min, max] = grabber_.limits(parameter, port_);
+  return encoded(INFO_DATATYPE_UINT64, which == kMin ? min : max);
+}
+
+void RemoteDevice::writeOther(std::uint64_t address, std::string_view bytes) {
+  if (address > kLargestId) return Module::writeOther(address, bytes);
+  grabber_.set(static_cast<int>(address), port_, bytes);
+}
+
+void RemoteDevice::written(std::uint64_t address) {
+  const Register* const own = at(address);
+  const std::string feature =
+      own ? withoutSuffix(own->name) : grabber_.nameOf(static_cast<int>(address), port_);
+  for (const char* other : othersThan(feature))
+    device_.event(EVENT_FEATURE_INVALIDATE).fire(std::string(other) + '\0');
+}
+
+/// The applet's document with the standard features before it.
+std::string RemoteDevice::makeDocument() {
+  AppletLines lines(grabber_);
+  std::istringstream document(grabber_.document(port_));
+  std::string text;
+  for (std::string line; std::getline(document, line);) {
+    text += lines.adapted(line);
+    if (line.ends_with("GenApiSchema_Version_1_0.xsd\">"))
+      text += kStandardFeatures + eventNodes(grabber_, port_) + registerNodes();
+  }
+  return text.insert(text.rfind("<Port "), lines.nodes());
+}
+
+}  // namespace gentl
