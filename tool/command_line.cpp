@@ -6,8 +6,12 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <cerrno>
 #include <clocale>
 #include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
 #include <functional>
 #include <limits>
 #include <optional>
@@ -212,7 +216,12 @@ class CommandLine {
   void addStartOptions() {
     app_.add_option("--board", board_.design, "Use an external design")
         ->type_name("FILE")
-        ->check(CLI::ExistingFile.description(""))
+        ->check([](const std::string& file) {
+          const std::ifstream stream(file);
+          return !stream                               ? file + ": " + std::strerror(errno)
+                 : std::filesystem::is_directory(file) ? file + ": is a directory"
+                                                       : "";
+        })
         ->group(kBoardGroup);
     app_.add_flag("--no-defaults", board_.noDefaults,
                   "Do not write the parameters' defaults at start-up")
@@ -394,10 +403,11 @@ class CommandLine {
 
   void addProgramCommands() {
     CLI::App* const shell =
-        addPortCommand("shell", "Run commands on one board, line by line; `exit` ends it",
-                       [this](Session& session) { runShell(session, "-"); });
-    CLI::App* const script = addPortCommand("script", "Run the commands of a file on one board",
-                                            [this](Session& session) { runShell(session, word_); });
+        addBoardCommand("shell", "Run commands on one board, line by line; `exit` ends it",
+                        [this](Session& session) { runShell(session, "-"); });
+    CLI::App* const script =
+        addBoardCommand("script", "Run the commands of a file on one board",
+                        [this](Session& session) { runShell(session, word_); });
     for (CLI::App* command : {shell, script})
       command->add_flag("--continue", goOn_, "Go on after a line that fails");
     script->add_option("file", word_, "Lines of commands; - for standard input")
@@ -435,7 +445,8 @@ class CommandLine {
   CLI::App app_{
       "Opens the acquisition applet Velmora on a virtual board.\n"
       "Options may come before or after the command; every command has --help.\n"
-      "Exit status: 0, or 1 after an error, which is reported on standard error.",
+      "Exit status: 0, or 1 after an error, which is reported on standard error,\n"
+      "or 130 after Ctrl-C.",
       "velmora"};
   Host& host_;
   Place place_;

@@ -50,7 +50,8 @@ class PictureFiles {
       std::error_code error;
       fs::create_directories(output, error);
       if (!fs::is_directory(output))
-        throw Failure(fmt::format("{}: cannot be used as a directory", output));
+        throw Failure(fmt::format("{}: cannot be used as a directory: {}", output,
+                                  error ? error.message() : "it is a file"));
       pattern_ = fs::path(output) / "port{port}-{number}.png";
     }
     for (const auto& [mark, needed] : {std::pair{"{number}", true}, {"{port}", ports > 1}})
@@ -289,7 +290,11 @@ void runAll(std::deque<Channel>& channels, std::int64_t wanted) {
 void acquirePictures(Session& session, const Acquisition& acquisition) {
   std::optional<PictureFiles> files;
   if (!acquisition.output.empty()) files.emplace(acquisition.output, acquisition.ports.size());
-  for (const CameraFiles& camera : acquisition.cameras) playFiles(session, camera);
+  for (const CameraFiles& camera : acquisition.cameras) {
+    if (std::ranges::find(acquisition.ports, camera.port) == acquisition.ports.end())
+      throw Failure(fmt::format("--camera {}: that port does not acquire", camera.port));
+    playFiles(session, camera);
+  }
   const Interrupts interrupts;
   std::deque<Channel> channels;  // Channels do not move.
   for (const unsigned port : acquisition.ports)

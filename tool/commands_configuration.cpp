@@ -84,7 +84,7 @@ Json differencesJson(const std::string& file, const std::vector<LoadDifference>&
   Json list = Json::array();
   for (const LoadDifference& difference : differences)
     list.push_back({{"name", difference.name},
-                    {"port", difference.port},
+                    {"port", difference.port ? Json(*difference.port) : Json()},
                     {"line", difference.line},
                     {"text", difference.text},
                     {"reason", difference.reason},

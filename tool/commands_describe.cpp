@@ -35,7 +35,7 @@ void printLeaf(const RegisterInfo& node, std::size_t indent) {
   std::vector<std::string> pieces = entryTexts(node);
   if (const std::string range = rangeText(node); !range.empty()) pieces.push_back(range);
   for (std::string& piece : pieces) piece += &piece == &pieces.back() ? ';' : ',';
-  pieces.insert(pieces.begin(), fmt::format("{} \"{}\":", utf8(node.paramName), utf8(node.name)));
+  pieces.insert(pieces.begin(), {utf8(node.paramName), fmt::format("\"{}\":", utf8(node.name))});
   pieces.emplace_back(accessText(node));
   printFitting(indent, pieces);
 }

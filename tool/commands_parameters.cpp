@@ -68,11 +68,9 @@ void listTree(Session& session, unsigned port, Failures& failures) {
       continue;
     }
     const Parameter parameter = parameterOf(described, port);
-    std::string line =
-        fmt::format("{} = {}", parameter.name, valueOrDash(session, parameter, failures));
     std::string range = rangeText(node);
     if (limits(node)) range = fmt::format("({})", range);
-    printFitting(indent, {line, range});
+    printFitting(indent, {parameter.name + " =", valueOrDash(session, parameter, failures), range});
   }
 }
 

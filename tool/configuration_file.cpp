@@ -44,7 +44,7 @@ std::vector<ConfigurationEntry> readConfiguration(const std::string& file) {
   unsigned number = 0;
   for (std::string line; std::getline(stream, line);) {
     ++number;
-    if (const auto begun = sectionPort(line)) port = begun;
+    if (line.starts_with('[')) port = sectionPort(line);
     const auto equals = line.find('=');
     if (equals == std::string::npos) continue;
     const std::string before = line.substr(0, equals);
@@ -70,10 +70,10 @@ namespace {
 
 /// What keeps a name from being a configuration's; the last word has `open`, with `flags`.
 std::string whyNot(const std::string& file, int flags) {
-  if (file.find(".mcf") == std::string::npos) return "its name has to contain .mcf";
   std::error_code error;
   const auto status = std::filesystem::status(file, error);
   if (std::filesystem::is_directory(status)) return "it is a directory";
+  if (file.find(".mcf") == std::string::npos) return "its name has to contain .mcf";
   if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status))
     return "it is no regular file";
   const int opened = open(file.c_str(), flags | O_CLOEXEC | O_NONBLOCK);

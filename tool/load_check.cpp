@@ -5,6 +5,8 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cmath>
+#include <string_view>
 
 #include "board/control.h"
 #include "tool/configuration_file.h"
@@ -26,6 +28,9 @@ constexpr int kNotLoaded[] = {
     FG_MISSING_CAMERA_FRAME_RESPONSE_CLEAR,
     FG_DIGIO_OUTPUT,
 };
+
+constexpr std::string_view kHeaderKeys[] = {"ConfigFileVersion", "Hersteller",   "Typ",
+                                            "Version",           "LoadAppletId", "AktivePort"};
 
 /// Whether a load looks for a parameter. Direct-access parameters are not kept in files.
 bool isLoaded(Session& session, const std::string& name, int id) {
@@ -54,6 +59,14 @@ class Silence {
   int nowhere_;
 };
 
+/// Whether two values of a parameter are one: doubles as far as a file keeps them.
+bool sameValue(const Value& one, const Value& other) {
+  constexpr double kPrecision = 1e-11;
+  const auto* const a = std::get_if<double>(&one);
+  const auto* const b = std::get_if<double>(&other);
+  return a && b ? std::abs(*a - *b) <= kPrecision * std::abs(*a) : one == other;
+}
+
 std::string inForce(Session& session, const Parameter& parameter) {
   try {
     return showValue(parameter.node, readParameter(session, parameter));
@@ -75,11 +88,13 @@ class Trial {
     if (!isPlainNumber(parameter, text)) return fmt::format("'{}' is no usable number", text);
     const DesignWrites tried;
     try {
-      writeParameter(session_, findParameter(session_, parameter.name, parameter.port), text);
+      const Parameter own = findParameter(session_, parameter.name, parameter.port);
+      writeParameter(session_, own, text);
+      if (!sameValue(readParameter(real_, parameter), readParameter(session_, own)))
+        return "not taken over";
     } catch (const Failure& failure) {
       return std::string(failure.what()).substr(parameter.label().size() + 2);
     }
-    if (inForce(real_, parameter) != inForce(session_, parameter)) return "not taken over";
     const auto missing = tried.missingIn(written_);
     return missing.empty()
                ? ""
@@ -108,8 +123,13 @@ class Comparison {
   }
 
   std::vector<LoadDifference> run() {
-    for (const ConfigurationEntry& entry : entries_)
-      if (entry.port) check(entry);
+    for (const ConfigurationEntry& entry : entries_) {
+      if (entry.port)
+        check(entry);
+      else if (std::ranges::find(kHeaderKeys, entry.key) == std::end(kHeaderKeys))
+        differences_.push_back({entry.line, entry.key, std::nullopt, entry.text,
+                                "in no port's section, never loaded", ""});
+    }
     for (unsigned port = 0; port < kPorts; ++port)
       for (const std::string& key : loaded_)
         if (!seen_.contains({key, port})) checkMissing(key, port);
@@ -135,12 +155,12 @@ class Comparison {
 
   /// A key that its section lacks is taken from a later one.
   void checkMissing(const std::string& key, unsigned port) {
-    const auto later = std::ranges::find_if(entries_, [&](const ConfigurationEntry& entry) {
-      return entry.usual && entry.key == key && entry.port.value_or(0) > port;
+    const auto own = std::find_if(entries_.rbegin(), entries_.rend(),
+                                  [port](const auto& entry) { return entry.port == port; });
+    const auto later = std::find_if(own.base(), entries_.end(), [&key](const auto& entry) {
+      return entry.usual && entry.key == key;
     });
-    if (later != entries_.end())
-      add(*later, find(key, port), port,
-          fmt::format("taken from section [Port {}]", static_cast<char>('A' + *later->port)));
+    if (later != entries_.end()) add(*later, find(key, port), port, "taken from a later section");
   }
 
   void add(const ConfigurationEntry& entry, const std::optional<Parameter>& parameter,
@@ -175,8 +195,8 @@ class Comparison {
 }  // namespace
 
 std::string LoadDifference::message() const {
-  return fmt::format("{}@{}={} (line {}): {}{}", name, port, text, line, reason,
-                     value.empty() ? "" : "; in force: " + value);
+  return fmt::format("{}{}={} (line {}): {}{}", name, port ? fmt::format("@{}", *port) : "", text,
+                     line, reason, value.empty() ? "" : "; the setting is " + value);
 }
 
 std::vector<std::string> loadedKeys(Session& session) {

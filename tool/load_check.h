@@ -1,6 +1,7 @@
 /// Whether a load did what its file says.
 #pragma once
 
+#include <optional>
 #include <set>
 #include <string>
 #include <utility>
@@ -14,12 +15,12 @@ namespace velmora::tool {
 struct LoadDifference {
   unsigned line;
   std::string name;
-  unsigned port;
-  std::string text;  ///< What the file says.
+  std::optional<unsigned> port;  ///< None before the first section of a port.
+  std::string text;              ///< What the file says.
   std::string reason;
-  std::string value;  ///< What is in force instead; empty where that cannot be read.
+  std::string value;  ///< What the setting is instead; empty where that cannot be read.
 
-  /// "FG_WIDTH@2=657 (line 134): refused: ..., in force: 657"
+  /// "FG_WIDTH@2=657 (line 134): refused: ...; the setting is 657"
   std::string message() const;
 };
 

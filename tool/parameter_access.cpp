@@ -39,14 +39,18 @@ std::optional<std::string> listedName(Session& session, const std::string& name)
   return std::nullopt;
 }
 
-/// Names that are almost this one, such as "; did you mean FG_WIDTH?".
+/// Names that are almost this one or contain it, such as "; did you mean FG_WIDTH?".
 std::string similarNames(Session& session, const std::string& name) {
   constexpr std::size_t kMostNames = 3;
+  const std::string part = name.substr(equalIgnoringCase(name.substr(0, 3), "FG_") ? 3 : 0);
   const auto& library = session.library();
   std::vector<std::pair<std::size_t, std::string>> near;
   for (int i = 0; i < library.parameterCount(session.grabber()); ++i) {
     const std::string listed = utf8(library.parameterName(session.grabber(), i));
-    const auto distance = std::min(editDistance(listed, name), editDistance(listed, "FG_" + name));
+    const std::size_t distance =
+        containsIgnoringCase(listed, part)
+            ? 0
+            : std::min(editDistance(listed, name), editDistance(listed, "FG_" + name));
     if (distance <= 1 + name.size() / 5) near.emplace_back(distance, listed);
   }
   std::ranges::sort(near);

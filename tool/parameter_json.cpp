@@ -61,7 +61,10 @@ Json parameterJson(Session& session, const Parameter& parameter) {
   }
   json["id"] = parameter.id;
   json["kind"] = valueKind(parameter.node, parameter.id).word;
-  if (parameter.node) addDescription(json, *parameter.node);
+  if (parameter.node)
+    addDescription(json, *parameter.node);
+  else
+    json["access"] = "read";
   return json;
 }
 

@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <memory>
@@ -18,10 +19,15 @@
 namespace velmora::tool {
 namespace {
 
-/// The words of a line as a shell reads them, without running commands; none for a bad one.
+/// The words of a line as a shell reads them, without running commands; none for a bad one, with a
+/// message.
 std::optional<std::vector<std::string>> wordsOf(const std::string& line) {
   wordexp_t expanded{};
   const int error = wordexp(line.c_str(), &expanded, WRDE_NOCMD);
+  if (error == WRDE_SYNTAX)
+    printError("velmora: a quote is not closed: " + line);
+  else if (error != 0)
+    printError("velmora: characters such as | & ; < > ( ) { } have to be quoted: " + line);
   std::vector<std::string> words;
   if (error == 0) words.assign(expanded.we_wordv, expanded.we_wordv + expanded.we_wordc);
   if (error == 0 || error == WRDE_NOSPACE) wordfree(&expanded);
@@ -37,10 +43,7 @@ bool isComment(const std::string& line) {
 std::optional<int> runText(const std::string& line, const RunLine& runLine) {
   if (isComment(line)) return 0;
   const auto words = wordsOf(line);
-  if (!words) {
-    printError("velmora: characters such as | & ; < > ( ) { } have to be quoted: " + line);
-    return 1;
-  }
+  if (!words) return 1;
   if (*words == std::vector<std::string>{"exit"}) return std::nullopt;
   return runLine(*words);
 }
@@ -70,16 +73,20 @@ int runScript(const std::string& file, bool goOn, const RunLine& runLine) {
   std::ifstream stream;
   if (file != "-") {
     stream.open(file);
+    if (std::filesystem::is_directory(file)) throw Failure(file + ": is a directory");
     if (!stream) throw Failure(fmt::format("{}: {}", file, std::strerror(errno)));
   }
   std::istream& lines = file == "-" ? std::cin : stream;
   int status = 0;
   unsigned number = 0;
-  for (std::string line; (goOn || status == 0) && std::getline(lines, line);) {
+  bool interrupted = false;
+  for (std::string line; !interrupted && (goOn || status == 0) && std::getline(lines, line);) {
     ++number;
+    if (line.ends_with('\r')) line.pop_back();
     const auto result = runText(line, runLine);
     if (!result) break;
     if (*result == 0) continue;
+    interrupted = *result > 128;
     printError(fmt::format("velmora: {}, line {}: {}", file == "-" ? "standard input" : file,
                            number, line));
     if (status == 0) status = *result;

@@ -54,6 +54,7 @@ void playFiles(Session& session, const CameraFiles& camera) {
   std::error_code error;
   for (const auto& entry : fs::directory_iterator(camera.directory, error))
     if (entry.path().extension() == ".png") names.push_back(entry.path());
+  if (error) throw Failure(fmt::format("{}: {}", camera.directory, error.message()));
   if (names.empty()) throw Failure(fmt::format("{}: no PNG files", camera.directory));
   std::ranges::sort(names);
   std::vector<RawPicture> raw;

@@ -77,6 +77,11 @@ bool equalIgnoringCase(std::string_view one, std::string_view other) {
   return std::ranges::equal(one, other, {}, upper, upper);
 }
 
+bool containsIgnoringCase(std::string_view text, std::string_view part) {
+  const auto equal = [](char a, char b) { return upper(a) == upper(b); };
+  return part.size() >= 2 && !std::ranges::search(text, part, equal).empty();
+}
+
 std::size_t editDistance(std::string_view one, std::string_view other) {
   std::vector<std::size_t> row(other.size() + 1);
   std::iota(row.begin(), row.end(), std::size_t{0});

@@ -24,6 +24,8 @@ std::optional<Number> parseWhole(std::string_view text, Base... base) {
 
 /// Of ASCII letters.
 bool equalIgnoringCase(std::string_view one, std::string_view other);
+/// Whether a text of at least two letters is part of the other.
+bool containsIgnoringCase(std::string_view text, std::string_view part);
 /// Number of letters to insert, remove or replace to make one text of the other, in any case.
 std::size_t editDistance(std::string_view one, std::string_view other);
 
