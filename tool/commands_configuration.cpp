@@ -56,7 +56,7 @@ std::string missingInPorts(Session& session, Fg_ConfigFileParser& parser) {
 
 /// Why a load failed, as far as its code does not tell; may be empty.
 std::string reason(Session& session, const std::string& file) {
-  if (const std::string why = whyUnreadable(file); !why.empty()) return why;
+  if (std::string why = whyUnreadable(file); !why.empty()) return why;
   Fg_ConfigFileParser parser(nullptr, file.c_str(), true);
   std::string missing = missingInHeader(session.library(), parser);
   if (missing.empty()) missing = missingInPorts(session, parser);

@@ -88,7 +88,7 @@ std::string whyUnreadable(const std::string& file) { return whyNot(file, O_RDONL
 
 std::string whyUnwritable(const std::string& file) {
   const auto directory = std::filesystem::path(file).parent_path();
-  const std::string why = whyNot(file, O_WRONLY);
+  std::string why = whyNot(file, O_WRONLY);
   if (why != std::strerror(ENOENT)) return why;
   // A new file needs a place.
   return access(directory.empty() ? "." : directory.c_str(), W_OK) == 0 ? "" : std::strerror(errno);

@@ -79,7 +79,8 @@ bool equalIgnoringCase(std::string_view one, std::string_view other) {
 
 bool containsIgnoringCase(std::string_view text, std::string_view part) {
   const auto equal = [](char a, char b) { return upper(a) == upper(b); };
-  return part.size() >= 2 && !std::ranges::search(text, part, equal).empty();
+  return part.size() >= 2 &&
+         std::search(text.begin(), text.end(), part.begin(), part.end(), equal) != text.end();
 }
 
 std::size_t editDistance(std::string_view one, std::string_view other) {
