@@ -145,11 +145,8 @@ std::vector<ReadValue> readParameters(Session& session, const std::vector<std::s
   std::vector<ReadValue> values;
   for (const std::string& text : names) {
     try {
-      const ParameterName name = parseParameterName(text);
-      for (const unsigned port : name.port ? std::vector{*name.port} : ports) {
-        const Parameter parameter = findParameter(session, name.name, port);
+      for (const Parameter& parameter : findParameters(session, parseParameterName(text), ports))
         values.push_back({parameter, readParameter(session, parameter)});
-      }
     } catch (const Failure& failure) {
       failures.add(failure);
     }

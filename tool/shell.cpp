@@ -102,8 +102,9 @@ int runTerminal(const RunLine& runLine, const Complete& complete) {
   rl_completer_word_break_characters = const_cast<char*>(" \t=@");
   while (const std::unique_ptr<char, Free> line{readline("velmora> ")}) {
     if (!isComment(line.get())) add_history(line.get());
-    if (!runText(line.get(), runLine)) break;
+    if (!runText(line.get(), runLine)) return 0;
   }
+  printLine("");  // Behind the prompt of the line that never came.
   return 0;
 }
 
