@@ -29,10 +29,11 @@ std::string take(std::string_view& rest, std::string_view separator) {
   return taken;
 }
 
-/// Arguments that stay in the working directory and, when pictures are acquired, end soon.
+/// Arguments that stay in the working directory, serve nobody and, when pictures are acquired, end
+/// soon.
 bool harmless(const std::vector<std::string>& arguments) {
   const bool acquires = std::ranges::count(arguments, "acquire") > 0;
-  return arguments.size() <= kMostArguments &&
+  return arguments.size() <= kMostArguments && std::ranges::count(arguments, "view") == 0 &&
          std::ranges::none_of(arguments, [acquires](const std::string& argument) {
            const auto digits = std::ranges::count_if(
                argument, [](unsigned char c) { return c >= '0' && c <= '9'; });

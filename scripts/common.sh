@@ -10,6 +10,8 @@ demo_packages=(
   "libcli11-dev:/usr/include/CLI/CLI.hpp"
   "libfmt-dev:/usr/include/fmt/core.h"
   "nlohmann-json3-dev:/usr/include/nlohmann/json.hpp"
+  "libcpp-httplib-dev:/usr/include/httplib.h"
+  "libturbojpeg0-dev:/usr/include/turbojpeg.h"
   "libedit-dev:/usr/include/editline/readline.h"
   "pkg-config:/usr/bin/pkg-config"
   "libspdlog-dev:/usr/include/spdlog/spdlog.h"

@@ -28,6 +28,7 @@
 #include "tool/manual.h"
 #include "tool/shell.h"
 #include "tool/text.h"
+#include "tool/view_server.h"
 
 namespace {
 
@@ -45,25 +46,6 @@ int report(const Failure& failure, int status) {
   std::fflush(stdout);
   for (const std::string& message : failure.messages()) report(message);
   return status;
-}
-
-/// The ports of "0,2" or "all", each once; none for another text.
-std::optional<std::vector<unsigned>> parsePorts(const std::string& text) {
-  std::vector<unsigned> ports;
-  const auto add = [&ports](unsigned port) {
-    if (std::ranges::find(ports, port) == ports.end()) ports.push_back(port);
-  };
-  std::istringstream parts(text + ',');
-  for (std::string part; std::getline(parts, part, ',');) {
-    const auto port = parseWhole<unsigned>(part);
-    if (part == "all")
-      for (unsigned each = 0; each < velmora::kPorts; ++each) add(each);
-    else if (port && *port < velmora::kPorts)
-      add(*port);
-    else
-      return std::nullopt;
-  }
-  return ports;
 }
 
 /// With the option before each of the assignments that follow a --set.
@@ -108,7 +90,9 @@ class CommandLine {
     addDescriptionCommands();
     addAcquire();
     addConfigurationCommands();
-    if (place == Place::kProgram) addProgramCommands();
+    if (place == Place::kShell) return;
+    addView();
+    addProgramCommands();
   }
 
   /// Exit status.
@@ -401,6 +385,17 @@ class CommandLine {
     addJson(load);
   }
 
+  void addView() {
+    addBoardCommand("view", "Show the ports live in a browser, until Ctrl-C",
+                    [this](Session& session) { viewBoard(session, listen_); })
+        ->add_option("--listen", listen_, "Address and port to listen on")
+        ->type_name("HOST:PORT")
+        ->capture_default_str()
+        ->check([](const std::string& text) {
+          return parseListenAddress(text) ? "" : "'" + text + "' is no HOST:PORT";
+        });
+  }
+
   void addProgramCommands() {
     CLI::App* const shell =
         addBoardCommand("shell", "Run commands on one board, line by line; `exit` ends it",
@@ -465,6 +460,7 @@ class CommandLine {
   bool flat_ = false;
   bool goOn_ = false;
   std::string icon_;
+  std::string listen_ = "127.0.0.1:8077";
   std::string output_;
   std::string word_;
   std::vector<std::string> words_;

@@ -66,4 +66,8 @@ struct LoadForm {
 /// value of the file that is not in force afterwards.
 void loadConfiguration(Session& session, const std::string& file, const LoadForm& form);
 
+/// Shows the ports in a browser, which may change them, until a signal ends it.
+/// @param listen a text that `parseListenAddress` knows.
+void viewBoard(Session& session, const std::string& listen);
+
 }  // namespace velmora::tool

@@ -19,12 +19,11 @@
 #include "tool/commands.h"
 #include "tool/interrupts.h"
 #include "tool/parameter_json.h"
+#include "tool/picture_memory.h"
 #include "tool/png_file.h"
 #include "tool/stimuli.h"
 #include "tool/text.h"
 #include "velmora/errors.h"
-#include "velmora/parameters.h"
-#include "velmora/values.h"
 
 namespace velmora::tool {
 namespace {
@@ -71,10 +70,6 @@ class PictureFiles {
   std::string pattern_;
 };
 
-struct DestroyMemory {
-  void operator()(VirtualBoardMemory* memory) const { VirtualBoard_destroyMemory(memory); }
-};
-
 /// One port's acquisition; runs on threads of its own, since waiting and writing block. What they
 /// do not write in time is lost, and counted.
 class Channel {
@@ -82,12 +77,7 @@ class Channel {
   Channel(Session& session, const Acquisition& acquisition, const PictureFiles* files,
           unsigned port)
       : session_(session), acquisition_(acquisition), files_(files), port_(port) {
-    if (!files_) return;
-    std::uint64_t bytes = 0;
-    session.library().getParameter(session.grabber(), FG_TRANSFER_LEN, &bytes, port,
-                                   FG_PARAM_TYPE_UINT64);
-    memory_.reset(VirtualBoard_createMemory(kBuffers, bytes, nullptr));
-    if (!memory_) throw Failure(fmt::format("port {}: no memory for its pictures", port));
+    if (files_) memory_ = createMemory(port, kBuffers, transferLength(session, port));
   }
 
   Channel(const Channel&) = delete;
@@ -218,7 +208,7 @@ class Channel {
   const Acquisition& acquisition_;
   const PictureFiles* files_;
   unsigned port_;
-  std::unique_ptr<VirtualBoardMemory, DestroyMemory> memory_;
+  PictureMemory memory_;
   Clock::time_point begin_{};
   bool started_ = false;
   std::atomic<std::int64_t> pictures_{0};

@@ -82,19 +82,6 @@ Json allJson(Session& session, const std::vector<unsigned>& ports) {
   return list;
 }
 
-/// Calls `done` for every parameter that was set.
-template <class Done>
-void assign(Session& session, const std::vector<std::string>& assignments,
-            const std::vector<unsigned>& ports, const Done& done) {
-  for (const std::string& text : assignments) {
-    const Assignment assignment = parseAssignment(text);
-    for (const Parameter& parameter : findParameters(session, assignment.target, ports)) {
-      writeParameter(session, parameter, assignment.value);
-      done(parameter);
-    }
-  }
-}
-
 void show(const std::vector<ReadValue>& values, bool json) {
   if (json)
     printJson(valuesJson(values));
@@ -123,19 +110,15 @@ void getParameters(Session& session, const std::vector<std::string>& names,
 
 void assignParameters(Session& session, const std::vector<std::string>& assignments,
                       const std::vector<unsigned>& ports) {
-  assign(session, assignments, ports, [](const Parameter&) {});
+  Failures failures;
+  writeParameters(session, assignments, ports, failures);
+  failures.throwIfAny();
 }
 
 void setParameters(Session& session, const std::vector<std::string>& assignments,
                    const std::vector<unsigned>& ports, bool json) {
-  std::vector<std::string> written;
   Failures failures;
-  try {
-    assign(session, assignments, ports,
-           [&written](const Parameter& parameter) { written.push_back(parameter.label()); });
-  } catch (const Failure& failure) {
-    failures.add(failure);
-  }
+  const auto written = writeParameters(session, assignments, ports, failures);
   show(readParameters(session, written, ports, failures), json);
   failures.throwIfAny();
 }

@@ -80,6 +80,24 @@ std::string takeString(Session& session, const Parameter& parameter, int id, cha
 
 }  // namespace
 
+std::optional<std::vector<unsigned>> parsePorts(const std::string& text) {
+  std::vector<unsigned> ports;
+  const auto add = [&ports](unsigned port) {
+    if (std::ranges::find(ports, port) == ports.end()) ports.push_back(port);
+  };
+  std::istringstream parts(text + ',');
+  for (std::string part; std::getline(parts, part, ',');) {
+    const auto port = parseWhole<unsigned>(part);
+    if (part == "all")
+      for (unsigned each = 0; each < kPorts; ++each) add(each);
+    else if (port && *port < kPorts)
+      add(*port);
+    else
+      return std::nullopt;
+  }
+  return ports;
+}
+
 ParameterName parseParameterName(const std::string& text) {
   const auto at = text.find('@');
   ParameterName parsed{text.substr(0, at), std::nullopt};
@@ -176,6 +194,24 @@ void writeParameter(Session& session, const Parameter& parameter, const std::str
   if (code != 0)
     throw Failure(fmt::format("{}: refused: {}{}", parameter.label(), codeText(code),
                               accepted(parameter, code)));
+}
+
+std::vector<std::string> writeParameters(Session& session,
+                                         const std::vector<std::string>& assignments,
+                                         const std::vector<unsigned>& ports, Failures& failures) {
+  std::vector<std::string> written;
+  try {
+    for (const std::string& text : assignments) {
+      const Assignment assignment = parseAssignment(text);
+      for (const Parameter& parameter : findParameters(session, assignment.target, ports)) {
+        writeParameter(session, parameter, assignment.value);
+        written.push_back(parameter.label());
+      }
+    }
+  } catch (const Failure& failure) {
+    failures.add(failure);
+  }
+  return written;
 }
 
 std::string parameterText(Session& session, const Parameter& parameter) {

@@ -11,6 +11,9 @@
 
 namespace velmora::tool {
 
+/// The ports of "0,2" or "all", each once; none for another text.
+std::optional<std::vector<unsigned>> parsePorts(const std::string& text);
+
 /// NAME or NAME@PORT.
 struct ParameterName {
   std::string name;
@@ -62,6 +65,11 @@ std::vector<ReadValue> readParameters(Session& session, const std::vector<std::s
 void printValues(const std::vector<ReadValue>& values);
 /// Sets a value given as text; `Failure` with the applet's code, or when the text is no value.
 void writeParameter(Session& session, const Parameter& parameter, const std::string& value);
+/// Sets parameters, NAME=VALUE or NAME@PORT=VALUE, in order until one is refused, which `failures`
+/// is told; on `ports` where an assignment names none. Returns the labels of those that were set.
+std::vector<std::string> writeParameters(Session& session,
+                                         const std::vector<std::string>& assignments,
+                                         const std::vector<unsigned>& ports, Failures& failures);
 
 /// The applet's text about a parameter, in UTF-8; empty when it has none.
 std::string parameterText(Session& session, const Parameter& parameter);

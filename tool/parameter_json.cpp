@@ -82,9 +82,13 @@ Json treeJson(Session& session, unsigned port) {
   return tree;
 }
 
-void printJson(const Json& document) {
+std::string jsonText(const Json& document, int indent) {
   // Texts of others need not be UTF-8.
-  const std::string text = document.dump(2, ' ', false, Json::error_handler_t::replace);
+  return document.dump(indent, ' ', false, Json::error_handler_t::replace);
+}
+
+void printJson(const Json& document) {
+  const std::string text = jsonText(document, 2);
   std::fwrite(text.data(), 1, text.size(), stdout);
   std::fputc('\n', stdout);
 }

@@ -24,6 +24,8 @@ Json parameterJson(Session& session, const Parameter& parameter);
 /// form or a parameter.
 Json treeJson(Session& session, unsigned port);
 
+/// A document as text, on one line unless its parts are indented.
+std::string jsonText(const Json& document, int indent = -1);
 /// Writes a document to standard output.
 void printJson(const Json& document);
 

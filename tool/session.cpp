@@ -4,13 +4,12 @@
 #include <signal.h>
 #include <stdlib.h>
 
-#include <cerrno>
-#include <cstring>
 #include <filesystem>
 #include <optional>
 #include <utility>
 
 #include "tool/code_text.h"
+#include "tool/scratch_directory.h"
 #include "tool/text.h"
 
 namespace velmora::tool {
@@ -21,27 +20,6 @@ namespace fs = std::filesystem;
 // The applet loads a file of this name from the working directory when the variable exists.
 constexpr const char* kExternalDesignName = "Velmora.hap";
 constexpr const char* kExternalDesignVariable = "__KORV_FORCE_EXTERNAL_HAP";
-
-class ScratchDirectory {
- public:
-  ScratchDirectory() {
-    std::string name = fs::temp_directory_path() / "velmora-XXXXXX";
-    if (!mkdtemp(name.data()))
-      throw Failure(fmt::format("cannot create {}: {}", name, std::strerror(errno)));
-    path_ = name;
-  }
-  ScratchDirectory(const ScratchDirectory&) = delete;
-  ScratchDirectory& operator=(const ScratchDirectory&) = delete;
-  ~ScratchDirectory() {
-    std::error_code ignored;
-    fs::remove_all(path_, ignored);
-  }
-
-  const fs::path& path() const { return path_; }
-
- private:
-  fs::path path_;
-};
 
 /// While it lives, signals to this thread wait: none ends the process.
 class SignalsBlocked {

@@ -1,0 +1,128 @@
+#include "tool/live_port.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "tool/code_text.h"
+#include "velmora/errors.h"
+#include "velmora/status.h"
+
+namespace velmora::tool {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+using Seconds = std::chrono::duration<double>;
+
+constexpr std::uint64_t kMemory = std::uint64_t{128} << 20;  ///< Bytes of a port's buffers.
+constexpr std::uint64_t kFewestBuffers = 3;
+constexpr std::uint64_t kMostBuffers = 16;
+
+constexpr std::int64_t kWithoutEnd = -1;
+constexpr Seconds kWait{0.2};
+/// Between two pictures that are shown: of what somebody looks at, and otherwise.
+constexpr std::chrono::milliseconds kWatched{40};
+constexpr std::chrono::milliseconds kUnwatched{1000};
+
+constexpr std::int64_t kWindow = 2'000'000'000;  ///< Of the rate, in nanoseconds.
+constexpr std::size_t kMostTimes = 64;
+
+}  // namespace
+
+void RateMeter::add(std::int64_t time) {
+  last_ = Clock::now();
+  times_.push_back(time);
+  while (times_.size() > kMostTimes || (times_.size() > 2 && time - times_.front() > kWindow))
+    times_.pop_front();
+}
+
+double RateMeter::rate() const {
+  if (times_.size() < 2) return 0;
+  const auto span = times_.back() - times_.front();
+  const auto intervals = static_cast<std::int64_t>(times_.size() - 1);
+  const bool over =
+      Clock::now() - last_ > std::chrono::nanoseconds(std::max(kWindow, 2 * span / intervals));
+  return over || span <= 0 ? 0 : 1e9 * static_cast<double>(intervals) / static_cast<double>(span);
+}
+
+void LivePort::start() {
+  if (memory_) return;
+  bytes_ = transferLength(session_, port_);
+  const auto buffers =
+      std::clamp(kMemory / std::max<std::uint64_t>(bytes_, 1), kFewestBuffers, kMostBuffers);
+  PictureMemory memory = createMemory(port_, static_cast<std::uint32_t>(buffers), bytes_);
+  {
+    const std::lock_guard guard(mutex_);
+    number_ = incomplete_ = 0;
+    meter_ = {};
+  }
+  const int code =
+      session_.library().acquire(session_.grabber(), port_, kWithoutEnd, 0, memory.get());
+  if (code < 0) throw Failure(fmt::format("port {}: start: {}", port_, codeText(code)));
+  memory_ = std::move(memory);
+  taker_ = std::jthread([this] { takeAll(); });
+}
+
+void LivePort::stop() {
+  if (!memory_) return;
+  session_.library().stopAcquire(session_.grabber(), port_, 0, 0);
+  taker_.join();
+  memory_.reset();
+}
+
+void LivePort::fitBuffers() {
+  if (!memory_ || transferLength(session_, port_) <= bytes_) return;
+  stop();
+  start();
+}
+
+Json LivePort::state() {
+  const std::int64_t lost =
+      session_.library().status(session_.grabber(), VELMORA_STATUS_LOST_PICTURES, 0,
+                                static_cast<std::int32_t>(port_), nullptr);
+  const std::lock_guard guard(mutex_);
+  return {{"port", port_},
+          {"acquiring", memory_ != nullptr},
+          {"pictures", number_},
+          {"rate", memory_ ? meter_.rate() : 0.0},
+          {"lost", std::max<std::int64_t>(lost, 0)},
+          {"incomplete", incomplete_}};
+}
+
+/// Keeps a picture until the next may be shown, and the last one in any case.
+void LivePort::takeAll() {
+  std::optional<VirtualBoardPicture> kept;
+  Clock::time_point shown{};
+  for (bool ended = false; !ended;) {
+    const Clock::time_point due = shown + (pictures_.watched() ? kWatched : kUnwatched);
+    const Seconds wait = kept ? Seconds(due - Clock::now()) : kWait;
+    VirtualBoardPicture picture{};
+    const int code = VirtualBoard_takePicture(
+        memory_.get(), std::clamp(wait, Seconds{0}, kWait).count(), &picture);
+    ended = code != VELMORA_OK && code != VELMORA_BOARD_TIMEOUT;
+    if (code == VELMORA_OK) {
+      if (kept) VirtualBoard_returnBuffer(memory_.get(), kept->buffer);
+      kept = picture;
+      note(picture);
+    }
+    if (!kept || (Clock::now() < due && !ended)) continue;
+    show(*kept);
+    shown = Clock::now();
+    VirtualBoard_returnBuffer(memory_.get(), kept->buffer);
+    kept.reset();
+  }
+}
+
+void LivePort::note(const VirtualBoardPicture& picture) {
+  const std::lock_guard guard(mutex_);
+  number_ = picture.number;
+  if (picture.complete == 0) ++incomplete_;
+  meter_.add(picture.time);
+}
+
+void LivePort::show(const VirtualBoardPicture& picture) {
+  if (picture.complete == 0) return;
+  if (std::string jpeg = encoder_.encode(picture); !jpeg.empty())
+    pictures_.publish({port_, picture.number, 0, std::move(jpeg)});
+}
+
+}  // namespace velmora::tool
