@@ -46,6 +46,14 @@ install_missing() {
     apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
 }
 
+# What the test of the page needs: Chromium, and the module that drives it.
+install_browser() {
+  install_missing "chromium:/usr/bin/chromium" "nodejs:/usr/bin/node" "npm:/usr/bin/npm"
+  [ -e build/browser/node_modules/playwright-core ] ||
+    npm install --no-save --no-audit --no-fund --loglevel=error --prefix build/browser \
+      playwright-core@1.65.1 >/dev/null
+}
+
 # build PRESET [TARGET...]
 build() {
   local preset=$1
