@@ -284,9 +284,11 @@ async function choose(port) {
   find('events').textContent = `Events of port ${port} and the inputs`;
   find('counts').replaceChildren();
   counts.forEach(showEvent);
+  // Until the tree is there, none of another port may be changed by mistake.
+  rows = new Map();
+  find('tree').replaceChildren();
   const [tree] = await (await fetch(`describe?port=${port}`)).json();
   if (port !== chosen) return;
-  rows = new Map();
   find('tree').replaceChildren(...tree.children.map(addTree));
   filter();
 }
@@ -342,8 +344,13 @@ function connect() {
   disconnect();
   if (document.hidden) return;
   const changes = new EventSource('changes');
-  changes.onopen = () => say('Connected');
-  changes.onerror = () => say('Connection lost, trying again');
+  let lost = false;
+  // What answers after a loss may be another server, with a token of its own.
+  changes.onopen = () => lost ? location.reload() : say('Connected');
+  changes.onerror = () => {
+    lost = changes.readyState === EventSource.CONNECTING;
+    say(lost ? 'Connection lost, trying again' : 'velmora takes no more viewers; load the page again later');
+  };
   changes.onmessage = ({data}) => apply(JSON.parse(data));
   const ending = new AbortController();
   disconnect = () => {
