@@ -24,7 +24,8 @@ class View : public testing::Test {
   View() {
     const std::string tool = TOOL;
     const std::string command = "echo $$; export LD_LIBRARY_PATH='" LIBRARIES "'; exec '" + tool +
-                                "' view --listen 127.0.0.1:0 --set FG_WIDTH@2=640 2>/dev/null";
+                                "' view --listen 127.0.0.1:0 --port all --set FG_WIDTH=64 "
+                                "FG_HEIGHT=64 FG_WIDTH@2=640 2>/dev/null";
     process_ = popen(command.c_str(), "r");
     pid_ = std::stoi(line());
     const std::string url = line();
@@ -53,6 +54,10 @@ class View : public testing::Test {
   }
   Json post(const std::string& path, const std::string& body, int status = 200) const {
     const auto answer = client().Post(path, {{"X-Velmora-Token", token_}}, body, "text/plain");
+    if (!answer) {
+      ADD_FAILURE() << path << ": no answer";
+      return {};
+    }
     EXPECT_EQ(answer->status, status) << answer->body;
     return Json::parse(answer->body);
   }
@@ -134,7 +139,7 @@ class View : public testing::Test {
 
 TEST_F(View, ShowsAndChangesWhatTheToolDoes) {
   EXPECT_EQ(valueOf("FG_WIDTH", 2), 640);
-  waitForPicture(2, 640, 1024);
+  waitForPicture(2, 640, 64);
   EXPECT_EQ(set({"FG_WIDTH@1=512", "FG_HEIGHT@1=100"})["values"][1],
             Json::parse(R"({"name": "FG_HEIGHT", "port": 1, "value": 100, "unit": "pixel"})"));
   waitForPicture(1, 512, 100);
@@ -151,7 +156,7 @@ TEST_F(View, ShowsAndChangesWhatTheToolDoes) {
       refused["failures"],
       Json({"FG_WIDTH@3: refused: -7080, value breaks a step rule: 8 to 8192 pixel, step 4"}));
   EXPECT_EQ(valueOf("FG_WIDTH", 3), 1000);
-  EXPECT_EQ(valueOf("FG_HEIGHT", 3), 1024);
+  EXPECT_EQ(valueOf("FG_HEIGHT", 3), 64);
   const Json tree = Json::parse(client().Get("/describe?port=3")->body);
   EXPECT_EQ(tree[0]["children"][1]["children"][0]["value"], 1000);
 }
@@ -187,7 +192,7 @@ TEST_F(View, SavesAndLoads) {
   set({"FG_WIDTH@2=1000"});
   EXPECT_EQ(post("/load", file), Json::parse(R"({"ports": 4, "differences": [], "failures": []})"));
   EXPECT_EQ(valueOf("FG_WIDTH", 2), 640);
-  file.replace(file.find("FG_WIDTH=1024"), 13, "FG_WIDTH=17");
+  file.replace(file.find("FG_WIDTH=64"), 11, "FG_WIDTH=17");
   const Json differences = post("/load", file)["differences"];
   ASSERT_EQ(differences.size(), 1u);
   EXPECT_EQ(differences[0]["text"], "17");
@@ -265,7 +270,7 @@ TEST_F(View, BoundsItsViewersAndOutlivesThoseThatDoNotRead) {
     if (change["ports"].empty()) return false;
     const auto number = change["ports"][0]["pictures"].get<std::int64_t>();
     if (begin < 0) begin = number;
-    return number > begin + 60;
+    return number > begin + 16;
   });
   viewers.clear();
   // Without pictures no viewer is given up.

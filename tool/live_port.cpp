@@ -59,13 +59,13 @@ void LivePort::start() {
       session_.library().acquire(session_.grabber(), port_, kWithoutEnd, 0, memory.get());
   if (code < 0) throw Failure(fmt::format("port {}: start: {}", port_, codeText(code)));
   memory_ = std::move(memory);
-  taker_ = std::jthread([this] { takeAll(); });
+  taker_ = std::jthread([this](const std::stop_token& stop) { takeAll(stop); });
 }
 
 void LivePort::stop() {
   if (!memory_) return;
   session_.library().stopAcquire(session_.grabber(), port_, 0, 0);
-  taker_.join();
+  taker_ = {};
   memory_.reset();
 }
 
@@ -89,27 +89,31 @@ Json LivePort::state() {
 }
 
 /// Keeps a picture until the next may be shown, and the last one in any case.
-void LivePort::takeAll() {
+void LivePort::takeAll(const std::stop_token& stop) {
   std::optional<VirtualBoardPicture> kept;
+  const auto giveBack = [&] {
+    if (kept) VirtualBoard_returnBuffer(memory_.get(), kept->buffer);
+    kept.reset();
+  };
   Clock::time_point shown{};
-  for (bool ended = false; !ended;) {
+  while (!stop.stop_requested()) {
     const Clock::time_point due = shown + (pictures_.watched() ? kWatched : kUnwatched);
     const Seconds wait = kept ? Seconds(due - Clock::now()) : kWait;
     VirtualBoardPicture picture{};
     const int code = VirtualBoard_takePicture(
         memory_.get(), std::clamp(wait, Seconds{0}, kWait).count(), &picture);
-    ended = code != VELMORA_OK && code != VELMORA_BOARD_TIMEOUT;
     if (code == VELMORA_OK) {
-      if (kept) VirtualBoard_returnBuffer(memory_.get(), kept->buffer);
+      giveBack();
       kept = picture;
       note(picture);
     }
-    if (!kept || (Clock::now() < due && !ended)) continue;
+    if (code != VELMORA_OK && code != VELMORA_BOARD_TIMEOUT) break;
+    if (!kept || Clock::now() < due) continue;
     show(*kept);
     shown = Clock::now();
-    VirtualBoard_returnBuffer(memory_.get(), kept->buffer);
-    kept.reset();
+    giveBack();
   }
+  if (kept) show(*kept);
 }
 
 void LivePort::note(const VirtualBoardPicture& picture) {

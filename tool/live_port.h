@@ -47,7 +47,7 @@ class LivePort {
   Json state();
 
  private:
-  void takeAll();
+  void takeAll(const std::stop_token& stop);
   void note(const VirtualBoardPicture& picture);
   void show(const VirtualBoardPicture& picture);
 

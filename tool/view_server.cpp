@@ -207,10 +207,11 @@ std::string ViewServer::objection(const Request& request) const {
   return {};
 }
 
-/// A page of another server that has a name lead here keeps that name.
+/// A page of another server whose name is made to lead here still asks for that name; numbers
+/// cannot be made to lead anywhere.
 bool ViewServer::isOwnHost(const std::string& host) const {
-  const auto address =
-      parseListenAddress(host.find_last_of(":]") == host.rfind(':') ? host : host + ":80");
+  const bool withPort = host.find(':') != std::string::npos && !host.ends_with(']');
+  const auto address = parseListenAddress(withPort ? host : host + ":80");
   if (!address || address->port != address_.port) return false;
   in6_addr numbers{};
   return address->host == "localhost" || address->host == address_.host ||
@@ -261,13 +262,9 @@ void ViewServer::addCommands() {
 /// anything.
 template <class Next>
 void ViewServer::stream(Response& response, const char* type, Next next) {
-  struct Place {
-    std::atomic<int>& taken;
-    const bool free = ++taken <= kMostStreams;
-    ~Place() { --taken; }
-  };
-  const auto place = std::make_shared<Place>(streams_);
-  if (!place->free) return refuse(response, kBusy, {"too many viewers"});
+  const bool free = ++streams_ <= kMostStreams;
+  const std::shared_ptr<void> place(nullptr, [this](void*) { --streams_; });
+  if (!free) return refuse(response, kBusy, {"too many viewers"});
   response.set_chunked_content_provider(type, [this, place, next = std::move(next)](
                                                   std::size_t, httplib::DataSink& sink) mutable {
     const std::string data = next();
