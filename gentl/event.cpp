@@ -139,13 +139,11 @@ void Event::dataInfo(const void* data, std::size_t size, EVENT_DATA_INFO_CMD com
 }
 
 std::string eventData(std::uint64_t id, std::uint64_t value) {
-  const std::uint64_t words[] = {id, value};
-  return {reinterpret_cast<const char*>(words), sizeof words};
+  return bytesOf(id) + bytesOf(value);
 }
 
 std::string errorData(GC_ERROR code, const std::string& text) {
-  return std::string(reinterpret_cast<const char*>(&code), sizeof code) +
-         text.substr(0, kText - 1) + '\0';
+  return bytesOf(code) + text.substr(0, kText - 1) + '\0';
 }
 
 }  // namespace gentl

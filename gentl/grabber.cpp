@@ -174,6 +174,20 @@ void Grabber::set(int id, unsigned port, std::string_view bytes) {
   requireSuccess(code, refusal(code), node.paramName);
 }
 
+void Grabber::setAll(unsigned port, const std::vector<Setting>& settings) {
+  std::vector<Setting> before;
+  try {
+    for (const auto& [id, bytes] : settings) {
+      const std::string old = get(id, port);
+      set(id, port, bytes);
+      before.insert(before.begin(), {id, old});
+    }
+  } catch (...) {
+    for (const auto& [id, bytes] : before) set(id, port, bytes);
+    throw;
+  }
+}
+
 Grabber::Limits Grabber::limits(int id, unsigned port) {
   const std::lock_guard guard(sets_);
   const RegisterInfo& node = describe(id, port);

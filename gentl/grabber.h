@@ -42,10 +42,12 @@ class Grabber {
     return value;
   }
   std::uint32_t word(int id, unsigned port) { return value<std::uint32_t>(id, port); }
-  template <class T>
-  void setValue(int id, unsigned port, T value) {
-    set(id, port, {reinterpret_cast<const char*>(&value), sizeof value});
-  }
+  struct Setting {
+    int id;
+    std::string bytes;
+  };
+  /// Sets in turn; if one is refused, those before it get their values back.
+  void setAll(unsigned port, const std::vector<Setting>& settings);
   /// @}
 
   struct Limits {

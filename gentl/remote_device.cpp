@@ -103,6 +103,17 @@ std::string eventNodes(Grabber& grabber, unsigned number) {
          nodes;
 }
 
+using Settings = std::vector<Grabber::Setting>;
+
+const Grabber::Setting kGenerator{FG_AREATRIGGERMODE, bytesOf(ATM_GENERATOR)};
+
+/// By which the applet triggers from a source.
+Settings settingsOf(std::uint64_t source) {
+  if (source == 0) return {{FG_AREATRIGGERMODE, bytesOf(ATM_SOFTWARE)}};
+  return {{FG_TRIGGERIN_SRC, bytesOf(static_cast<std::uint32_t>(source - 1))},
+          {FG_AREATRIGGERMODE, bytesOf(ATM_EXTERNAL)}};
+}
+
 std::uint64_t whole(const Value& value) { return std::get<std::uint64_t>(value); }
 
 }  // namespace
@@ -162,16 +173,16 @@ void RemoteDevice::addTrigger() {
   addOwn(
       "TriggerMode", [this] { return toValue(triggered()); },
       [this](const Value& on) {
-        if (whole(on) != 0) return trigger();
-        if (triggered()) activate(ATM_GENERATOR);
+        if (whole(on) != 0) return activate(settingsOf(source()));
+        if (triggered()) activate({kGenerator});
       });
   addOwn(
       "TriggerSource", [this] { return source(); },
       [this](const Value& value) {
         constexpr std::uint64_t kLines = 8;
         require(whole(value) <= kLines, GC_ERR_INVALID_VALUE, "no such source");
+        if (mode() != ATM_GENERATOR) grabber_.setAll(port_, settingsOf(whole(value)));
         source_ = whole(value);
-        if (triggered()) trigger();
       });
 }
 
@@ -181,15 +192,16 @@ void RemoteDevice::addFrameRate() {
       "AcquisitionFrameRateEnable", [this] { return toValue(active() && !triggered()); },
       [this](const Value& on) {
         require(!triggered(), GC_ERR_ACCESS_DENIED, "TriggerMode is On");
-        if (whole(on) != 0) return activate(ATM_GENERATOR);
-        grabber_.setValue(FG_TRIGGERSTATE, port_, std::uint32_t{TS_ASYNC_STOP});
+        if (whole(on) != 0) return activate({kGenerator});
+        grabber_.setAll(port_, {{FG_TRIGGERSTATE, bytesOf(TS_ASYNC_STOP)}});
       });
   addOwn(
       "AcquisitionFrameRate",
       [this] { return grabber_.value<double>(FG_TRIGGER_FRAMESPERSECOND, port_); },
       [this](const Value& rate) {
-        grabber_.setValue(FG_TRIGGER_FRAMESPERSECOND, port_, std::get<double>(rate));
-        if (!triggered()) activate(ATM_GENERATOR);
+        const Grabber::Setting setting{FG_TRIGGER_FRAMESPERSECOND, bytesOf(std::get<double>(rate))};
+        if (triggered()) return grabber_.setAll(port_, {setting});
+        activate({setting, kGenerator});
       },
       RegisterKind::kFloat);
 }
@@ -198,27 +210,21 @@ bool RemoteDevice::writable() const { return !device_.readOnly; }
 
 bool RemoteDevice::active() { return grabber_.word(FG_TRIGGERSTATE, port_) == TS_ACTIVE; }
 
-bool RemoteDevice::triggered() {
-  return active() && grabber_.word(FG_AREATRIGGERMODE, port_) != ATM_GENERATOR;
-}
+std::uint32_t RemoteDevice::mode() { return grabber_.word(FG_AREATRIGGERMODE, port_); }
 
-void RemoteDevice::activate(std::uint32_t mode) {
-  grabber_.setValue(FG_AREATRIGGERMODE, port_, mode);
-  grabber_.setValue(FG_TRIGGERSTATE, port_, std::uint32_t{TS_ACTIVE});
-}
+bool RemoteDevice::triggered() { return active() && mode() != ATM_GENERATOR; }
 
-void RemoteDevice::trigger() {
-  if (source_ == 0) return activate(ATM_SOFTWARE);
-  grabber_.setValue(FG_TRIGGERIN_SRC, port_, static_cast<std::uint32_t>(source_ - 1));
-  activate(ATM_EXTERNAL);
+void RemoteDevice::activate(std::vector<Grabber::Setting> settings) {
+  source_ = source();
+  settings.push_back({FG_TRIGGERSTATE, bytesOf(TS_ACTIVE)});
+  grabber_.setAll(port_, settings);
 }
 
 /// What the applet has, or what it will get when triggers are turned on.
 std::uint64_t RemoteDevice::source() {
-  const std::uint32_t mode = grabber_.word(FG_AREATRIGGERMODE, port_);
-  if (mode == ATM_SOFTWARE) source_ = 0;
-  if (mode == ATM_EXTERNAL) source_ = 1 + grabber_.word(FG_TRIGGERIN_SRC, port_);
-  return source_;
+  const std::uint32_t now = mode();
+  if (now == ATM_EXTERNAL) return 1 + grabber_.word(FG_TRIGGERIN_SRC, port_);
+  return now == ATM_SOFTWARE ? 0 : source_;
 }
 
 std::string RemoteDevice::readOther(std::uint64_t address) {

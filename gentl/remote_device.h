@@ -30,8 +30,8 @@ class RemoteDevice : public Module {
 
   bool active();
   bool triggered();
-  void activate(std::uint32_t mode);
-  void trigger();
+  std::uint32_t mode();
+  void activate(std::vector<Grabber::Setting> settings);
   std::uint64_t source();
 
   Device& device_;

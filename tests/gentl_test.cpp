@@ -17,8 +17,10 @@
 #include <thread>
 
 #include "board/pictures/picture.h"
+#include "velmora/errors.h"
 #include "velmora/parameters.h"
 #include "velmora/values.h"
+#include "velmora/virtual_board.h"
 
 namespace {
 
@@ -441,6 +443,36 @@ TEST_F(GenTl, StandardFeaturesMoveParametersAndBack) {
     EXPECT_EQ(write(FG_WIDTH, 2), GC_ERR_INVALID_PARAMETER);
     std::thread([] { EXPECT_EQ(lastError().first, GC_ERR_SUCCESS); }).join();
   }
+}
+
+TEST_F(GenTl, ARefusedWriteChangesNothing) {
+  const Features features(openPort(2).remote);
+  const std::pair<const char*, const char*> writes[] = {
+      {"TriggerMode", "On"},          {"TriggerSource", "Line6"},
+      {"TriggerSource", "Line2"},     {"TriggerMode", "Off"},
+      {"AcquisitionFrameRate", "20"}, {"AcquisitionFrameRateEnable", "false"},
+      {"TriggerMode", "On"},          {"TriggerSource", "Software"}};
+  const auto state = [&] {
+    std::vector<std::string> values;
+    for (const char* name : {"TriggerMode", "TriggerSource", "AcquisitionFrameRate",
+                             "FG_TRIGGERIN_SRC", "FG_AREATRIGGERMODE", "FG_TRIGGERSTATE"})
+      values.push_back(features.get(name));
+    return values;
+  };
+  unsigned refused = 0;
+  for (const auto& [feature, value] : writes) {
+    for (std::uint32_t k = 1;; ++k, ++refused) {  // Each access of the applet to the board fails.
+      const auto before = state();
+      EXPECT_EQ(GENTL(VirtualBoard_failAt)(VELMORA_COUNT_WRITES, k, VELMORA_BOARD_DOES_NOT_FIT), 0);
+      const std::string result = features.set(feature, value);
+      GENTL(VirtualBoard_clearFaults)();
+      if (result.empty()) break;
+      EXPECT_EQ(features.set("TriggerMode", before.front().c_str()), "");
+      EXPECT_EQ(state(), before) << feature << ' ' << value << ' ' << k;
+    }
+    EXPECT_EQ(features.get(feature), value);
+  }
+  EXPECT_GT(refused, std::size(writes));
 }
 
 TEST_F(GenTl, LimitsMoveAndWhatDependsIsInvalidated) {
