@@ -3,12 +3,6 @@
 #include <utility>
 
 namespace gentl {
-namespace {
-
-constexpr const char* kTypes[] = {kTechnology};
-
-}  // namespace
-
 const InfoRow<DeviceFacts> kDeviceInfos[] = {
     {DEVICE_INFO_ID, INFO_DATATYPE_STRING, tell<&DeviceFacts::id>, "DeviceID"},
     {DEVICE_INFO_VENDOR, INFO_DATATYPE_STRING, tell<kVendor>, "DeviceVendorName"},
@@ -42,7 +36,7 @@ Device::Device(std::shared_ptr<Module> board, Grabber& grabber, std::size_t port
       port(static_cast<unsigned>(port)),
       readOnly(readOnly) {
   addInfos(kDeviceInfos, [this] { return facts(); });
-  addEnumeration("DeviceType", kTypes);
+  addEnumeration("DeviceType", {kTechnology});
   addSelector("StreamSelector");
   addFeature("StreamID", RegisterKind::kText, [this] { return belowId(0); });
 }

@@ -116,17 +116,10 @@ void Event::kill() {
   changed_.notify_all();
 }
 
-std::size_t Event::waiting() {
+void Event::info(EVENT_INFO_CMD command, Answer to) {
   const std::lock_guard guard(mutex);
-  return waiting_.size();
+  answer(kInfos, *this, command, to);
 }
-
-std::uint64_t Event::fired() {
-  const std::lock_guard guard(mutex);
-  return fired_;
-}
-
-void Event::info(EVENT_INFO_CMD command, Answer to) { answer(kInfos, *this, command, to); }
 
 void Event::dataInfo(const void* data, std::size_t size, EVENT_DATA_INFO_CMD command, Answer to) {
   requirePointer(data);

@@ -78,10 +78,9 @@ GC_ERROR GCInitLib() {
 }
 GC_ERROR GCCloseLib() {
   return guarded([] {
-    Registry::instance().requireOpen();
     const std::lock_guard guard(Registry::instance().structure);
-    if (const auto system = System::current()) system->close();
     Registry::instance().setOpen(false);
+    if (const auto system = System::current()) system->close();
   });
 }
 GC_ERROR GCGetInfo(TL_INFO_CMD command, INFO_DATATYPE* type, void* buffer, size_t* size) {

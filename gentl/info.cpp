@@ -7,15 +7,8 @@ namespace gentl {
 namespace {
 
 std::size_t sizeOfNumber(INFO_DATATYPE type) {
-  switch (type) {
-    case INFO_DATATYPE_BOOL8:
-      return 1;
-    case INFO_DATATYPE_INT32:
-    case INFO_DATATYPE_UINT32:
-      return 4;
-    default:
-      return 8;
-  }
+  if (type == INFO_DATATYPE_BOOL8) return 1;
+  return type == INFO_DATATYPE_INT32 || type == INFO_DATATYPE_UINT32 ? 4 : 8;
 }
 
 }  // namespace

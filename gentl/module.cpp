@@ -195,12 +195,12 @@ void Module::addSelector(const std::string& name) {
                         element("Max", std::to_string(count() - 1)));
 }
 
-void Module::addEnumeration(const std::string& name, std::span<const char* const> entries,
+void Module::addEnumeration(const std::string& name, std::initializer_list<const char*> entries,
                             const std::string& value) {
   names_ += element("pFeature", name);
   std::string elements;
-  for (std::size_t i = 0; i < entries.size(); ++i)
-    elements += node("EnumEntry", entries[i], element("Value", std::to_string(i)));
+  for (int i = 0; const char* entry : entries)
+    elements += node("EnumEntry", entry, element("Value", std::to_string(i++)));
   features_ += node("Enumeration", name, elements + value);
 }
 

@@ -2,7 +2,6 @@
 
 #include <initializer_list>
 #include <map>
-#include <span>
 #include <vector>
 
 #include "gentl/event.h"
@@ -103,7 +102,7 @@ class Module : public Object, public std::enable_shared_from_this<Module> {
   void addSelector(const std::string& name);
   std::size_t selected() const { return selected_; }
   /// @param value a node: a constant, or a reference to where the value is.
-  void addEnumeration(const std::string& name, std::span<const char* const> entries,
+  void addEnumeration(const std::string& name, std::initializer_list<const char*> entries,
                       const std::string& value = "<Value>0</Value>\n");
   virtual std::string makeDocument();
   /// Null where none of the module's own lies.
