@@ -50,11 +50,8 @@ class Grabber {
   void setAll(unsigned port, const std::vector<Setting>& settings);
   /// @}
 
-  struct Limits {
-    Value min, max;
-  };
   /// As they are at the moment.
-  Limits limits(int id, unsigned port);
+  std::pair<Value, Value> limits(int id, unsigned port);
   std::string nameOf(int id, unsigned port);
   int idOf(const std::string& name);
   /// The applet's document of a port.
@@ -92,6 +89,6 @@ class Grabber {
 };
 
 /// A code of the applet or the board with its meaning.
-std::string codeText(std::int64_t code);
+std::string codeText(int code);
 
 }  // namespace gentl

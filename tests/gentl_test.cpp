@@ -284,7 +284,7 @@ TEST_F(GenTl, OpensTheBoardOfADesignFile) {
   EXPECT_EQ(std::filesystem::current_path(), before);
   const Features features(openPort(0).remote);
   EXPECT_EQ(features.set("OffsetY", "4"), "");
-  EXPECT_THAT(features.set("OffsetX", "4"), HasSubstr("FG_XOFFSET: -2080"));
+  EXPECT_THAT(features.set("OffsetX", "4"), HasSubstr("FG_XOFFSET: -2080, no such design"));
 }
 
 /// Asks for every command as the standard lets one ask, and returns those that were answered.
