@@ -78,9 +78,10 @@ void Device::startSending() {
 
 void Device::send() {
   constexpr std::int64_t kEndless = -1;
-  const std::int64_t numbers[] = {kEndless, 1, static_cast<std::int64_t>(pictures)};
-  sending = mode == 0;  // The other modes end by themselves.
-  stream->begin(numbers[mode]);
+  const std::uint64_t now = mode;
+  const std::int64_t numbers[] = {kEndless, 1, static_cast<std::int64_t>(pictures.load())};
+  sending = now == 0;  // The other modes end by themselves.
+  stream->begin(numbers[now]);
 }
 
 void Device::stopSending() {

@@ -175,9 +175,10 @@ void Module::addFeature(const std::string& name, RegisterKind kind, std::functio
   add({name, kind, std::move(read), nullptr, std::move(invalidators)});
 }
 
-void Module::addCommand(const std::string& name) {
+void Module::addCommand(const std::string& name, const std::function<void()>& action) {
   names_ += element("pFeature", name);
-  add({name + "_Reg", RegisterKind::kInteger, [] { return toValue(0); }, [](const Value&) {}});
+  const auto act = [action](const Value&) { action(); };
+  add({name + "_Reg", RegisterKind::kInteger, [] { return toValue(0); }, act});
   features_ +=
       node("Command", name, element("pValue", name + "_Reg") + element("CommandValue", "1"));
 }

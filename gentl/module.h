@@ -97,7 +97,9 @@ class Module : public Object, public std::enable_shared_from_this<Module> {
                    invalidators);
     }
   }
-  void addCommand(const std::string& name);
+  /// @param action nothing for what this producer never needs to do.
+  void addCommand(
+      const std::string& name, const std::function<void()>& action = [] {});
   /// Chooses one of the modules below, of which other features tell.
   void addSelector(const std::string& name);
   std::size_t selected() const { return selected_; }

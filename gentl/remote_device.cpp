@@ -123,96 +123,41 @@ RemoteDevice::RemoteDevice(const std::shared_ptr<Device>& device)
       device_(*device),
       grabber_(device->grabber),
       port_(device->port) {
-  const std::pair<const char*, std::string> texts[] = {
-      {"DeviceVendorName", kVendor},
-      {"DeviceModelName", kModel},
-      {"DeviceVersion", kVersion},
-      {"DeviceID", id},
-      {"DeviceSerialNumber", std::to_string(port_)}};
-  for (const auto& [name, text] : texts)
-    add({name, RegisterKind::kText, [text = text] { return text; }});
-  addOwn(
-      "PayloadSize", [this] { return toValue(grabber_.payload(port_)); }, nullptr);
-  addAcquisition();
-  addTrigger();
-  addFrameRate();
+  addInfos(kDeviceInfos, [this] { return device_.facts(); });
+  addOwn<&RemoteDevice::payload>("PayloadSize");
+  addCommand("AcquisitionStart", [this] { device_.startSending(); });
+  addCommand("AcquisitionStop", [this] { device_.stopSending(); });
+  addSetting("AcquisitionMode", device_.mode, 0, 2);
+  addSetting("AcquisitionFrameCount", device_.pictures, 1, 0x7FFFFFFF);
+  addOwn<&RemoteDevice::triggered, &RemoteDevice::setTriggered>("TriggerMode");
+  addOwn<&RemoteDevice::source, &RemoteDevice::setSource>("TriggerSource");
+  addOwn<&RemoteDevice::paced, &RemoteDevice::setPaced>("AcquisitionFrameRateEnable");
+  addOwn<&RemoteDevice::rate, &RemoteDevice::setRate>("AcquisitionFrameRate", RegisterKind::kFloat);
 }
 
-void RemoteDevice::addOwn(const std::string& feature, std::function<Value()> read,
-                          std::function<void(const Value&)> write, RegisterKind kind) {
-  add({feature + "_Reg", kind, std::move(read), std::move(write), othersThan(feature)});
+template <auto get, auto set>
+void RemoteDevice::addOwn(const std::string& feature, RegisterKind kind) {
+  Register own{feature + "_Reg", kind, [this] { return tell<get>(*this); }};
+  if constexpr (set != nullptr) own.write = std::bind_front(set, this);
+  own.invalidators = othersThan(feature);
+  add(std::move(own));
 }
 
-void RemoteDevice::addAcquisition() {
-  const auto command = [this](const char* name, void (Device::*action)()) {
-    const auto write = [&device = device_, action](const Value&) { std::invoke(action, device); };
-    addOwn(
-        name, [] { return toValue(0); }, write);
+void RemoteDevice::addSetting(const char* feature, std::atomic<std::uint64_t>& field,
+                              std::uint64_t min, std::uint64_t max) {
+  const auto write = [&field, min, max](const Value& value) {
+    require(whole(value) >= min && whole(value) <= max, GC_ERR_INVALID_VALUE, "value out of range");
+    field = whole(value);
   };
-  command("AcquisitionStart", &Device::startSending);
-  command("AcquisitionStop", &Device::stopSending);
-  const auto setting = [this](const char* name, std::uint64_t& field, std::uint64_t min,
-                              std::uint64_t max) {
-    const auto read = [&control = device_.control, &field] {
-      const std::lock_guard guard(control);
-      return toValue(field);
-    };
-    const auto write = [&control = device_.control, &field, min, max](const Value& value) {
-      require(whole(value) >= min && whole(value) <= max, GC_ERR_INVALID_VALUE,
-              "value out of range");
-      const std::lock_guard guard(control);
-      field = whole(value);
-    };
-    addOwn(name, read, write);
-  };
-  setting("AcquisitionMode", device_.mode, 0, 2);
-  setting("AcquisitionFrameCount", device_.pictures, 1, 0x7FFFFFFF);
-}
-
-void RemoteDevice::addTrigger() {
-  addOwn(
-      "TriggerMode", [this] { return toValue(triggered()); },
-      [this](const Value& on) {
-        if (whole(on) != 0) return activate(settingsOf(source()));
-        if (triggered()) activate({kGenerator});
-      });
-  addOwn(
-      "TriggerSource", [this] { return source(); },
-      [this](const Value& value) {
-        constexpr std::uint64_t kLines = 8;
-        require(whole(value) <= kLines, GC_ERR_INVALID_VALUE, "no such source");
-        if (mode() != ATM_GENERATOR) grabber_.setAll(port_, settingsOf(whole(value)));
-        source_ = whole(value);
-      });
-}
-
-/// Without triggers, the design's generator paces the camera, or nothing does.
-void RemoteDevice::addFrameRate() {
-  addOwn(
-      "AcquisitionFrameRateEnable", [this] { return toValue(active() && !triggered()); },
-      [this](const Value& on) {
-        require(!triggered(), GC_ERR_ACCESS_DENIED, "TriggerMode is On");
-        if (whole(on) != 0) return activate({kGenerator});
-        grabber_.setAll(port_, {{FG_TRIGGERSTATE, bytesOf(TS_ASYNC_STOP)}});
-      });
-  addOwn(
-      "AcquisitionFrameRate",
-      [this] { return grabber_.value<double>(FG_TRIGGER_FRAMESPERSECOND, port_); },
-      [this](const Value& rate) {
-        const Grabber::Setting setting{FG_TRIGGER_FRAMESPERSECOND, bytesOf(std::get<double>(rate))};
-        if (triggered()) return grabber_.setAll(port_, {setting});
-        activate({setting, kGenerator});
-      },
-      RegisterKind::kFloat);
+  add({std::string(feature) + "_Reg", RegisterKind::kInteger,
+       [&field] { return toValue(field.load()); }, write});
 }
 
 bool RemoteDevice::writable() const { return !device_.readOnly; }
 
-bool RemoteDevice::active() { return grabber_.word(FG_TRIGGERSTATE, port_) == TS_ACTIVE; }
-
+std::size_t RemoteDevice::payload() { return grabber_.payload(port_); }
 std::uint32_t RemoteDevice::mode() { return grabber_.word(FG_AREATRIGGERMODE, port_); }
-
-bool RemoteDevice::triggered() { return active() && mode() != ATM_GENERATOR; }
+bool RemoteDevice::active() { return grabber_.word(FG_TRIGGERSTATE, port_) == TS_ACTIVE; }
 
 void RemoteDevice::activate(std::vector<Grabber::Setting> settings) {
   source_ = source();
@@ -220,11 +165,37 @@ void RemoteDevice::activate(std::vector<Grabber::Setting> settings) {
   grabber_.setAll(port_, settings);
 }
 
+bool RemoteDevice::triggered() { return active() && mode() != ATM_GENERATOR; }
+void RemoteDevice::setTriggered(const Value& on) {
+  if (whole(on) != 0) return activate(settingsOf(source()));
+  if (triggered()) activate({kGenerator});
+}
+
 /// What the applet has, or what it will get when triggers are turned on.
 std::uint64_t RemoteDevice::source() {
   const std::uint32_t now = mode();
   if (now == ATM_EXTERNAL) return 1 + grabber_.word(FG_TRIGGERIN_SRC, port_);
   return now == ATM_SOFTWARE ? 0 : source_;
+}
+void RemoteDevice::setSource(const Value& source) {
+  constexpr std::uint64_t kLines = 8;
+  require(whole(source) <= kLines, GC_ERR_INVALID_VALUE, "no such source");
+  if (mode() != ATM_GENERATOR) grabber_.setAll(port_, settingsOf(whole(source)));
+  source_ = whole(source);
+}
+
+bool RemoteDevice::paced() { return active() && !triggered(); }
+void RemoteDevice::setPaced(const Value& on) {
+  require(!triggered(), GC_ERR_ACCESS_DENIED, "TriggerMode is On");
+  if (whole(on) != 0) return activate({kGenerator});
+  grabber_.setAll(port_, {{FG_TRIGGERSTATE, bytesOf(TS_ASYNC_STOP)}});
+}
+
+double RemoteDevice::rate() { return grabber_.value<double>(FG_TRIGGER_FRAMESPERSECOND, port_); }
+void RemoteDevice::setRate(const Value& rate) {
+  const Grabber::Setting setting{FG_TRIGGER_FRAMESPERSECOND, bytesOf(std::get<double>(rate))};
+  if (triggered()) return grabber_.setAll(port_, {setting});
+  activate({setting, kGenerator});
 }
 
 std::string RemoteDevice::readOther(std::uint64_t address) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <atomic>
+
 #include "gentl/grabber.h"
 #include "gentl/module.h"
 
@@ -22,17 +24,25 @@ class RemoteDevice : public Module {
   void written(std::uint64_t address) override;
 
  private:
-  void addOwn(const std::string& feature, std::function<Value()> read,
-              std::function<void(const Value&)> write, RegisterKind kind = RegisterKind::kInteger);
-  void addAcquisition();
-  void addTrigger();
-  void addFrameRate();
+  template <auto get, auto set = nullptr>
+  void addOwn(const std::string& feature, RegisterKind kind = RegisterKind::kInteger);
+  void addSetting(const char* feature, std::atomic<std::uint64_t>& field, std::uint64_t min,
+                  std::uint64_t max);
 
+  /// @name What the registers read and write
+  /// Without triggers, the design's generator paces the camera, or nothing does.
+  /// @{
+  std::size_t payload();
+  bool triggered(), paced();
+  std::uint64_t source();
+  double rate();
+  void setTriggered(const Value&on), setPaced(const Value&on);
+  void setSource(const Value& source);
+  void setRate(const Value& rate);
+  /// @}
   bool active();
-  bool triggered();
   std::uint32_t mode();
   void activate(std::vector<Grabber::Setting> settings);
-  std::uint64_t source();
 
   Device& device_;
   Grabber& grabber_;
