@@ -107,17 +107,17 @@ class Module : public Object, public std::enable_shared_from_this<Module> {
   void addEnumeration(const std::string& name, std::initializer_list<const char*> entries,
                       const std::string& value = "<Value>0</Value>\n");
   virtual std::string makeDocument();
-  /// Null where none of the module's own lies.
-  const Register* at(std::uint64_t address) const;
+  const Register& at(std::uint64_t address) const;
   /// The nodes of all registers.
   std::string registerNodes() const;
   /// @}
 
-  /// Registers that are not the module's own.
-  virtual std::string readOther(std::uint64_t address);
-  virtual void writeOther(std::uint64_t address, std::string_view bytes);
-  /// A register was written.
-  virtual void written(std::uint64_t /*address*/) {}
+  /// @name A register as its bytes
+  /// The module's own ones.
+  /// @{
+  virtual std::string readRegister(std::uint64_t address);
+  virtual void writeRegister(std::uint64_t address, std::string_view bytes);
+  /// @}
 
  private:
   struct Below {

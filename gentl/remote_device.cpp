@@ -198,24 +198,25 @@ void RemoteDevice::setRate(const Value& rate) {
   activate({setting, kGenerator});
 }
 
-std::string RemoteDevice::readOther(std::uint64_t address) {
+std::string RemoteDevice::readRegister(std::uint64_t address) {
   const std::uint64_t which = address & ~kLargestId;
   const int parameter = static_cast<int>(address & kLargestId);
   if (which == 0) return grabber_.get(parameter, port_);
-  if (which != kMin && which != kMax) return Module::readOther(address);
+  if (which != kMin && which != kMax) return Module::readRegister(address);
   const auto [min, max] = grabber_.limits(parameter, port_);
   return encoded(INFO_DATATYPE_UINT64, which == kMin ? min : max);
 }
 
-void RemoteDevice::writeOther(std::uint64_t address, std::string_view bytes) {
-  if (address > kLargestId) return Module::writeOther(address, bytes);
-  grabber_.set(static_cast<int>(address), port_, bytes);
-}
-
-void RemoteDevice::written(std::uint64_t address) {
-  const Register* const own = at(address);
-  const std::string feature =
-      own ? withoutSuffix(own->name) : grabber_.nameOf(static_cast<int>(address), port_);
+void RemoteDevice::writeRegister(std::uint64_t address, std::string_view bytes) {
+  std::string feature;
+  if (address <= kLargestId) {
+    const int parameter = static_cast<int>(address);
+    grabber_.set(parameter, port_, bytes);
+    feature = grabber_.nameOf(parameter, port_);
+  } else {
+    Module::writeRegister(address, bytes);
+    feature = withoutSuffix(at(address).name);
+  }
   for (const char* other : othersThan(feature))
     device_.event(EVENT_FEATURE_INVALIDATE).fire(std::string(other) + '\0');
 }

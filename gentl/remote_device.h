@@ -19,9 +19,8 @@ class RemoteDevice : public Module {
 
  protected:
   std::string makeDocument() override;
-  std::string readOther(std::uint64_t address) override;
-  void writeOther(std::uint64_t address, std::string_view bytes) override;
-  void written(std::uint64_t address) override;
+  std::string readRegister(std::uint64_t address) override;
+  void writeRegister(std::uint64_t address, std::string_view bytes) override;
 
  private:
   template <auto get, auto set = nullptr>
