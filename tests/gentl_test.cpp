@@ -197,6 +197,7 @@ struct Port {
   }
 };
 
+constexpr std::uint64_t kOne = 1;
 constexpr std::size_t kSmall = 16 * 8 * 3;
 
 class GenTl : public testing::Test {
@@ -482,28 +483,32 @@ TEST_F(GenTl, LimitsMoveAndWhatDependsIsInvalidated) {
   SUCCEEDS(GCRegisterEvent, port.device, EVENT_FEATURE_INVALIDATE, &invalidated);
   const auto changes = [&] {
     std::set<std::string> names;
-    char data[300], name[300];
-    INFO_DATATYPE type = 0;
-    for (Room room{sizeof data}; GENTL(EventGetData)(invalidated, data, room, 0) == GC_ERR_SUCCESS;
-         room.size = sizeof data) {
-      SUCCEEDS(EventGetDataInfo, invalidated, data, room.size, EVENT_DATA_ID, &type, name,
-               Room{sizeof name});
-      names.insert(name);
-    }
+    char data[300];
+    while (GENTL(EventGetData)(invalidated, data, Room{sizeof data}, 0) == GC_ERR_SUCCESS)
+      names.insert(ask<std::string>(GENTL(EventGetDataInfo), EVENT_DATA_ID, invalidated,
+                                    static_cast<const void*>(data), sizeof data));
     return names;
   };
-  EXPECT_EQ(features.max("OffsetX"), 8184 - 16);
-  EXPECT_EQ(features.set("Width", "1024"), "");
-  EXPECT_EQ(features.max("OffsetX"), 8184 - 1024);
-  EXPECT_EQ(features.max("FG_XOFFSET"), 8184 - 1024);
-  EXPECT_EQ(changes(), (std::set<std::string>{"Width", "OffsetX", "FG_XOFFSET", "PayloadSize"}));
-  EXPECT_EQ(features.set("FG_TRIGGERIN_DOWNSCALE", "5"), "");
-  EXPECT_EQ(features.max("FG_TRIGGERIN_DOWNSCALE_PHASE"), 4);
-  EXPECT_EQ(changes(), std::set<std::string>{"FG_TRIGGERIN_DOWNSCALE_PHASE"});
+  using Names = std::set<std::string>;
+  const std::tuple<const char*, const char*, const char*, std::int64_t, Names> steps[] = {
+      // Set, to this, and another's limit is this, and these change.
+      {"OffsetX", "8", "Width", 8184, {"Width", "OffsetX", "FG_WIDTH", "PayloadSize"}},
+      {"Width", "1024", "OffsetX", 7160, {"Width", "OffsetX", "FG_XOFFSET", "PayloadSize"}},
+      {"Width", "24", "FG_XOFFSET", 8160, {"Width", "OffsetX", "FG_XOFFSET", "PayloadSize"}},
+      {"FG_TRIGGERIN_DOWNSCALE",
+       "5",
+       "FG_TRIGGERIN_DOWNSCALE_PHASE",
+       4,
+       {"FG_TRIGGERIN_DOWNSCALE_PHASE"}}};
+  for (const auto& [feature, value, other, max, changed] : steps) {
+    EXPECT_EQ(features.set(feature, value), "");
+    EXPECT_EQ(features.max(other), max);
+    EXPECT_EQ(changes(), changed) << feature;
+  }
   EXPECT_EQ(features.set("TriggerMode", "On"), "");
   EXPECT_THAT(changes(), testing::IsSupersetOf({"FG_AREATRIGGERMODE", "TriggerSource"}));
   EXPECT_NE(features.set("Width", "13"), "");
-  EXPECT_EQ(changes(), std::set<std::string>{});
+  EXPECT_EQ(changes(), Names{});
 }
 
 /// Pictures of a device, which are the board's own, all of them and in their order.
@@ -546,8 +551,7 @@ TEST_F(GenTl, FourDevicesDeliverTheBoardsPictures) {
       for (int round = 0; round < 2; ++round) {
         EXPECT_EQ(port.start(), GC_ERR_SUCCESS);
         EXPECT_EQ(port.start(), GC_ERR_RESOURCE_IN_USE);
-        const std::uint64_t one = 1;
-        SUCCEEDS(GCWritePort, port.remote, start, &one, Room{sizeof one});
+        SUCCEEDS(GCWritePort, port.remote, start, &kOne, Room{sizeof kOne});
         expectPictures(port, number, 40);
         EXPECT_EQ(port.count(STREAM_INFO_NUM_DELIVERED), 40U);
         EXPECT_EQ(port.count(STREAM_INFO_NUM_UNDERRUN), 0U);
@@ -642,10 +646,7 @@ TEST_F(GenTl, EventsOfTheAppletAndOfLossArrive) {
   std::set<std::string> seen;
   while (seen.size() < 2) {  // Start and end of this port's pictures, and nothing of the others.
     EXPECT_EQ(get(remote, 10000), GC_ERR_SUCCESS);
-    char id[20];
-    INFO_DATATYPE type = 0;
-    SUCCEEDS(EventGetDataInfo, remote, data, sizeof data, EVENT_DATA_ID, &type, id, Room{20});
-    seen.insert(id);
+    seen.insert(ask<std::string>(GENTL(EventGetDataInfo), EVENT_DATA_ID, remote, data, 16));
   }
   for (const std::string& id : seen)
     EXPECT_THAT(features.text(),
