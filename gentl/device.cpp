@@ -92,7 +92,7 @@ void Device::stopSending() {
 
 void Device::registered(EVENT_TYPE type, bool yes) {
   if (type != EVENT_REMOTE_DEVICE) return;
-  if (!yes) return grabber.ignore(port);
+  if (!yes) return grabber.listen(port, nullptr);
   grabber.listen(port, [this](const VirtualBoardEvent& happened) {
     event(EVENT_REMOTE_DEVICE)
         .fire(eventData(happened.mask, static_cast<std::uint64_t>(happened.time)));

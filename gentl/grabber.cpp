@@ -226,22 +226,13 @@ void Grabber::listen(unsigned port, Listener told) {
   const auto all = events(port);
   const std::lock_guard guard(listening_);
   ears_[port] = {0, std::move(told)};
-  for (const auto& [name, mask] : all) ears_[port].mask |= mask;
-  enableEvents();
+  if (ears_[port].told)
+    for (const auto& [name, mask] : all) ears_[port].mask |= mask;
+  std::uint64_t wanted = 0;
+  for (const Ear& ear : ears_) wanted |= ear.mask;
+  VirtualBoard_enableEvents(device_.get(), wanted);
   if (!watcher_.joinable())
     watcher_ = std::jthread([this](const std::stop_token& stop) { watch(stop); });
-}
-
-void Grabber::ignore(unsigned port) {
-  const std::lock_guard guard(listening_);
-  ears_[port] = {};
-  enableEvents();
-}
-
-void Grabber::enableEvents() {
-  std::uint64_t all = 0;
-  for (const Ear& ear : ears_) all |= ear.mask;
-  VirtualBoard_enableEvents(device_.get(), all);
 }
 
 void Grabber::watch(const std::stop_token& stop) {

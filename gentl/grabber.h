@@ -64,14 +64,12 @@ class Grabber {
   using Listener = std::function<void(const VirtualBoardEvent&)>;
   /// Name and mask of the events that a port has: its own and those of the inputs.
   std::vector<std::pair<std::string, std::uint64_t>> events(unsigned port);
-  /// Tells of them until the port is ignored.
+  /// Tells of them from now on, or no more if there is nobody to tell.
   void listen(unsigned port, Listener told);
-  void ignore(unsigned port);
   /// @}
 
  private:
   const RegisterInfo& describe(int id, unsigned port);
-  void enableEvents();
   void watch(const std::stop_token& stop);
 
   std::unique_ptr<KTdevice, void (*)(KTdevice*)> device_{VirtualBoard_createDevice(),
