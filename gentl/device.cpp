@@ -72,16 +72,16 @@ void Device::close() {
 
 void Device::startSending() {
   const std::lock_guard guard(control);
+  if (stream && stream->armed()) return send();
   sending = true;
-  if (stream && stream->armed()) send();
 }
 
 void Device::send() {
   constexpr std::int64_t kEndless = -1;
   const std::uint64_t now = mode;
   const std::int64_t numbers[] = {kEndless, 1, static_cast<std::int64_t>(pictures.load())};
-  sending = now == 0;  // The other modes end by themselves.
   stream->begin(numbers[now]);
+  sending = now == 0;  // The other modes end by themselves.
 }
 
 void Device::stopSending() {

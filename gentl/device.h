@@ -45,7 +45,7 @@ class Device : public Module {
   Stream* stream = nullptr;  ///< While one is open.
   void startSending();
   void stopSending();
-  void send();  ///< Expects the control lock, an armed stream and `sending`.
+  void send();  ///< Expects the control lock and an armed stream.
                 /// @}
 
  protected:

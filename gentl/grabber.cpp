@@ -162,7 +162,12 @@ void Grabber::setAll(unsigned port, const std::vector<Setting>& settings) {
       before.insert(before.begin(), {id, old});
     }
   } catch (...) {
-    for (const auto& [id, bytes] : before) set(id, port, bytes);
+    for (const auto& [id, bytes] : before) {
+      try {
+        set(id, port, bytes);
+      } catch (const Failure&) {  // The refusal that led here is the one to tell.
+      }
+    }
     throw;
   }
 }

@@ -328,11 +328,8 @@ std::set<std::int32_t> upTo(std::int32_t last, const std::set<std::int32_t>& wit
 TEST_F(GenTl, EveryInfoCommandAnswers) {
   const Port port = openPort(2);
   const BUFFER_HANDLE buffer = announce(port, 1).front();
-  const std::set<std::int32_t> always{BUFFER_INFO_BASE,          BUFFER_INFO_SIZE,
-                                      BUFFER_INFO_USER_PTR,      BUFFER_INFO_NEW_DATA,
-                                      BUFFER_INFO_IS_QUEUED,     BUFFER_INFO_IS_ACQUIRING,
-                                      BUFFER_INFO_TLTYPE,        BUFFER_INFO_SIZE_FILLED,
-                                      BUFFER_INFO_IS_INCOMPLETE, BUFFER_INFO_IS_COMPOSITE};
+  auto always = upTo(BUFFER_INFO_SIZE_FILLED, {BUFFER_INFO_TIMESTAMP});
+  always.insert(BUFFER_INFO_IS_COMPOSITE);
   EXPECT_EQ(askAll(GENTL(DSGetBufferInfo), port.stream, buffer), always);  // Not delivered.
   EXPECT_EQ(port.start(1), GC_ERR_SUCCESS);
   EXPECT_EQ(Features(port.remote).execute("AcquisitionStart"), "");
@@ -447,7 +444,8 @@ TEST_F(GenTl, StandardFeaturesMoveParametersAndBack) {
 }
 
 TEST_F(GenTl, ARefusedWriteChangesNothing) {
-  const Features features(openPort(2).remote);
+  const Port port = openPort(2);
+  const Features features(port.remote);
   const std::pair<const char*, const char*> writes[] = {
       {"TriggerMode", "On"},          {"TriggerSource", "Line6"},
       {"TriggerSource", "Line2"},     {"TriggerMode", "Off"},
@@ -474,6 +472,16 @@ TEST_F(GenTl, ARefusedWriteChangesNothing) {
     EXPECT_EQ(features.get(feature), value);
   }
   EXPECT_GT(refused, std::size(writes));
+  // A start that was refused does not take effect later.
+  EXPECT_EQ(features.set("TriggerMode", "Off"), "");
+  announce(port, 1);
+  EXPECT_EQ(port.start(), GC_ERR_SUCCESS);
+  GENTL(VirtualBoard_failNamed)("Fg_AcquireEx", VELMORA_BOARD_BAD_ARGUMENT, 1);
+  EXPECT_THAT(features.execute("AcquisitionStart"), HasSubstr("-2087, argument out of range"));
+  EXPECT_EQ(port.stop(), GC_ERR_SUCCESS);
+  EXPECT_EQ(port.start(), GC_ERR_SUCCESS);
+  std::uint64_t data[2];
+  EXPECT_EQ(GENTL(EventGetData)(port.event, data, Room{sizeof data}, 200), GC_ERR_TIMEOUT);
 }
 
 TEST_F(GenTl, LimitsMoveAndWhatDependsIsInvalidated) {
@@ -591,17 +599,15 @@ TEST_F(GenTl, BuffersGoTheirWay) {
   EXPECT_GT(port.info(buffers[1], BUFFER_INFO_FRAMEID), 8U);
   EXPECT_EQ(features.execute("AcquisitionStop"), "");
   // The flush modes, while no pictures come.
-  EXPECT_EQ(flush(ACQ_QUEUE_UNQUEUED_TO_INPUT), (States{3, 0}));
-  EXPECT_EQ(flush(ACQ_QUEUE_INPUT_TO_OUTPUT), (States{0, 3}));
+  const std::pair<ACQ_QUEUE_TYPE, States> flushes[] = {
+      {ACQ_QUEUE_UNQUEUED_TO_INPUT, {3, 0}}, {ACQ_QUEUE_INPUT_TO_OUTPUT, {0, 3}},
+      {ACQ_QUEUE_ALL_TO_INPUT, {3, 0}},      {ACQ_QUEUE_ALL_DISCARD, {0, 0}},
+      {ACQ_QUEUE_UNQUEUED_TO_INPUT, {3, 0}}, {ACQ_QUEUE_INPUT_TO_OUTPUT, {0, 3}},
+      {ACQ_QUEUE_OUTPUT_DISCARD, {0, 0}},    {ACQ_QUEUE_UNQUEUED_TO_INPUT, {3, 0}},
+      {ACQ_QUEUE_INPUT_TO_OUTPUT, {0, 3}}};
+  for (const auto& [how, expected] : flushes) EXPECT_EQ(flush(how), expected) << how;
   EXPECT_TRUE(port.info<bool>(buffers[0], BUFFER_INFO_IS_INCOMPLETE));
   EXPECT_FALSE(port.info<bool>(buffers[0], BUFFER_INFO_NEW_DATA));
-  EXPECT_EQ(flush(ACQ_QUEUE_ALL_TO_INPUT), (States{3, 0}));
-  EXPECT_EQ(flush(ACQ_QUEUE_ALL_DISCARD), (States{0, 0}));
-  flush(ACQ_QUEUE_UNQUEUED_TO_INPUT);
-  flush(ACQ_QUEUE_INPUT_TO_OUTPUT);
-  EXPECT_EQ(flush(ACQ_QUEUE_OUTPUT_DISCARD), (States{0, 0}));
-  flush(ACQ_QUEUE_UNQUEUED_TO_INPUT);
-  flush(ACQ_QUEUE_INPUT_TO_OUTPUT);
   SUCCEEDS(EventFlush, port.event);
   EXPECT_EQ(states(), (States{0, 0}));
   EXPECT_EQ(port.count(STREAM_INFO_NUM_DELIVERED), 4U);  // Those that were taken.
