@@ -167,8 +167,8 @@ void RemoteDevice::activate(std::vector<Grabber::Setting> settings) {
 
 bool RemoteDevice::triggered() { return active() && mode() != ATM_GENERATOR; }
 void RemoteDevice::setTriggered(const Value& on) {
-  if (whole(on) != 0) return activate(settingsOf(source()));
-  if (triggered()) activate({kGenerator});
+  const bool wanted = whole(on) != 0;
+  if (wanted != triggered()) activate(wanted ? settingsOf(source()) : Settings{kGenerator});
 }
 
 /// What the applet has, or what it will get when triggers are turned on.

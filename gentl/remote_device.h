@@ -32,11 +32,13 @@ class RemoteDevice : public Module {
   /// Without triggers, the design's generator paces the camera, or nothing does.
   /// @{
   std::size_t payload();
-  bool triggered(), paced();
+  bool triggered();
+  void setTriggered(const Value& on);
   std::uint64_t source();
-  double rate();
-  void setTriggered(const Value&on), setPaced(const Value&on);
   void setSource(const Value& source);
+  bool paced();
+  void setPaced(const Value& on);
+  double rate();
   void setRate(const Value& rate);
   /// @}
   bool active();
