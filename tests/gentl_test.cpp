@@ -655,7 +655,8 @@ TEST_F(GenTl, EventsOfTheAppletAndOfLossArrive) {
   std::set<std::string> seen;
   while (seen.size() < 2) {  // Start and end of this port's pictures, and nothing of the others.
     EXPECT_EQ(get(remote, 10000), GC_ERR_SUCCESS);
-    seen.insert(ask<std::string>(GENTL(EventGetDataInfo), EVENT_DATA_ID, remote, data, 16));
+    seen.insert(
+        ask<std::string>(GENTL(EventGetDataInfo), EVENT_DATA_ID, remote, data, sizeof data));
   }
   for (const std::string& id : seen)
     EXPECT_THAT(features.text(),
