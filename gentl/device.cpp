@@ -3,12 +3,6 @@
 #include <utility>
 
 namespace gentl {
-namespace {
-
-constexpr const char* kTypes[] = {kTechnology};
-
-}  // namespace
-
 const InfoRow<DeviceFacts> kDeviceInfos[] = {
     {DEVICE_INFO_ID, INFO_DATATYPE_STRING, tell<&DeviceFacts::id>, "DeviceID"},
     {DEVICE_INFO_VENDOR, INFO_DATATYPE_STRING, tell<kVendor>, "DeviceVendorName"},
@@ -42,7 +36,7 @@ Device::Device(std::shared_ptr<Module> board, Grabber& grabber, std::size_t port
       port(static_cast<unsigned>(port)),
       readOnly(readOnly) {
   addInfos(kDeviceInfos, [this] { return facts(); });
-  addEnumeration("DeviceType", kTypes);
+  addEnumeration("DeviceType", {kTechnology});
   addSelector("StreamSelector");
   addFeature("StreamID", RegisterKind::kText, [this] { return belowId(0); });
 }
@@ -78,15 +72,16 @@ void Device::close() {
 
 void Device::startSending() {
   const std::lock_guard guard(control);
+  if (stream && stream->armed()) return send();
   sending = true;
-  if (stream && stream->armed()) send();
 }
 
 void Device::send() {
   constexpr std::int64_t kEndless = -1;
-  const std::int64_t numbers[] = {kEndless, 1, static_cast<std::int64_t>(pictures)};
-  sending = mode == 0;  // The other modes end by themselves.
-  stream->begin(numbers[mode]);
+  const std::uint64_t now = mode;
+  const std::int64_t numbers[] = {kEndless, 1, static_cast<std::int64_t>(pictures.load())};
+  stream->begin(numbers[now]);
+  sending = now == 0;  // The other modes end by themselves.
 }
 
 void Device::stopSending() {
@@ -97,7 +92,7 @@ void Device::stopSending() {
 
 void Device::registered(EVENT_TYPE type, bool yes) {
   if (type != EVENT_REMOTE_DEVICE) return;
-  if (!yes) return grabber.ignore(port);
+  if (!yes) return grabber.listen(port, nullptr);
   grabber.listen(port, [this](const VirtualBoardEvent& happened) {
     event(EVENT_REMOTE_DEVICE)
         .fire(eventData(happened.mask, static_cast<std::uint64_t>(happened.time)));

@@ -40,11 +40,12 @@ class Device : public Module {
   /// @{
   std::mutex control;
   bool sending = false;
-  std::uint64_t mode = 0, pictures = 1;  ///< `AcquisitionMode` and `AcquisitionFrameCount`.
-  Stream* stream = nullptr;              ///< While one is open.
+  std::atomic<std::uint64_t> mode{0},
+      pictures{1};           ///< `AcquisitionMode` and `AcquisitionFrameCount`.
+  Stream* stream = nullptr;  ///< While one is open.
   void startSending();
   void stopSending();
-  void send();  ///< Expects the control lock, an armed stream and `sending`.
+  void send();  ///< Expects the control lock and an armed stream.
                 /// @}
 
  protected:

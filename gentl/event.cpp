@@ -116,17 +116,10 @@ void Event::kill() {
   changed_.notify_all();
 }
 
-std::size_t Event::waiting() {
+void Event::info(EVENT_INFO_CMD command, Answer to) {
   const std::lock_guard guard(mutex);
-  return waiting_.size();
+  answer(kInfos, *this, command, to);
 }
-
-std::uint64_t Event::fired() {
-  const std::lock_guard guard(mutex);
-  return fired_;
-}
-
-void Event::info(EVENT_INFO_CMD command, Answer to) { answer(kInfos, *this, command, to); }
 
 void Event::dataInfo(const void* data, std::size_t size, EVENT_DATA_INFO_CMD command, Answer to) {
   requirePointer(data);
@@ -139,13 +132,11 @@ void Event::dataInfo(const void* data, std::size_t size, EVENT_DATA_INFO_CMD com
 }
 
 std::string eventData(std::uint64_t id, std::uint64_t value) {
-  const std::uint64_t words[] = {id, value};
-  return {reinterpret_cast<const char*>(words), sizeof words};
+  return bytesOf(id) + bytesOf(value);
 }
 
 std::string errorData(GC_ERROR code, const std::string& text) {
-  return std::string(reinterpret_cast<const char*>(&code), sizeof code) +
-         text.substr(0, kText - 1) + '\0';
+  return bytesOf(code) + text.substr(0, kText - 1) + '\0';
 }
 
 }  // namespace gentl

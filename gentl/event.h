@@ -42,8 +42,8 @@ class Event : public Object {
   /// Explains data that `take` copied out.
   void dataInfo(const void* data, std::size_t size, EVENT_DATA_INFO_CMD command, Answer to);
 
-  std::size_t waiting();
-  std::uint64_t fired();
+  std::size_t waiting() const { return waiting_.size(); }  ///< Expects the lock, as `fired` does.
+  std::uint64_t fired() const { return fired_; }
   std::size_t largest() const;       ///< Bytes of data.
   std::size_t largestValue() const;  ///< Bytes of an answer of `dataInfo`.
 

@@ -78,10 +78,9 @@ GC_ERROR GCInitLib() {
 }
 GC_ERROR GCCloseLib() {
   return guarded([] {
-    Registry::instance().requireOpen();
     const std::lock_guard guard(Registry::instance().structure);
-    if (const auto system = System::current()) system->close();
     Registry::instance().setOpen(false);
+    if (const auto system = System::current()) system->close();
   });
 }
 GC_ERROR GCGetInfo(TL_INFO_CMD command, INFO_DATATYPE* type, void* buffer, size_t* size) {
@@ -320,17 +319,15 @@ GC_ERROR DSGetBufferInfoStacked(DS_HANDLE stream, BUFFER_HANDLE handle,
 
 namespace {
 
-GC_ERROR hasNo(const char* what, GC_ERROR code, DS_HANDLE stream, BUFFER_HANDLE handle) {
-  return with<Stream>(stream, [&](Stream& found) {
-    found.requireBuffer(handle);
-    fail(code, std::string("buffers have no ") + what);
-  });
+void none(Stream& stream, BUFFER_HANDLE handle, GC_ERROR code) {
+  stream.requireBuffer(handle);
+  fail(code, "the buffer holds a picture and nothing else");
 }
 
 }  // namespace
 
 GC_ERROR DSGetBufferChunkData(DS_HANDLE stream, BUFFER_HANDLE handle, SINGLE_CHUNK_DATA*, size_t*) {
-  return hasNo("chunks", GC_ERR_NOT_AVAILABLE, stream, handle);
+  return with<Stream>(stream, none, handle, GC_ERR_NOT_AVAILABLE);
 }
 GC_ERROR DSGetNumBufferParts(DS_HANDLE stream, BUFFER_HANDLE handle, uint32_t* count) {
   return with<Stream>(stream, [&](Stream& found) {
@@ -340,7 +337,7 @@ GC_ERROR DSGetNumBufferParts(DS_HANDLE stream, BUFFER_HANDLE handle, uint32_t* c
 }
 GC_ERROR DSGetBufferPartInfo(DS_HANDLE stream, BUFFER_HANDLE handle, uint32_t, BUFFER_PART_INFO_CMD,
                              INFO_DATATYPE*, void*, size_t*) {
-  return hasNo("parts", GC_ERR_INVALID_INDEX, stream, handle);
+  return with<Stream>(stream, none, handle, GC_ERR_INVALID_INDEX);
 }
 GC_ERROR DSGetBufferPartInfoStacked(DS_HANDLE stream, BUFFER_HANDLE handle,
                                     DS_BUFFER_PART_INFO_STACKED* infos, size_t count) {

@@ -2,15 +2,11 @@
 /// producer needs of it. Names, numbers and layouts are the standard's.
 #pragma once
 
-#include <stddef.h>
-#include <stdint.h>
+#include <cstddef>
+#include <cstdint>
 
-#ifdef __cplusplus
 extern "C" {
 typedef bool bool8_t;
-#else
-typedef uint8_t bool8_t;
-#endif
 
 // clang-format off
 typedef int32_t GC_ERROR;
@@ -139,12 +135,6 @@ typedef struct {
 } PORT_REGISTER_STACK_ENTRY;
 
 typedef struct {
-  uint64_t ChunkID;
-  ptrdiff_t ChunkOffset;
-  size_t ChunkLength;
-} SINGLE_CHUNK_DATA;
-
-typedef struct {
   BUFFER_INFO_CMD iInfoCmd;
   INFO_DATATYPE iType;
   void* pBuffer;
@@ -162,97 +152,77 @@ typedef struct {
 } DS_BUFFER_PART_INFO_STACKED;
 #pragma pack(pop)
 
+struct SINGLE_CHUNK_DATA;
+
 #define GC_API __attribute__((visibility("default"))) GC_ERROR
 
-GC_API GCGetInfo(TL_INFO_CMD command, INFO_DATATYPE* type, void* buffer, size_t* size);
-GC_API GCGetLastError(GC_ERROR* errorCode, char* text, size_t* size);
-GC_API GCInitLib(void);
-GC_API GCCloseLib(void);
-GC_API GCReadPort(PORT_HANDLE port, uint64_t address, void* buffer, size_t* size);
-GC_API GCWritePort(PORT_HANDLE port, uint64_t address, const void* buffer, size_t* size);
-GC_API GCGetPortURL(PORT_HANDLE port, char* url, size_t* size);
-GC_API GCGetPortInfo(PORT_HANDLE port, PORT_INFO_CMD command, INFO_DATATYPE* type, void* buffer,
-                     size_t* size);
-GC_API GCRegisterEvent(EVENTSRC_HANDLE eventSrc, EVENT_TYPE eventID, EVENT_HANDLE* event);
-GC_API GCUnregisterEvent(EVENTSRC_HANDLE eventSrc, EVENT_TYPE eventID);
-GC_API EventGetData(EVENT_HANDLE event, void* buffer, size_t* size, uint64_t timeout);
-GC_API EventGetDataInfo(EVENT_HANDLE event, const void* inBuffer, size_t inSize,
-                        EVENT_DATA_INFO_CMD command, INFO_DATATYPE* type, void* outBuffer,
-                        size_t* outSize);
-GC_API EventGetInfo(EVENT_HANDLE event, EVENT_INFO_CMD command, INFO_DATATYPE* type, void* buffer,
-                    size_t* size);
-GC_API EventFlush(EVENT_HANDLE event);
-GC_API EventKill(EVENT_HANDLE event);
-GC_API TLOpen(TL_HANDLE* tl);
-GC_API TLClose(TL_HANDLE tl);
-GC_API TLGetInfo(TL_HANDLE tl, TL_INFO_CMD command, INFO_DATATYPE* type, void* buffer,
-                 size_t* size);
-GC_API TLGetNumInterfaces(TL_HANDLE tl, uint32_t* numIfaces);
-GC_API TLGetInterfaceID(TL_HANDLE tl, uint32_t index, char* id, size_t* size);
-GC_API TLGetInterfaceInfo(TL_HANDLE tl, const char* ifaceID, INTERFACE_INFO_CMD command,
-                          INFO_DATATYPE* type, void* buffer, size_t* size);
-GC_API TLOpenInterface(TL_HANDLE tl, const char* ifaceID, IF_HANDLE* iface);
-GC_API TLUpdateInterfaceList(TL_HANDLE tl, bool8_t* changed, uint64_t timeout);
-GC_API IFClose(IF_HANDLE iface);
-GC_API IFGetInfo(IF_HANDLE iface, INTERFACE_INFO_CMD command, INFO_DATATYPE* type, void* buffer,
-                 size_t* size);
-GC_API IFGetNumDevices(IF_HANDLE iface, uint32_t* numDevices);
-GC_API IFGetDeviceID(IF_HANDLE iface, uint32_t index, char* id, size_t* size);
-GC_API IFUpdateDeviceList(IF_HANDLE iface, bool8_t* changed, uint64_t timeout);
-GC_API IFGetDeviceInfo(IF_HANDLE iface, const char* deviceID, DEVICE_INFO_CMD command,
-                       INFO_DATATYPE* type, void* buffer, size_t* size);
-GC_API IFOpenDevice(IF_HANDLE iface, const char* deviceID, DEVICE_ACCESS_FLAGS openFlag,
-                    DEV_HANDLE* device);
-GC_API DevGetPort(DEV_HANDLE device, PORT_HANDLE* remoteDevice);
-GC_API DevGetNumDataStreams(DEV_HANDLE device, uint32_t* numDataStreams);
-GC_API DevGetDataStreamID(DEV_HANDLE device, uint32_t index, char* dataStreamID, size_t* size);
-GC_API DevOpenDataStream(DEV_HANDLE device, const char* dataStreamID, DS_HANDLE* dataStream);
-GC_API DevGetInfo(DEV_HANDLE device, DEVICE_INFO_CMD command, INFO_DATATYPE* type, void* buffer,
-                  size_t* size);
-GC_API DevClose(DEV_HANDLE device);
-GC_API DSAnnounceBuffer(DS_HANDLE dataStream, void* buffer, size_t size, void* user,
-                        BUFFER_HANDLE* handle);
-GC_API DSAllocAndAnnounceBuffer(DS_HANDLE dataStream, size_t size, void* user,
-                                BUFFER_HANDLE* handle);
-GC_API DSFlushQueue(DS_HANDLE dataStream, ACQ_QUEUE_TYPE operation);
-GC_API DSStartAcquisition(DS_HANDLE dataStream, ACQ_START_FLAGS startFlags, uint64_t numToAcquire);
-GC_API DSStopAcquisition(DS_HANDLE dataStream, ACQ_STOP_FLAGS stopFlags);
-GC_API DSGetInfo(DS_HANDLE dataStream, STREAM_INFO_CMD command, INFO_DATATYPE* type, void* buffer,
-                 size_t* size);
-GC_API DSGetBufferID(DS_HANDLE dataStream, uint32_t index, BUFFER_HANDLE* handle);
-GC_API DSClose(DS_HANDLE dataStream);
-GC_API DSRevokeBuffer(DS_HANDLE dataStream, BUFFER_HANDLE handle, void** buffer, void** user);
-GC_API DSQueueBuffer(DS_HANDLE dataStream, BUFFER_HANDLE handle);
-GC_API DSGetBufferInfo(DS_HANDLE dataStream, BUFFER_HANDLE handle, BUFFER_INFO_CMD command,
-                       INFO_DATATYPE* type, void* buffer, size_t* size);
-GC_API GCGetNumPortURLs(PORT_HANDLE port, uint32_t* numURLs);
-GC_API GCGetPortURLInfo(PORT_HANDLE port, uint32_t index, URL_INFO_CMD command, INFO_DATATYPE* type,
-                        void* buffer, size_t* size);
-GC_API GCReadPortStacked(PORT_HANDLE port, PORT_REGISTER_STACK_ENTRY* entries, size_t* numEntries);
-GC_API GCWritePortStacked(PORT_HANDLE port, PORT_REGISTER_STACK_ENTRY* entries, size_t* numEntries);
-GC_API DSGetBufferChunkData(DS_HANDLE dataStream, BUFFER_HANDLE handle,
-                            SINGLE_CHUNK_DATA* chunkData, size_t* numChunks);
-GC_API IFGetParentTL(IF_HANDLE iface, TL_HANDLE* system);
-GC_API DevGetParentIF(DEV_HANDLE device, IF_HANDLE* iface);
-GC_API DSGetParentDev(DS_HANDLE dataStream, DEV_HANDLE* device);
-GC_API DSGetNumBufferParts(DS_HANDLE dataStream, BUFFER_HANDLE handle, uint32_t* numParts);
-GC_API DSGetBufferPartInfo(DS_HANDLE dataStream, BUFFER_HANDLE handle, uint32_t partIndex,
-                           BUFFER_PART_INFO_CMD command, INFO_DATATYPE* type, void* buffer,
-                           size_t* size);
-GC_API DSAnnounceCompositeBuffer(DS_HANDLE dataStream, size_t numSegments, void** segments,
-                                 size_t* sizes, void* user, BUFFER_HANDLE* handle);
-GC_API DSGetBufferInfoStacked(DS_HANDLE dataStream, BUFFER_HANDLE handle,
-                              DS_BUFFER_INFO_STACKED* infoStacked, size_t numInfos);
-GC_API DSGetBufferPartInfoStacked(DS_HANDLE dataStream, BUFFER_HANDLE handle,
-                                  DS_BUFFER_PART_INFO_STACKED* infoStacked, size_t numInfos);
-GC_API DSGetNumFlows(DS_HANDLE dataStream, uint32_t* numFlows);
-GC_API DSGetFlowInfo(DS_HANDLE dataStream, uint32_t flowIndex, FLOW_INFO_CMD command,
-                     INFO_DATATYPE* type, void* buffer, size_t* size);
-GC_API DSGetNumBufferSegments(DS_HANDLE dataStream, BUFFER_HANDLE handle, uint32_t* numSegments);
-GC_API DSGetBufferSegmentInfo(DS_HANDLE dataStream, BUFFER_HANDLE handle, uint32_t segmentIndex,
-                              SEGMENT_INFO_CMD command, INFO_DATATYPE* type, void* buffer,
-                              size_t* size);
+GC_API GCGetInfo(TL_INFO_CMD, INFO_DATATYPE*, void*, size_t*);
+GC_API GCGetLastError(GC_ERROR*, char*, size_t*);
+GC_API GCInitLib();
+GC_API GCCloseLib();
+GC_API GCReadPort(PORT_HANDLE, uint64_t, void*, size_t*);
+GC_API GCWritePort(PORT_HANDLE, uint64_t, const void*, size_t*);
+GC_API GCGetPortURL(PORT_HANDLE, char*, size_t*);
+GC_API GCGetPortInfo(PORT_HANDLE, PORT_INFO_CMD, INFO_DATATYPE*, void*, size_t*);
+GC_API GCRegisterEvent(EVENTSRC_HANDLE, EVENT_TYPE, EVENT_HANDLE*);
+GC_API GCUnregisterEvent(EVENTSRC_HANDLE, EVENT_TYPE);
+GC_API EventGetData(EVENT_HANDLE, void*, size_t*, uint64_t);
+GC_API EventGetDataInfo(EVENT_HANDLE, const void*, size_t, EVENT_DATA_INFO_CMD, INFO_DATATYPE*,
+                        void*, size_t*);
+GC_API EventGetInfo(EVENT_HANDLE, EVENT_INFO_CMD, INFO_DATATYPE*, void*, size_t*);
+GC_API EventFlush(EVENT_HANDLE);
+GC_API EventKill(EVENT_HANDLE);
+GC_API TLOpen(TL_HANDLE*);
+GC_API TLClose(TL_HANDLE);
+GC_API TLGetInfo(TL_HANDLE, TL_INFO_CMD, INFO_DATATYPE*, void*, size_t*);
+GC_API TLGetNumInterfaces(TL_HANDLE, uint32_t*);
+GC_API TLGetInterfaceID(TL_HANDLE, uint32_t, char*, size_t*);
+GC_API TLGetInterfaceInfo(TL_HANDLE, const char*, INTERFACE_INFO_CMD, INFO_DATATYPE*, void*,
+                          size_t*);
+GC_API TLOpenInterface(TL_HANDLE, const char*, IF_HANDLE*);
+GC_API TLUpdateInterfaceList(TL_HANDLE, bool8_t*, uint64_t);
+GC_API IFClose(IF_HANDLE);
+GC_API IFGetInfo(IF_HANDLE, INTERFACE_INFO_CMD, INFO_DATATYPE*, void*, size_t*);
+GC_API IFGetNumDevices(IF_HANDLE, uint32_t*);
+GC_API IFGetDeviceID(IF_HANDLE, uint32_t, char*, size_t*);
+GC_API IFUpdateDeviceList(IF_HANDLE, bool8_t*, uint64_t);
+GC_API IFGetDeviceInfo(IF_HANDLE, const char*, DEVICE_INFO_CMD, INFO_DATATYPE*, void*, size_t*);
+GC_API IFOpenDevice(IF_HANDLE, const char*, DEVICE_ACCESS_FLAGS, DEV_HANDLE*);
+GC_API DevGetPort(DEV_HANDLE, PORT_HANDLE*);
+GC_API DevGetNumDataStreams(DEV_HANDLE, uint32_t*);
+GC_API DevGetDataStreamID(DEV_HANDLE, uint32_t, char*, size_t*);
+GC_API DevOpenDataStream(DEV_HANDLE, const char*, DS_HANDLE*);
+GC_API DevGetInfo(DEV_HANDLE, DEVICE_INFO_CMD, INFO_DATATYPE*, void*, size_t*);
+GC_API DevClose(DEV_HANDLE);
+GC_API DSAnnounceBuffer(DS_HANDLE, void*, size_t, void*, BUFFER_HANDLE*);
+GC_API DSAllocAndAnnounceBuffer(DS_HANDLE, size_t, void*, BUFFER_HANDLE*);
+GC_API DSFlushQueue(DS_HANDLE, ACQ_QUEUE_TYPE);
+GC_API DSStartAcquisition(DS_HANDLE, ACQ_START_FLAGS, uint64_t);
+GC_API DSStopAcquisition(DS_HANDLE, ACQ_STOP_FLAGS);
+GC_API DSGetInfo(DS_HANDLE, STREAM_INFO_CMD, INFO_DATATYPE*, void*, size_t*);
+GC_API DSGetBufferID(DS_HANDLE, uint32_t, BUFFER_HANDLE*);
+GC_API DSClose(DS_HANDLE);
+GC_API DSRevokeBuffer(DS_HANDLE, BUFFER_HANDLE, void**, void**);
+GC_API DSQueueBuffer(DS_HANDLE, BUFFER_HANDLE);
+GC_API DSGetBufferInfo(DS_HANDLE, BUFFER_HANDLE, BUFFER_INFO_CMD, INFO_DATATYPE*, void*, size_t*);
+GC_API GCGetNumPortURLs(PORT_HANDLE, uint32_t*);
+GC_API GCGetPortURLInfo(PORT_HANDLE, uint32_t, URL_INFO_CMD, INFO_DATATYPE*, void*, size_t*);
+GC_API GCReadPortStacked(PORT_HANDLE, PORT_REGISTER_STACK_ENTRY*, size_t*);
+GC_API GCWritePortStacked(PORT_HANDLE, PORT_REGISTER_STACK_ENTRY*, size_t*);
+GC_API DSGetBufferChunkData(DS_HANDLE, BUFFER_HANDLE, SINGLE_CHUNK_DATA*, size_t*);
+GC_API IFGetParentTL(IF_HANDLE, TL_HANDLE*);
+GC_API DevGetParentIF(DEV_HANDLE, IF_HANDLE*);
+GC_API DSGetParentDev(DS_HANDLE, DEV_HANDLE*);
+GC_API DSGetNumBufferParts(DS_HANDLE, BUFFER_HANDLE, uint32_t*);
+GC_API DSGetBufferPartInfo(DS_HANDLE, BUFFER_HANDLE, uint32_t, BUFFER_PART_INFO_CMD, INFO_DATATYPE*,
+                           void*, size_t*);
+GC_API DSAnnounceCompositeBuffer(DS_HANDLE, size_t, void**, size_t*, void*, BUFFER_HANDLE*);
+GC_API DSGetBufferInfoStacked(DS_HANDLE, BUFFER_HANDLE, DS_BUFFER_INFO_STACKED*, size_t);
+GC_API DSGetBufferPartInfoStacked(DS_HANDLE, BUFFER_HANDLE, DS_BUFFER_PART_INFO_STACKED*, size_t);
+GC_API DSGetNumFlows(DS_HANDLE, uint32_t*);
+GC_API DSGetFlowInfo(DS_HANDLE, uint32_t, FLOW_INFO_CMD, INFO_DATATYPE*, void*, size_t*);
+GC_API DSGetNumBufferSegments(DS_HANDLE, BUFFER_HANDLE, uint32_t*);
+GC_API DSGetBufferSegmentInfo(DS_HANDLE, BUFFER_HANDLE, uint32_t, SEGMENT_INFO_CMD, INFO_DATATYPE*,
+                              void*, size_t*);
 
-#ifdef __cplusplus
-}
-#endif
+}  // extern "C"

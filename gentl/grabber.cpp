@@ -1,8 +1,6 @@
 #include "gentl/grabber.h"
 
-#include <fcntl.h>
 #include <stdlib.h>
-#include <unistd.h>
 
 #include <filesystem>
 #include <optional>
@@ -24,28 +22,24 @@ constexpr std::size_t kTextBytes = 4096;  ///< As the applet's document has it.
 /// working directory, which is another one for this while.
 class ExternalDesign {
  public:
-  explicit ExternalDesign(const std::string& file) : before_(open(".", O_PATH | O_CLOEXEC)) {
+  explicit ExternalDesign(const std::string& file) : before_(fs::current_path()) {
     std::string name = fs::temp_directory_path() / "velmora-XXXXXX";
-    const fs::path target = fs::absolute(file);
-    if (before_ < 0 || !mkdtemp(name.data())) fail(GC_ERR_IO, "cannot create " + name);
+    if (!mkdtemp(name.data())) fail(GC_ERR_IO, "cannot create " + name);
     directory_ = name;
-    fs::create_symlink(target, directory_ / "Velmora.hap");
+    fs::create_symlink(fs::absolute(file), directory_ / "Velmora.hap");
     setenv(kDesignVariable, "1", 1);
     fs::current_path(directory_);
   }
   ExternalDesign(const ExternalDesign&) = delete;
-  ExternalDesign& operator=(const ExternalDesign&) = delete;
   ~ExternalDesign() {
     std::error_code ignored;
-    if (fchdir(before_) != 0) fs::current_path("/", ignored);
-    close(before_);
+    fs::current_path(before_, ignored);
     unsetenv(kDesignVariable);
     fs::remove_all(directory_, ignored);
   }
 
  private:
-  int before_;
-  fs::path directory_;
+  fs::path before_, directory_;
 };
 
 struct Meaning {
@@ -53,6 +47,7 @@ struct Meaning {
   const char* text;
 };
 
+/// Of the applet's codes; the board explains its own.
 constexpr Meaning kMeanings[] = {
     {VELMORA_NOT_AVAILABLE, "read-only parameter"},
     {VELMORA_TRIGGER_BUSY, "the trigger generator is busy and the trigger queue is off"},
@@ -67,7 +62,6 @@ constexpr Meaning kMeanings[] = {
     {VELMORA_TRIGGER_NOT_ACTIVE, "the trigger state is not TS_ACTIVE"},
     {VELMORA_OUT_OF_RANGE, "value out of range or not one of the allowed values"},
     {VELMORA_STEP_VIOLATION, "value breaks a step rule"},
-    {VELMORA_BOARD_BUFFER_TOO_SMALL, "buffers smaller than a picture"},
 };
 
 const RegisterInfo* find(const RegisterInfo& node, int id) {
@@ -83,27 +77,9 @@ struct Width {
 };
 
 Width widthOf(const RegisterInfo& node) {
-  switch (node.kind) {
-    case REGISTER_INFO_DOUBLE:
-      return {FG_PARAM_TYPE_DOUBLE, 8};
-    case REGISTER_INFO_UINT64:
-      return {FG_PARAM_TYPE_UINT64, 8};
-    case REGISTER_INFO_INT64:
-      return {FG_PARAM_TYPE_INT64, 8};
-    default:
-      return {FG_PARAM_TYPE_INT32, 4};
-  }
-}
-
-GC_ERROR refusal(int code) {
-  switch (code) {
-    case VELMORA_NOT_AVAILABLE:
-    case VELMORA_BOARD_READ_ONLY:
-    case VELMORA_BOARD_REGISTER_READ_ONLY:
-      return GC_ERR_ACCESS_DENIED;
-    default:
-      return GC_ERR_INVALID_VALUE;
-  }
+  if (node.kind == REGISTER_INFO_DOUBLE) return {FG_PARAM_TYPE_DOUBLE, 8};
+  const bool wide = node.kind == REGISTER_INFO_UINT64 || node.kind == REGISTER_INFO_INT64;
+  return wide ? Width{FG_PARAM_TYPE_INT64, 8} : Width{FG_PARAM_TYPE_INT32, 4};
 }
 
 void requireSuccess(int code, GC_ERROR failure, const std::string& what) {
@@ -112,9 +88,10 @@ void requireSuccess(int code, GC_ERROR failure, const std::string& what) {
 
 }  // namespace
 
-std::string codeText(std::int64_t code) {
+std::string codeText(int code) {
   const auto* row = std::ranges::find(kMeanings, code, &Meaning::code);
-  return std::to_string(code) + (row == std::end(kMeanings) ? "" : std::string(", ") + row->text);
+  const bool ofBoard = row == std::end(kMeanings);
+  return std::to_string(code) + ", " + (ofBoard ? VirtualBoard_errorText(code) : row->text);
 }
 
 Grabber::Grabber() {
@@ -171,14 +148,35 @@ void Grabber::set(int id, unsigned port, std::string_view bytes) {
           "not the size of the register");
   const std::string ended(bytes);  // In a zero, for texts.
   const int code = Fg_setParameterWithType(fg(), id, ended.data(), port, type);
-  requireSuccess(code, refusal(code), node.paramName);
+  const bool readOnly = code == VELMORA_NOT_AVAILABLE || code == VELMORA_BOARD_READ_ONLY ||
+                        code == VELMORA_BOARD_REGISTER_READ_ONLY;
+  requireSuccess(code, readOnly ? GC_ERR_ACCESS_DENIED : GC_ERR_INVALID_VALUE, node.paramName);
 }
 
-Grabber::Limits Grabber::limits(int id, unsigned port) {
+void Grabber::setAll(unsigned port, const std::vector<Setting>& settings) {
+  std::vector<Setting> before;
+  try {
+    for (const auto& [id, bytes] : settings) {
+      const std::string old = get(id, port);
+      set(id, port, bytes);
+      before.insert(before.begin(), {id, old});
+    }
+  } catch (...) {
+    for (const auto& [id, bytes] : before) {
+      try {
+        set(id, port, bytes);
+      } catch (const Failure&) {  // The refusal that led here is the one to tell.
+      }
+    }
+    throw;
+  }
+}
+
+std::pair<Value, Value> Grabber::limits(int id, unsigned port) {
   const std::lock_guard guard(sets_);
   const RegisterInfo& node = describe(id, port);
-  const auto of = [](const auto& values) {
-    return Limits{toValue(values.min), toValue(values.max)};
+  const auto of = [](const auto& range) {
+    return std::pair(toValue(range.min), toValue(range.max));
   };
   switch (node.kind) {
     case REGISTER_INFO_DOUBLE:
@@ -233,22 +231,13 @@ void Grabber::listen(unsigned port, Listener told) {
   const auto all = events(port);
   const std::lock_guard guard(listening_);
   ears_[port] = {0, std::move(told)};
-  for (const auto& [name, mask] : all) ears_[port].mask |= mask;
-  enableEvents();
+  if (ears_[port].told)
+    for (const auto& [name, mask] : all) ears_[port].mask |= mask;
+  std::uint64_t wanted = 0;
+  for (const Ear& ear : ears_) wanted |= ear.mask;
+  VirtualBoard_enableEvents(device_.get(), wanted);
   if (!watcher_.joinable())
     watcher_ = std::jthread([this](const std::stop_token& stop) { watch(stop); });
-}
-
-void Grabber::ignore(unsigned port) {
-  const std::lock_guard guard(listening_);
-  ears_[port] = {};
-  enableEvents();
-}
-
-void Grabber::enableEvents() {
-  std::uint64_t all = 0;
-  for (const Ear& ear : ears_) all |= ear.mask;
-  VirtualBoard_enableEvents(device_.get(), all);
 }
 
 void Grabber::watch(const std::stop_token& stop) {

@@ -42,17 +42,16 @@ class Grabber {
     return value;
   }
   std::uint32_t word(int id, unsigned port) { return value<std::uint32_t>(id, port); }
-  template <class T>
-  void setValue(int id, unsigned port, T value) {
-    set(id, port, {reinterpret_cast<const char*>(&value), sizeof value});
-  }
+  struct Setting {
+    int id;
+    std::string bytes;
+  };
+  /// Sets in turn; if one is refused, those before it get their values back.
+  void setAll(unsigned port, const std::vector<Setting>& settings);
   /// @}
 
-  struct Limits {
-    Value min, max;
-  };
   /// As they are at the moment.
-  Limits limits(int id, unsigned port);
+  std::pair<Value, Value> limits(int id, unsigned port);
   std::string nameOf(int id, unsigned port);
   int idOf(const std::string& name);
   /// The applet's document of a port.
@@ -65,14 +64,12 @@ class Grabber {
   using Listener = std::function<void(const VirtualBoardEvent&)>;
   /// Name and mask of the events that a port has: its own and those of the inputs.
   std::vector<std::pair<std::string, std::uint64_t>> events(unsigned port);
-  /// Tells of them until the port is ignored.
+  /// Tells of them from now on, or no more if there is nobody to tell.
   void listen(unsigned port, Listener told);
-  void ignore(unsigned port);
   /// @}
 
  private:
   const RegisterInfo& describe(int id, unsigned port);
-  void enableEvents();
   void watch(const std::stop_token& stop);
 
   std::unique_ptr<KTdevice, void (*)(KTdevice*)> device_{VirtualBoard_createDevice(),
@@ -90,6 +87,6 @@ class Grabber {
 };
 
 /// A code of the applet or the board with its meaning.
-std::string codeText(std::int64_t code);
+std::string codeText(int code);
 
 }  // namespace gentl

@@ -7,15 +7,8 @@ namespace gentl {
 namespace {
 
 std::size_t sizeOfNumber(INFO_DATATYPE type) {
-  switch (type) {
-    case INFO_DATATYPE_BOOL8:
-      return 1;
-    case INFO_DATATYPE_INT32:
-    case INFO_DATATYPE_UINT32:
-      return 4;
-    default:
-      return 8;
-  }
+  if (type == INFO_DATATYPE_BOOL8) return 1;
+  return type == INFO_DATATYPE_INT32 || type == INFO_DATATYPE_UINT32 ? 4 : 8;
 }
 
 }  // namespace
@@ -23,11 +16,9 @@ std::size_t sizeOfNumber(INFO_DATATYPE type) {
 std::string encoded(INFO_DATATYPE type, const Value& value) {
   if (const auto* text = std::get_if<std::string>(&value))
     return type == INFO_DATATYPE_STRING ? *text + '\0' : *text;
-  std::string bytes(8, '\0');  // Little-endian, as the machine.
-  if (const auto* real = std::get_if<double>(&value)) std::memcpy(bytes.data(), real, 8);
-  if (const auto* whole = std::get_if<std::uint64_t>(&value)) std::memcpy(bytes.data(), whole, 8);
-  bytes.resize(sizeOfNumber(type));
-  return bytes;
+  const auto* real = std::get_if<double>(&value);
+  return (real ? bytesOf(*real) : bytesOf(std::get<std::uint64_t>(value)))
+      .substr(0, sizeOfNumber(type));
 }
 
 std::string hexadecimal(std::uint64_t value) {

@@ -30,6 +30,11 @@ Value toValue(const T& from) {
     return static_cast<std::uint64_t>(from);
 }
 
+/// What a number is in memory, which is little-endian.
+template <class T>
+std::string bytesOf(const T& number) {
+  return {reinterpret_cast<const char*>(&number), sizeof number};
+}
 /// The bytes of a value in one of the standard's types; texts with their zero.
 std::string encoded(INFO_DATATYPE type, const Value& value);
 

@@ -14,16 +14,12 @@ const InfoRow<Board> kInfos[] = {
     {INTERFACE_INFO_TLTYPE, INFO_DATATYPE_STRING, tell<kTechnology>},
 };
 
-constexpr const char* kTypes[] = {kTechnology};
-constexpr const char* kAccess[] = {"Unknown", "ReadWrite",     "ReadOnly",    "NoAccess",
-                                   "Busy",    "OpenReadWrite", "OpenReadOnly"};
-
 }  // namespace
 
 Interface::Interface(std::shared_ptr<Module> system)
     : Module(kInterfaceId, "TLInterface", std::move(system), {}, deviceIds()) {
   addInfos(kInfos, []() -> Board& { return theBoard; });
-  addEnumeration("InterfaceType", kTypes);
+  addEnumeration("InterfaceType", {kTechnology});
   addCommand("DeviceUpdateList");
   addSelector("DeviceSelector");
   const auto shown = [this] {
@@ -36,7 +32,10 @@ Interface::Interface(std::shared_ptr<Module> system)
        [=] { return toValue(shown().access); },
        nullptr,
        {"DeviceSelector"}});
-  addEnumeration("DeviceAccessStatus", kAccess, element("pValue", "DeviceAccessStatus_Reg"));
+  addEnumeration(
+      "DeviceAccessStatus",
+      {"Unknown", "ReadWrite", "ReadOnly", "NoAccess", "Busy", "OpenReadWrite", "OpenReadOnly"},
+      element("pValue", "DeviceAccessStatus_Reg"));
 }
 
 void Interface::boardInfo(INTERFACE_INFO_CMD command, Answer to) {

@@ -8,8 +8,6 @@ namespace {
 constexpr std::uint64_t kRegisterSlot = 0x400;
 constexpr std::uint64_t kDocument = 0x8000000000;  // Behind all registers.
 
-constexpr const char* kNoRegister = "no register has this address";
-
 const InfoRow<Module> kPortInfos[] = {
     {PORT_INFO_ID, INFO_DATATYPE_STRING, tell<&Module::id>},
     {PORT_INFO_VENDOR, INFO_DATATYPE_STRING, tell<kVendor>},
@@ -67,13 +65,7 @@ void Module::read(std::uint64_t address, void* buffer, std::size_t* size) {
     std::memcpy(buffer, text.data() + offset, *size);
     return;
   }
-  std::string bytes;
-  if (const Register* own = at(address)) {
-    bytes = encoded(INFO_DATATYPE_UINT64, own->read());
-    bytes.resize(lengthOf(*own));
-  } else {
-    bytes = readOther(address);
-  }
+  const std::string bytes = readRegister(address);
   require(*size <= bytes.size(), GC_ERR_INVALID_PARAMETER, "more bytes than the register has");
   std::memcpy(buffer, bytes.data(), *size);
 }
@@ -83,26 +75,26 @@ void Module::write(std::uint64_t address, const void* buffer, std::size_t* size)
   requirePointer(size);
   require(writable(), GC_ERR_ACCESS_DENIED, "opened to read only");
   const std::lock_guard guard(portLock_);
-  if (const Register* own = at(address)) {
-    require(own->write != nullptr, GC_ERR_ACCESS_DENIED, "a register to read only");
-    require(*size == lengthOf(*own), GC_ERR_INVALID_PARAMETER, "not the size of the register");
-    std::uint64_t bits = 0;
-    std::memcpy(&bits, buffer, sizeof bits);
-    if (own->kind == RegisterKind::kFloat)
-      own->write(std::bit_cast<double>(bits));
-    else
-      own->write(bits);
-  } else {
-    writeOther(address, {static_cast<const char*>(buffer), *size});
-  }
-  written(address);
+  writeRegister(address, {static_cast<const char*>(buffer), *size});
 }
 
-std::string Module::readOther(std::uint64_t /*address*/) {
-  fail(GC_ERR_INVALID_ADDRESS, kNoRegister);
+std::string Module::readRegister(std::uint64_t address) {
+  const Register& own = at(address);
+  std::string bytes = encoded(INFO_DATATYPE_UINT64, own.read());
+  bytes.resize(lengthOf(own));
+  return bytes;
 }
-void Module::writeOther(std::uint64_t /*address*/, std::string_view /*bytes*/) {
-  fail(GC_ERR_INVALID_ADDRESS, kNoRegister);
+
+void Module::writeRegister(std::uint64_t address, std::string_view bytes) {
+  const Register& own = at(address);
+  require(own.write != nullptr, GC_ERR_ACCESS_DENIED, "a register to read only");
+  require(bytes.size() == lengthOf(own), GC_ERR_INVALID_PARAMETER, "not the size of the register");
+  std::uint64_t bits = 0;
+  bytes.copy(reinterpret_cast<char*>(&bits), sizeof bits);
+  if (own.kind == RegisterKind::kFloat)
+    own.write(std::bit_cast<double>(bits));
+  else
+    own.write(bits);
 }
 
 void Module::portInfo(PORT_INFO_CMD command, Answer to) { answer(kPortInfos, *this, command, to); }
@@ -175,9 +167,10 @@ void Module::addFeature(const std::string& name, RegisterKind kind, std::functio
   add({name, kind, std::move(read), nullptr, std::move(invalidators)});
 }
 
-void Module::addCommand(const std::string& name) {
+void Module::addCommand(const std::string& name, const std::function<void()>& action) {
   names_ += element("pFeature", name);
-  add({name + "_Reg", RegisterKind::kInteger, [] { return toValue(0); }, [](const Value&) {}});
+  const auto act = [action](const Value&) { action(); };
+  add({name + "_Reg", RegisterKind::kInteger, [] { return toValue(0); }, act});
   features_ +=
       node("Command", name, element("pValue", name + "_Reg") + element("CommandValue", "1"));
 }
@@ -195,12 +188,12 @@ void Module::addSelector(const std::string& name) {
                         element("Max", std::to_string(count() - 1)));
 }
 
-void Module::addEnumeration(const std::string& name, std::span<const char* const> entries,
+void Module::addEnumeration(const std::string& name, std::initializer_list<const char*> entries,
                             const std::string& value) {
   names_ += element("pFeature", name);
   std::string elements;
-  for (std::size_t i = 0; i < entries.size(); ++i)
-    elements += node("EnumEntry", entries[i], element("Value", std::to_string(i)));
+  for (int i = 0; const char* entry : entries)
+    elements += node("EnumEntry", entry, element("Value", std::to_string(i++)));
   features_ += node("Enumeration", name, elements + value);
 }
 
@@ -246,10 +239,11 @@ std::string Module::registerNodes() const {
   return nodes;
 }
 
-const Register* Module::at(std::uint64_t address) const {
+const Register& Module::at(std::uint64_t address) const {
   const std::uint64_t index = (address - kRegisters) / kRegisterSlot;
-  if (address < kRegisters || address % kRegisterSlot != 0) return nullptr;
-  return index < registers_.size() ? &registers_[index] : nullptr;
+  require(address >= kRegisters && address % kRegisterSlot == 0 && index < registers_.size(),
+          GC_ERR_INVALID_ADDRESS, "no register has this address");
+  return registers_[index];
 }
 
 }  // namespace gentl

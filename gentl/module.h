@@ -2,7 +2,6 @@
 
 #include <initializer_list>
 #include <map>
-#include <span>
 #include <vector>
 
 #include "gentl/event.h"
@@ -98,25 +97,27 @@ class Module : public Object, public std::enable_shared_from_this<Module> {
                    invalidators);
     }
   }
-  void addCommand(const std::string& name);
+  /// @param action nothing for what this producer never needs to do.
+  void addCommand(
+      const std::string& name, const std::function<void()>& action = [] {});
   /// Chooses one of the modules below, of which other features tell.
   void addSelector(const std::string& name);
   std::size_t selected() const { return selected_; }
   /// @param value a node: a constant, or a reference to where the value is.
-  void addEnumeration(const std::string& name, std::span<const char* const> entries,
+  void addEnumeration(const std::string& name, std::initializer_list<const char*> entries,
                       const std::string& value = "<Value>0</Value>\n");
   virtual std::string makeDocument();
-  /// Null where none of the module's own lies.
-  const Register* at(std::uint64_t address) const;
+  const Register& at(std::uint64_t address) const;
   /// The nodes of all registers.
   std::string registerNodes() const;
   /// @}
 
-  /// Registers that are not the module's own.
-  virtual std::string readOther(std::uint64_t address);
-  virtual void writeOther(std::uint64_t address, std::string_view bytes);
-  /// A register was written.
-  virtual void written(std::uint64_t /*address*/) {}
+  /// @name A register as its bytes
+  /// The module's own ones.
+  /// @{
+  virtual std::string readRegister(std::uint64_t address);
+  virtual void writeRegister(std::uint64_t address, std::string_view bytes);
+  /// @}
 
  private:
   struct Below {

@@ -24,7 +24,7 @@ const std::vector<const char*> kTogether[] = {
      "FG_TRIGGERQUEUE_MODE", "FG_SENDSOFTWARETRIGGER"},
     {"TriggerActivation", "FG_TRIGGERIN_POLARITY"},
     {"BalanceRatio", "FG_SCALINGFACTOR_RED", "FG_SCALINGFACTOR_GREEN", "FG_SCALINGFACTOR_BLUE"},
-    {"FG_GEN_FREQ", "FG_GEN_ACCURACY"},
+    {"FG_GEN_FREQ", "FG_GEN_ACCURACY", "FG_GEN_ACTIVE", "FG_GEN_PASSIVE"},
     {"FG_GEN_WIDTH", "FG_GEN_LINE_GAP", "FG_GEN_LINE_WIDTH"},
     {"FG_TRIGGERIN_DOWNSCALE", "FG_TRIGGERIN_DOWNSCALE_PHASE"},
     {"FG_TRIGGER_PULSEFORMGEN0_DOWNSCALE", "FG_TRIGGER_PULSEFORMGEN0_DOWNSCALE_PHASE"},
@@ -103,6 +103,17 @@ std::string eventNodes(Grabber& grabber, unsigned number) {
          nodes;
 }
 
+using Settings = std::vector<Grabber::Setting>;
+
+const Grabber::Setting kGenerator{FG_AREATRIGGERMODE, bytesOf(ATM_GENERATOR)};
+
+/// By which the applet triggers from a source.
+Settings settingsOf(std::uint64_t source) {
+  if (source == 0) return {{FG_AREATRIGGERMODE, bytesOf(ATM_SOFTWARE)}};
+  return {{FG_TRIGGERIN_SRC, bytesOf(static_cast<std::uint32_t>(source - 1))},
+          {FG_AREATRIGGERMODE, bytesOf(ATM_EXTERNAL)}};
+}
+
 std::uint64_t whole(const Value& value) { return std::get<std::uint64_t>(value); }
 
 }  // namespace
@@ -112,133 +123,100 @@ RemoteDevice::RemoteDevice(const std::shared_ptr<Device>& device)
       device_(*device),
       grabber_(device->grabber),
       port_(device->port) {
-  const std::pair<const char*, std::string> texts[] = {
-      {"DeviceVendorName", kVendor},
-      {"DeviceModelName", kModel},
-      {"DeviceVersion", kVersion},
-      {"DeviceID", id},
-      {"DeviceSerialNumber", std::to_string(port_)}};
-  for (const auto& [name, text] : texts)
-    add({name, RegisterKind::kText, [text = text] { return text; }});
-  addOwn(
-      "PayloadSize", [this] { return toValue(grabber_.payload(port_)); }, nullptr);
-  addAcquisition();
-  addTrigger();
-  addFrameRate();
+  addInfos(kDeviceInfos, [this] { return device_.facts(); });
+  addOwn<&RemoteDevice::payload>("PayloadSize");
+  addCommand("AcquisitionStart", [this] { device_.startSending(); });
+  addCommand("AcquisitionStop", [this] { device_.stopSending(); });
+  addSetting("AcquisitionMode", device_.mode, 0, 2);
+  addSetting("AcquisitionFrameCount", device_.pictures, 1, 0x7FFFFFFF);
+  addOwn<&RemoteDevice::triggered, &RemoteDevice::setTriggered>("TriggerMode");
+  addOwn<&RemoteDevice::source, &RemoteDevice::setSource>("TriggerSource");
+  addOwn<&RemoteDevice::paced, &RemoteDevice::setPaced>("AcquisitionFrameRateEnable");
+  addOwn<&RemoteDevice::rate, &RemoteDevice::setRate>("AcquisitionFrameRate", RegisterKind::kFloat);
 }
 
-void RemoteDevice::addOwn(const std::string& feature, std::function<Value()> read,
-                          std::function<void(const Value&)> write, RegisterKind kind) {
-  add({feature + "_Reg", kind, std::move(read), std::move(write), othersThan(feature)});
+template <auto get, auto set>
+void RemoteDevice::addOwn(const std::string& feature, RegisterKind kind) {
+  Register own{feature + "_Reg", kind, [this] { return tell<get>(*this); }};
+  if constexpr (set != nullptr) own.write = std::bind_front(set, this);
+  own.invalidators = othersThan(feature);
+  add(std::move(own));
 }
 
-void RemoteDevice::addAcquisition() {
-  const auto command = [this](const char* name, void (Device::*action)()) {
-    const auto write = [&device = device_, action](const Value&) { std::invoke(action, device); };
-    addOwn(
-        name, [] { return toValue(0); }, write);
+void RemoteDevice::addSetting(const char* feature, std::atomic<std::uint64_t>& field,
+                              std::uint64_t min, std::uint64_t max) {
+  const auto write = [&field, min, max](const Value& value) {
+    require(whole(value) >= min && whole(value) <= max, GC_ERR_INVALID_VALUE, "value out of range");
+    field = whole(value);
   };
-  command("AcquisitionStart", &Device::startSending);
-  command("AcquisitionStop", &Device::stopSending);
-  const auto setting = [this](const char* name, std::uint64_t& field, std::uint64_t min,
-                              std::uint64_t max) {
-    const auto read = [&control = device_.control, &field] {
-      const std::lock_guard guard(control);
-      return toValue(field);
-    };
-    const auto write = [&control = device_.control, &field, min, max](const Value& value) {
-      require(whole(value) >= min && whole(value) <= max, GC_ERR_INVALID_VALUE,
-              "value out of range");
-      const std::lock_guard guard(control);
-      field = whole(value);
-    };
-    addOwn(name, read, write);
-  };
-  setting("AcquisitionMode", device_.mode, 0, 2);
-  setting("AcquisitionFrameCount", device_.pictures, 1, 0x7FFFFFFF);
-}
-
-void RemoteDevice::addTrigger() {
-  addOwn(
-      "TriggerMode", [this] { return toValue(triggered()); },
-      [this](const Value& on) {
-        if (whole(on) != 0) return trigger();
-        if (triggered()) activate(ATM_GENERATOR);
-      });
-  addOwn(
-      "TriggerSource", [this] { return source(); },
-      [this](const Value& value) {
-        constexpr std::uint64_t kLines = 8;
-        require(whole(value) <= kLines, GC_ERR_INVALID_VALUE, "no such source");
-        source_ = whole(value);
-        if (triggered()) trigger();
-      });
-}
-
-/// Without triggers, the design's generator paces the camera, or nothing does.
-void RemoteDevice::addFrameRate() {
-  addOwn(
-      "AcquisitionFrameRateEnable", [this] { return toValue(active() && !triggered()); },
-      [this](const Value& on) {
-        require(!triggered(), GC_ERR_ACCESS_DENIED, "TriggerMode is On");
-        if (whole(on) != 0) return activate(ATM_GENERATOR);
-        grabber_.setValue(FG_TRIGGERSTATE, port_, std::uint32_t{TS_ASYNC_STOP});
-      });
-  addOwn(
-      "AcquisitionFrameRate",
-      [this] { return grabber_.value<double>(FG_TRIGGER_FRAMESPERSECOND, port_); },
-      [this](const Value& rate) {
-        grabber_.setValue(FG_TRIGGER_FRAMESPERSECOND, port_, std::get<double>(rate));
-        if (!triggered()) activate(ATM_GENERATOR);
-      },
-      RegisterKind::kFloat);
+  add({std::string(feature) + "_Reg", RegisterKind::kInteger,
+       [&field] { return toValue(field.load()); }, write});
 }
 
 bool RemoteDevice::writable() const { return !device_.readOnly; }
 
+std::size_t RemoteDevice::payload() { return grabber_.payload(port_); }
+std::uint32_t RemoteDevice::mode() { return grabber_.word(FG_AREATRIGGERMODE, port_); }
 bool RemoteDevice::active() { return grabber_.word(FG_TRIGGERSTATE, port_) == TS_ACTIVE; }
 
-bool RemoteDevice::triggered() {
-  return active() && grabber_.word(FG_AREATRIGGERMODE, port_) != ATM_GENERATOR;
+void RemoteDevice::activate(std::vector<Grabber::Setting> settings) {
+  source_ = source();
+  settings.push_back({FG_TRIGGERSTATE, bytesOf(TS_ACTIVE)});
+  grabber_.setAll(port_, settings);
 }
 
-void RemoteDevice::activate(std::uint32_t mode) {
-  grabber_.setValue(FG_AREATRIGGERMODE, port_, mode);
-  grabber_.setValue(FG_TRIGGERSTATE, port_, std::uint32_t{TS_ACTIVE});
-}
-
-void RemoteDevice::trigger() {
-  if (source_ == 0) return activate(ATM_SOFTWARE);
-  grabber_.setValue(FG_TRIGGERIN_SRC, port_, static_cast<std::uint32_t>(source_ - 1));
-  activate(ATM_EXTERNAL);
+bool RemoteDevice::triggered() { return active() && mode() != ATM_GENERATOR; }
+void RemoteDevice::setTriggered(const Value& on) {
+  const bool wanted = whole(on) != 0;
+  if (wanted != triggered()) activate(wanted ? settingsOf(source()) : Settings{kGenerator});
 }
 
 /// What the applet has, or what it will get when triggers are turned on.
 std::uint64_t RemoteDevice::source() {
-  const std::uint32_t mode = grabber_.word(FG_AREATRIGGERMODE, port_);
-  if (mode == ATM_SOFTWARE) source_ = 0;
-  if (mode == ATM_EXTERNAL) source_ = 1 + grabber_.word(FG_TRIGGERIN_SRC, port_);
-  return source_;
+  const std::uint32_t now = mode();
+  if (now == ATM_EXTERNAL) return 1 + grabber_.word(FG_TRIGGERIN_SRC, port_);
+  return now == ATM_SOFTWARE ? 0 : source_;
+}
+void RemoteDevice::setSource(const Value& source) {
+  constexpr std::uint64_t kLines = 8;
+  require(whole(source) <= kLines, GC_ERR_INVALID_VALUE, "no such source");
+  if (mode() != ATM_GENERATOR) grabber_.setAll(port_, settingsOf(whole(source)));
+  source_ = whole(source);
 }
 
-std::string RemoteDevice::readOther(std::uint64_t address) {
+bool RemoteDevice::paced() { return active() && !triggered(); }
+void RemoteDevice::setPaced(const Value& on) {
+  require(!triggered(), GC_ERR_ACCESS_DENIED, "TriggerMode is On");
+  if (whole(on) != 0) return activate({kGenerator});
+  grabber_.setAll(port_, {{FG_TRIGGERSTATE, bytesOf(TS_ASYNC_STOP)}});
+}
+
+double RemoteDevice::rate() { return grabber_.value<double>(FG_TRIGGER_FRAMESPERSECOND, port_); }
+void RemoteDevice::setRate(const Value& rate) {
+  const Grabber::Setting setting{FG_TRIGGER_FRAMESPERSECOND, bytesOf(std::get<double>(rate))};
+  if (triggered()) return grabber_.setAll(port_, {setting});
+  activate({setting, kGenerator});
+}
+
+std::string RemoteDevice::readRegister(std::uint64_t address) {
   const std::uint64_t which = address & ~kLargestId;
   const int parameter = static_cast<int>(address & kLargestId);
   if (which == 0) return grabber_.get(parameter, port_);
-  if (which != kMin && which != kMax) return Module::readOther(address);
+  if (which != kMin && which != kMax) return Module::readRegister(address);
   const auto [min, max] = grabber_.limits(parameter, port_);
   return encoded(INFO_DATATYPE_UINT64, which == kMin ? min : max);
 }
 
-void RemoteDevice::writeOther(std::uint64_t address, std::string_view bytes) {
-  if (address > kLargestId) return Module::writeOther(address, bytes);
-  grabber_.set(static_cast<int>(address), port_, bytes);
-}
-
-void RemoteDevice::written(std::uint64_t address) {
-  const Register* const own = at(address);
-  const std::string feature =
-      own ? withoutSuffix(own->name) : grabber_.nameOf(static_cast<int>(address), port_);
+void RemoteDevice::writeRegister(std::uint64_t address, std::string_view bytes) {
+  std::string feature;
+  if (address <= kLargestId) {
+    const int parameter = static_cast<int>(address);
+    grabber_.set(parameter, port_, bytes);
+    feature = grabber_.nameOf(parameter, port_);
+  } else {
+    Module::writeRegister(address, bytes);
+    feature = withoutSuffix(at(address).name);
+  }
   for (const char* other : othersThan(feature))
     device_.event(EVENT_FEATURE_INVALIDATE).fire(std::string(other) + '\0');
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <atomic>
+
 #include "gentl/grabber.h"
 #include "gentl/module.h"
 
@@ -17,22 +19,31 @@ class RemoteDevice : public Module {
 
  protected:
   std::string makeDocument() override;
-  std::string readOther(std::uint64_t address) override;
-  void writeOther(std::uint64_t address, std::string_view bytes) override;
-  void written(std::uint64_t address) override;
+  std::string readRegister(std::uint64_t address) override;
+  void writeRegister(std::uint64_t address, std::string_view bytes) override;
 
  private:
-  void addOwn(const std::string& feature, std::function<Value()> read,
-              std::function<void(const Value&)> write, RegisterKind kind = RegisterKind::kInteger);
-  void addAcquisition();
-  void addTrigger();
-  void addFrameRate();
+  template <auto get, auto set = nullptr>
+  void addOwn(const std::string& feature, RegisterKind kind = RegisterKind::kInteger);
+  void addSetting(const char* feature, std::atomic<std::uint64_t>& field, std::uint64_t min,
+                  std::uint64_t max);
 
-  bool active();
+  /// @name What the registers read and write
+  /// Without triggers, the design's generator paces the camera, or nothing does.
+  /// @{
+  std::size_t payload();
   bool triggered();
-  void activate(std::uint32_t mode);
-  void trigger();
+  void setTriggered(const Value& on);
   std::uint64_t source();
+  void setSource(const Value& source);
+  bool paced();
+  void setPaced(const Value& on);
+  double rate();
+  void setRate(const Value& rate);
+  /// @}
+  bool active();
+  std::uint32_t mode();
+  void activate(std::vector<Grabber::Setting> settings);
 
   Device& device_;
   Grabber& grabber_;

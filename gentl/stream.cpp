@@ -44,9 +44,6 @@ const InfoRow<Stream> kInfos[] = {
     {STREAM_INFO_GENDC_PREFETCH_DESCRIPTOR, INFO_DATATYPE_BUFFER, nullptr},
 };
 
-constexpr const char* kTypes[] = {kTechnology};
-constexpr const char* kHandlingModes[] = {"Default"};
-
 }  // namespace
 
 Stream::Stream(const std::shared_ptr<Device>& device)
@@ -60,8 +57,8 @@ Stream::Stream(const std::shared_ptr<Device>& device)
     if (consumed) ++delivered_;
   });
   addInfos(kInfos, [this]() -> Stream& { return *this; });
-  addEnumeration("StreamType", kTypes);
-  addEnumeration("StreamBufferHandlingMode", kHandlingModes);
+  addEnumeration("StreamType", {kTechnology});
+  addEnumeration("StreamBufferHandlingMode", {"Default"});
 }
 
 Stream::~Stream() { disarm(true); }

@@ -36,13 +36,11 @@ const InfoRow<Producer> kInfos[] = {
     {TL_INFO_GENTL_VER_MINOR, INFO_DATATYPE_UINT32, tell<6>, "GenTLVersionMinor"},
 };
 
-constexpr const char* kTypes[] = {kTechnology};
-
 }  // namespace
 
 System::System() : Module(kId, "TLSystem", nullptr, {}, {kInterfaceId}) {
   addInfos(kInfos, []() -> Producer& { return theProducer; });
-  addEnumeration("TLType", kTypes);
+  addEnumeration("TLType", {kTechnology});
   addCommand("InterfaceUpdateList");
   addSelector("InterfaceSelector");
   addFeature("InterfaceID", RegisterKind::kText, [] { return kInterfaceId; });

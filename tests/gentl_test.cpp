@@ -17,8 +17,10 @@
 #include <thread>
 
 #include "board/pictures/picture.h"
+#include "velmora/errors.h"
 #include "velmora/parameters.h"
 #include "velmora/values.h"
+#include "velmora/virtual_board.h"
 
 namespace {
 
@@ -195,6 +197,7 @@ struct Port {
   }
 };
 
+constexpr std::uint64_t kOne = 1;
 constexpr std::size_t kSmall = 16 * 8 * 3;
 
 class GenTl : public testing::Test {
@@ -282,7 +285,7 @@ TEST_F(GenTl, OpensTheBoardOfADesignFile) {
   EXPECT_EQ(std::filesystem::current_path(), before);
   const Features features(openPort(0).remote);
   EXPECT_EQ(features.set("OffsetY", "4"), "");
-  EXPECT_THAT(features.set("OffsetX", "4"), HasSubstr("FG_XOFFSET: -2080"));
+  EXPECT_THAT(features.set("OffsetX", "4"), HasSubstr("FG_XOFFSET: -2080, no such design"));
 }
 
 /// Asks for every command as the standard lets one ask, and returns those that were answered.
@@ -325,11 +328,8 @@ std::set<std::int32_t> upTo(std::int32_t last, const std::set<std::int32_t>& wit
 TEST_F(GenTl, EveryInfoCommandAnswers) {
   const Port port = openPort(2);
   const BUFFER_HANDLE buffer = announce(port, 1).front();
-  const std::set<std::int32_t> always{BUFFER_INFO_BASE,          BUFFER_INFO_SIZE,
-                                      BUFFER_INFO_USER_PTR,      BUFFER_INFO_NEW_DATA,
-                                      BUFFER_INFO_IS_QUEUED,     BUFFER_INFO_IS_ACQUIRING,
-                                      BUFFER_INFO_TLTYPE,        BUFFER_INFO_SIZE_FILLED,
-                                      BUFFER_INFO_IS_INCOMPLETE, BUFFER_INFO_IS_COMPOSITE};
+  auto always = upTo(BUFFER_INFO_SIZE_FILLED, {BUFFER_INFO_TIMESTAMP});
+  always.insert(BUFFER_INFO_IS_COMPOSITE);
   EXPECT_EQ(askAll(GENTL(DSGetBufferInfo), port.stream, buffer), always);  // Not delivered.
   EXPECT_EQ(port.start(1), GC_ERR_SUCCESS);
   EXPECT_EQ(Features(port.remote).execute("AcquisitionStart"), "");
@@ -443,6 +443,50 @@ TEST_F(GenTl, StandardFeaturesMoveParametersAndBack) {
   }
 }
 
+TEST_F(GenTl, ARefusedWriteChangesNothing) {
+  const Port port = openPort(2);
+  const Features features(port.remote);
+  const std::pair<const char*, const char*> writes[] = {{"TriggerMode", "On"},
+                                                        {"TriggerSource", "Line6"},
+                                                        {"FG_AREATRIGGERMODE", "ATM_SYNCHRONIZED"},
+                                                        {"TriggerSource", "Line2"},
+                                                        {"TriggerMode", "Off"},
+                                                        {"AcquisitionFrameRate", "20"},
+                                                        {"AcquisitionFrameRateEnable", "false"},
+                                                        {"TriggerMode", "On"},
+                                                        {"TriggerSource", "Software"},
+                                                        {"TriggerMode", "Off"}};
+  const auto state = [&] {
+    std::vector<std::string> values;
+    for (const char* name : {"TriggerMode", "TriggerSource", "AcquisitionFrameRate",
+                             "FG_TRIGGERIN_SRC", "FG_AREATRIGGERMODE", "FG_TRIGGERSTATE"})
+      values.push_back(features.get(name));
+    return values;
+  };
+  unsigned refused = 0;
+  for (const auto& [feature, value] : writes) {
+    for (std::uint32_t k = 1;; ++k, ++refused) {  // Each access of the applet to the board fails.
+      const auto before = state();
+      EXPECT_EQ(GENTL(VirtualBoard_failAt)(VELMORA_COUNT_WRITES, k, VELMORA_BOARD_DOES_NOT_FIT), 0);
+      const std::string result = features.set(feature, value);
+      GENTL(VirtualBoard_clearFaults)();
+      if (result.empty()) break;
+      EXPECT_EQ(state(), before) << feature << ' ' << value << ' ' << k;
+    }
+    EXPECT_EQ(features.get(feature), value);
+  }
+  EXPECT_GT(refused, std::size(writes));
+  // A start that was refused does not take effect later.
+  announce(port, 1);
+  EXPECT_EQ(port.start(), GC_ERR_SUCCESS);
+  GENTL(VirtualBoard_failNamed)("Fg_AcquireEx", VELMORA_BOARD_BAD_ARGUMENT, 1);
+  EXPECT_THAT(features.execute("AcquisitionStart"), HasSubstr("-2087, argument out of range"));
+  EXPECT_EQ(port.stop(), GC_ERR_SUCCESS);
+  EXPECT_EQ(port.start(), GC_ERR_SUCCESS);
+  std::uint64_t data[2];
+  EXPECT_EQ(GENTL(EventGetData)(port.event, data, Room{sizeof data}, 200), GC_ERR_TIMEOUT);
+}
+
 TEST_F(GenTl, LimitsMoveAndWhatDependsIsInvalidated) {
   const Port port = openPort(1);
   const Features features(port.remote);
@@ -450,28 +494,32 @@ TEST_F(GenTl, LimitsMoveAndWhatDependsIsInvalidated) {
   SUCCEEDS(GCRegisterEvent, port.device, EVENT_FEATURE_INVALIDATE, &invalidated);
   const auto changes = [&] {
     std::set<std::string> names;
-    char data[300], name[300];
-    INFO_DATATYPE type = 0;
-    for (Room room{sizeof data}; GENTL(EventGetData)(invalidated, data, room, 0) == GC_ERR_SUCCESS;
-         room.size = sizeof data) {
-      SUCCEEDS(EventGetDataInfo, invalidated, data, room.size, EVENT_DATA_ID, &type, name,
-               Room{sizeof name});
-      names.insert(name);
-    }
+    char data[300];
+    while (GENTL(EventGetData)(invalidated, data, Room{sizeof data}, 0) == GC_ERR_SUCCESS)
+      names.insert(ask<std::string>(GENTL(EventGetDataInfo), EVENT_DATA_ID, invalidated,
+                                    static_cast<const void*>(data), sizeof data));
     return names;
   };
-  EXPECT_EQ(features.max("OffsetX"), 8184 - 16);
-  EXPECT_EQ(features.set("Width", "1024"), "");
-  EXPECT_EQ(features.max("OffsetX"), 8184 - 1024);
-  EXPECT_EQ(features.max("FG_XOFFSET"), 8184 - 1024);
-  EXPECT_EQ(changes(), (std::set<std::string>{"Width", "OffsetX", "FG_XOFFSET", "PayloadSize"}));
-  EXPECT_EQ(features.set("FG_TRIGGERIN_DOWNSCALE", "5"), "");
-  EXPECT_EQ(features.max("FG_TRIGGERIN_DOWNSCALE_PHASE"), 4);
-  EXPECT_EQ(changes(), std::set<std::string>{"FG_TRIGGERIN_DOWNSCALE_PHASE"});
+  using Names = std::set<std::string>;
+  const std::tuple<const char*, const char*, const char*, std::int64_t, Names> steps[] = {
+      // Set, to this, and another's limit is this, and these change.
+      {"OffsetX", "8", "Width", 8184, {"Width", "OffsetX", "FG_WIDTH", "PayloadSize"}},
+      {"Width", "1024", "OffsetX", 7160, {"Width", "OffsetX", "FG_XOFFSET", "PayloadSize"}},
+      {"Width", "24", "FG_XOFFSET", 8160, {"Width", "OffsetX", "FG_XOFFSET", "PayloadSize"}},
+      {"FG_TRIGGERIN_DOWNSCALE",
+       "5",
+       "FG_TRIGGERIN_DOWNSCALE_PHASE",
+       4,
+       {"FG_TRIGGERIN_DOWNSCALE_PHASE"}}};
+  for (const auto& [feature, value, other, max, changed] : steps) {
+    EXPECT_EQ(features.set(feature, value), "");
+    EXPECT_EQ(features.max(other), max);
+    EXPECT_EQ(changes(), changed) << feature;
+  }
   EXPECT_EQ(features.set("TriggerMode", "On"), "");
   EXPECT_THAT(changes(), testing::IsSupersetOf({"FG_AREATRIGGERMODE", "TriggerSource"}));
   EXPECT_NE(features.set("Width", "13"), "");
-  EXPECT_EQ(changes(), std::set<std::string>{});
+  EXPECT_EQ(changes(), Names{});
 }
 
 /// Pictures of a device, which are the board's own, all of them and in their order.
@@ -514,8 +562,7 @@ TEST_F(GenTl, FourDevicesDeliverTheBoardsPictures) {
       for (int round = 0; round < 2; ++round) {
         EXPECT_EQ(port.start(), GC_ERR_SUCCESS);
         EXPECT_EQ(port.start(), GC_ERR_RESOURCE_IN_USE);
-        const std::uint64_t one = 1;
-        SUCCEEDS(GCWritePort, port.remote, start, &one, Room{sizeof one});
+        SUCCEEDS(GCWritePort, port.remote, start, &kOne, Room{sizeof kOne});
         expectPictures(port, number, 40);
         EXPECT_EQ(port.count(STREAM_INFO_NUM_DELIVERED), 40U);
         EXPECT_EQ(port.count(STREAM_INFO_NUM_UNDERRUN), 0U);
@@ -555,17 +602,15 @@ TEST_F(GenTl, BuffersGoTheirWay) {
   EXPECT_GT(port.info(buffers[1], BUFFER_INFO_FRAMEID), 8U);
   EXPECT_EQ(features.execute("AcquisitionStop"), "");
   // The flush modes, while no pictures come.
-  EXPECT_EQ(flush(ACQ_QUEUE_UNQUEUED_TO_INPUT), (States{3, 0}));
-  EXPECT_EQ(flush(ACQ_QUEUE_INPUT_TO_OUTPUT), (States{0, 3}));
+  const std::pair<ACQ_QUEUE_TYPE, States> flushes[] = {
+      {ACQ_QUEUE_UNQUEUED_TO_INPUT, {3, 0}}, {ACQ_QUEUE_INPUT_TO_OUTPUT, {0, 3}},
+      {ACQ_QUEUE_ALL_TO_INPUT, {3, 0}},      {ACQ_QUEUE_ALL_DISCARD, {0, 0}},
+      {ACQ_QUEUE_UNQUEUED_TO_INPUT, {3, 0}}, {ACQ_QUEUE_INPUT_TO_OUTPUT, {0, 3}},
+      {ACQ_QUEUE_OUTPUT_DISCARD, {0, 0}},    {ACQ_QUEUE_UNQUEUED_TO_INPUT, {3, 0}},
+      {ACQ_QUEUE_INPUT_TO_OUTPUT, {0, 3}}};
+  for (const auto& [how, expected] : flushes) EXPECT_EQ(flush(how), expected) << how;
   EXPECT_TRUE(port.info<bool>(buffers[0], BUFFER_INFO_IS_INCOMPLETE));
   EXPECT_FALSE(port.info<bool>(buffers[0], BUFFER_INFO_NEW_DATA));
-  EXPECT_EQ(flush(ACQ_QUEUE_ALL_TO_INPUT), (States{3, 0}));
-  EXPECT_EQ(flush(ACQ_QUEUE_ALL_DISCARD), (States{0, 0}));
-  flush(ACQ_QUEUE_UNQUEUED_TO_INPUT);
-  flush(ACQ_QUEUE_INPUT_TO_OUTPUT);
-  EXPECT_EQ(flush(ACQ_QUEUE_OUTPUT_DISCARD), (States{0, 0}));
-  flush(ACQ_QUEUE_UNQUEUED_TO_INPUT);
-  flush(ACQ_QUEUE_INPUT_TO_OUTPUT);
   SUCCEEDS(EventFlush, port.event);
   EXPECT_EQ(states(), (States{0, 0}));
   EXPECT_EQ(port.count(STREAM_INFO_NUM_DELIVERED), 4U);  // Those that were taken.
@@ -610,10 +655,8 @@ TEST_F(GenTl, EventsOfTheAppletAndOfLossArrive) {
   std::set<std::string> seen;
   while (seen.size() < 2) {  // Start and end of this port's pictures, and nothing of the others.
     EXPECT_EQ(get(remote, 10000), GC_ERR_SUCCESS);
-    char id[20];
-    INFO_DATATYPE type = 0;
-    SUCCEEDS(EventGetDataInfo, remote, data, sizeof data, EVENT_DATA_ID, &type, id, Room{20});
-    seen.insert(id);
+    seen.insert(
+        ask<std::string>(GENTL(EventGetDataInfo), EVENT_DATA_ID, remote, data, sizeof data));
   }
   for (const std::string& id : seen)
     EXPECT_THAT(features.text(),
