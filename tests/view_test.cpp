@@ -9,15 +9,19 @@
 #include <turbojpeg.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <deque>
 #include <nlohmann/json.hpp>
 #include <regex>
+#include <set>
 #include <utility>
 
 namespace {
 
 using Json = nlohmann::json;
+
+constexpr const char* kForm = "application/x-www-form-urlencoded";  ///< As curl says.
 
 class View : public testing::Test {
  protected:
@@ -53,7 +57,7 @@ class View : public testing::Test {
     return client;
   }
   Json post(const std::string& path, const std::string& body, int status = 200) const {
-    const auto answer = client().Post(path, {{"X-Velmora-Token", token_}}, body, "text/plain");
+    const auto answer = client().Post(path, {{"X-Velmora-Token", token_}}, body, kForm);
     if (!answer) {
       ADD_FAILURE() << path << ": no answer";
       return {};
@@ -95,11 +99,14 @@ class View : public testing::Test {
     });
     return first;
   }
-  Json valueOf(const std::string& name, unsigned port) const {
-    const Json now = changes();
-    for (const Json& parameter : now["parameters"])
-      if (parameter["name"] == name && parameter["port"] == port) return parameter["value"];
-    return nullptr;
+  /// Fails by reaching the time limit of the test.
+  void waitForValue(const std::string& name, unsigned port, const Json& value) const {
+    follow([&](const Json& change) {
+      return std::ranges::any_of(change["parameters"], [&](const Json& parameter) {
+        return parameter["name"] == name && parameter["port"] == port &&
+               parameter["value"] == value;
+      });
+    });
   }
 
   /// Waits for a picture of a port that has a size.
@@ -138,7 +145,7 @@ class View : public testing::Test {
 };
 
 TEST_F(View, ShowsAndChangesWhatTheToolDoes) {
-  EXPECT_EQ(valueOf("FG_WIDTH", 2), 640);
+  waitForValue("FG_WIDTH", 2, 640);
   waitForPicture(2, 640, 64);
   EXPECT_EQ(set({"FG_WIDTH@1=512", "FG_HEIGHT@1=100"})["values"][1],
             Json::parse(R"({"name": "FG_HEIGHT", "port": 1, "value": 100, "unit": "pixel"})"));
@@ -155,8 +162,8 @@ TEST_F(View, ShowsAndChangesWhatTheToolDoes) {
   EXPECT_EQ(
       refused["failures"],
       Json({"FG_WIDTH@3: refused: -7080, value breaks a step rule: 8 to 8192 pixel, step 4"}));
-  EXPECT_EQ(valueOf("FG_WIDTH", 3), 1000);
-  EXPECT_EQ(valueOf("FG_HEIGHT", 3), 64);
+  waitForValue("FG_WIDTH", 3, 1000);
+  waitForValue("FG_HEIGHT", 3, 64);
   const Json tree = Json::parse(client().Get("/describe?port=3")->body);
   EXPECT_EQ(tree[0]["children"][1]["children"][0]["value"], 1000);
 }
@@ -191,7 +198,7 @@ TEST_F(View, SavesAndLoads) {
   std::string file = client().Get("/save")->body;
   set({"FG_WIDTH@2=1000"});
   EXPECT_EQ(post("/load", file), Json::parse(R"({"ports": 4, "differences": [], "failures": []})"));
-  EXPECT_EQ(valueOf("FG_WIDTH", 2), 640);
+  waitForValue("FG_WIDTH", 2, 640);
   file.replace(file.find("FG_WIDTH=64"), 11, "FG_WIDTH=17");
   const Json differences = post("/load", file)["differences"];
   ASSERT_EQ(differences.size(), 1u);
@@ -216,55 +223,60 @@ TEST_F(View, RefusesOtherPagesAndMalformedRequests) {
       {"GET", "/", {{"Sec-Fetch-Site", "cross-site"}}, "", 200, "<title>Velmora"},
       {"POST", "/stop", {}, "", 403, "token"},
       {"POST", "/stop", {{"X-Velmora-Token", "0"}}, "", 403, "token"},
-      {"GET", "/stop", {}, "", 404, "404"},
+      {"GET", "/stop", {}, "", 404, "no such page"},
       {"GET", "/describe?port=4", {}, "", 422, "'4' is neither ports 0 to 3 nor all"},
       {"POST", "/start?port=x", {{"X-Velmora-Token", token_}}, "", 422, "'x' is neither"},
       {"POST", "/set", {{"X-Velmora-Token", token_}}, "[", 422, "is expected"},
       {"POST", "/set", {{"X-Velmora-Token", token_}}, R"({"assignments": [1]})", 422, "expected"},
-      {"POST", "/load", {{"X-Velmora-Token", token_}}, std::string(2 << 20, 'x'), 413, "413"},
+      {"POST", "/load", {{"X-Velmora-Token", token_}}, std::string(20000, 'x'), 422, "no key"},
+      {"POST", "/load", {{"X-Velmora-Token", token_}}, std::string(2 << 20, 'x'), 413, "1 MiB"},
   };
   for (const auto& [method, path, headers, body, status, words] : cases) {
     auto client = this->client();
-    const auto answer = method == "GET" ? client.Get(path, headers)
-                                        : client.Post(path, headers, body, "text/plain");
+    const auto answer =
+        method == "GET" ? client.Get(path, headers) : client.Post(path, headers, body, kForm);
     ASSERT_TRUE(answer) << path;
     EXPECT_EQ(answer->status, status) << path;
     EXPECT_NE(answer->body.find(words), std::string::npos) << path << ": " << answer->body;
   }
-  const Json now = changes();
-  for (const Json& port : now["ports"]) EXPECT_EQ(port["acquiring"], true);
+  std::set<unsigned> acquiring;
+  follow([&acquiring](const Json& change) {
+    for (const Json& port : change["ports"])
+      if (port["acquiring"]) acquiring.insert(port["port"].get<unsigned>());
+    return acquiring.size() == 4;
+  });
 }
 
-/// A viewer that asks for pictures and reads no more than that they come.
-class Stalled {
+/// A client that reads no more than the status of an answer.
+class Client {
  public:
-  explicit Stalled(int port) : socket_(socket(AF_INET, SOCK_STREAM, 0)) {
+  Client(int port, const std::string& request) : socket_(socket(AF_INET, SOCK_STREAM, 0)) {
     sockaddr_in address{};
     address.sin_family = AF_INET;
     address.sin_port = htons(static_cast<std::uint16_t>(port));
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     const auto* const place = reinterpret_cast<const sockaddr*>(&address);
     EXPECT_EQ(connect(socket_, place, sizeof address), 0);
-    const std::string request =
-        fmt::format("GET /pictures HTTP/1.1\r\nHost: 127.0.0.1:{}\r\n\r\n", port);
-    EXPECT_EQ(send(socket_, request.data(), request.size(), 0), std::ssize(request));
-    char text[13] = "";
-    EXPECT_EQ(recv(socket_, text, 12, MSG_WAITALL), 12);
-    status_ = text + 9;
+    send(socket_, request.data(), request.size(), MSG_NOSIGNAL);
   }
-  Stalled(const Stalled&) = delete;
-  Stalled& operator=(const Stalled&) = delete;
-  ~Stalled() { close(socket_); }
-  const std::string& status() const { return status_; }
+  Client(const Client&) = delete;
+  Client& operator=(const Client&) = delete;
+  ~Client() { close(socket_); }
+  /// Empty when the connection ends without an answer.
+  std::string status() const {
+    char text[13] = "";
+    return recv(socket_, text, 12, MSG_WAITALL) == 12 ? text + 9 : "";
+  }
 
  private:
   int socket_;
-  std::string status_;
 };
 
 TEST_F(View, BoundsItsViewersAndOutlivesThoseThatDoNotRead) {
-  std::deque<Stalled> viewers;
-  while (viewers.size() < 31) EXPECT_EQ(viewers.emplace_back(port_).status(), "200");
+  const std::string request =
+      fmt::format("GET /pictures HTTP/1.1\r\nHost: 127.0.0.1:{}\r\n\r\n", port_);
+  std::deque<Client> viewers;
+  while (viewers.size() < 31) EXPECT_EQ(viewers.emplace_back(port_, request).status(), "200");
   std::int64_t begin = -1;
   follow([&begin](const Json& change) {
     if (change["ports"].empty()) return false;
@@ -275,8 +287,22 @@ TEST_F(View, BoundsItsViewersAndOutlivesThoseThatDoNotRead) {
   viewers.clear();
   // Without pictures no viewer is given up.
   post("/stop", "");
-  while (viewers.size() < 33) viewers.emplace_back(port_);
-  EXPECT_EQ(viewers.back().status(), "503");
+  while (viewers.size() < 32)  // As soon as those before are gone.
+    if (viewers.emplace_back(port_, request).status() != "200") viewers.pop_back();
+  EXPECT_EQ(Client(port_, request).status(), "503");
+  EXPECT_EQ(end(), 0);
+}
+
+TEST_F(View, IsNotHeldUpByRequestsThatDoNotEnd) {
+  std::string headers = "GET / HTTP/1.1\r\n";
+  while (headers.size() < 2 << 20) headers += "X: y\r\n";
+  EXPECT_EQ(Client(port_, headers).status(), "400");
+  EXPECT_EQ(Client(port_, "GET /" + std::string(2 << 20, 'x')).status(), "");
+  // Events that come faster than they can be counted.
+  set({"FG_WIDTH@0=8", "FG_HEIGHT@0=2", "FG_TRIGGER_PULSEFORMGEN0_WIDTH@0=1",
+       "FG_TRIGGER_PULSEFORMGEN1_WIDTH@0=1", "FG_TRIGGER_FRAMESPERSECOND@0=100000"});
+  set({"FG_TRIGGER_FRAMESPERSECOND@0=8"});
+  const Client unfinished(port_, "GET / HTTP/1.1\r\nX");
   EXPECT_EQ(end(), 0);
 }
 

@@ -17,6 +17,7 @@ namespace velmora::tool {
 namespace {
 
 constexpr std::chrono::milliseconds kPeriod{200};  ///< Between two moments.
+constexpr int kMostEvents = 4096;                  ///< At a time; the board keeps no more.
 constexpr unsigned kMasks = 64;
 const std::vector<unsigned> kFirstPort{0};  ///< What is set where no port is named.
 
@@ -82,6 +83,8 @@ void LiveBoard::look() {
   countEvents();
   for (const auto& [mask, event] : events_)
     add(LiveItem::Kind::kEvent, {{"name", event.name}, {"count", event.count}});
+  add(LiveItem::Kind::kEvent,
+      {{"name", "lost"}, {"count", VirtualBoard_lostEvents(session_.device())}});
   {
     const std::lock_guard guard(mutex_);
     moment_ = std::move(items);
@@ -89,10 +92,13 @@ void LiveBoard::look() {
   came_.notify_all();
 }
 
+/// Those that come meanwhile are counted the next time: they may come faster.
 void LiveBoard::countEvents() {
   VirtualBoardEvent event{};
-  while (VirtualBoard_takeEvent(session_.device(), 0, &event) == VELMORA_OK)
+  for (int i = 0; i < kMostEvents; ++i) {
+    if (VirtualBoard_takeEvent(session_.device(), 0, &event) != VELMORA_OK) return;
     ++events_[event.mask].count;
+  }
 }
 
 LiveBoard::Moment LiveBoard::next(const Moment& seen, std::chrono::milliseconds longest) {

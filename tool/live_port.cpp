@@ -13,7 +13,8 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using Seconds = std::chrono::duration<double>;
 
-constexpr std::uint64_t kMemory = std::uint64_t{128} << 20;  ///< Bytes of a port's buffers.
+constexpr std::uint64_t kMemory = std::uint64_t{128} << 20;   ///< Bytes of a port's buffers.
+constexpr std::uint64_t kLargest = std::uint64_t{256} << 20;  ///< Bytes of a picture.
 constexpr std::uint64_t kFewestBuffers = 3;
 constexpr std::uint64_t kMostBuffers = 16;
 
@@ -45,11 +46,15 @@ double RateMeter::rate() const {
 }
 
 void LivePort::start() {
+  wanted_ = true;
   if (memory_) return;
-  bytes_ = transferLength(session_, port_);
+  const std::uint64_t bytes = transferLength(session_, port_);
+  if (bytes > kLargest)
+    throw Failure(fmt::format("port {}: stopped: pictures of {} bytes are too large to be shown",
+                              port_, bytes));
   const auto buffers =
-      std::clamp(kMemory / std::max<std::uint64_t>(bytes_, 1), kFewestBuffers, kMostBuffers);
-  PictureMemory memory = createMemory(port_, static_cast<std::uint32_t>(buffers), bytes_);
+      std::clamp(kMemory / std::max<std::uint64_t>(bytes, 1), kFewestBuffers, kMostBuffers);
+  PictureMemory memory = createMemory(port_, static_cast<std::uint32_t>(buffers), bytes);
   {
     const std::lock_guard guard(mutex_);
     number_ = incomplete_ = 0;
@@ -58,11 +63,17 @@ void LivePort::start() {
   const int code =
       session_.library().acquire(session_.grabber(), port_, kWithoutEnd, 0, memory.get());
   if (code < 0) throw Failure(fmt::format("port {}: start: {}", port_, codeText(code)));
+  bytes_ = bytes;
   memory_ = std::move(memory);
   taker_ = std::jthread([this](const std::stop_token& stop) { takeAll(stop); });
 }
 
 void LivePort::stop() {
+  wanted_ = false;
+  release();
+}
+
+void LivePort::release() {
   if (!memory_) return;
   session_.library().stopAcquire(session_.grabber(), port_, 0, 0);
   taker_ = {};
@@ -70,8 +81,8 @@ void LivePort::stop() {
 }
 
 void LivePort::fitBuffers() {
-  if (!memory_ || transferLength(session_, port_) <= bytes_) return;
-  stop();
+  if (!wanted_ || (memory_ && transferLength(session_, port_) <= bytes_)) return;
+  release();
   start();
 }
 

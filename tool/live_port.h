@@ -37,16 +37,18 @@ class LivePort {
   LivePort& operator=(const LivePort&) = delete;
   ~LivePort() { stop(); }
 
-  /// Does nothing while it runs. `Failure` with the applet's code.
+  /// Does nothing while it runs. `Failure` when it does not start; it is tried again in
+  /// `fitBuffers`.
   void start();
   void stop();
-  /// Starts again if its pictures have outgrown their buffers.
+  /// Starts again what is to run, if it does not or its pictures have outgrown their buffers.
   void fitBuffers();
 
   /// {"port", "acquiring", "pictures", "rate", "lost", "incomplete"}
   Json state();
 
  private:
+  void release();
   void takeAll(const std::stop_token& stop);
   void note(const VirtualBoardPicture& picture);
   void show(const VirtualBoardPicture& picture);
@@ -54,6 +56,7 @@ class LivePort {
   Session& session_;
   unsigned port_;
   LivePictures& pictures_;
+  bool wanted_ = false;
   std::uint64_t bytes_ = 0;  ///< Of a buffer.
   PictureMemory memory_;
   std::jthread taker_;

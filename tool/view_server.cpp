@@ -6,7 +6,6 @@
 #include <cerrno>
 #include <cstring>
 #include <random>
-#include <semaphore>
 #include <utility>
 
 #include "tool/code_text.h"
@@ -18,27 +17,37 @@
 namespace velmora::tool {
 namespace {
 
+using Clock = std::chrono::steady_clock;
+
 constexpr int kMostStreams = 32;
-constexpr int kMostConnections = kMostStreams + 16;
-constexpr std::size_t kMostBytes = std::size_t{1} << 20;  ///< Of what a request brings.
-constexpr int kSendBuffer = 1 << 18;                      ///< Bytes on the way to a viewer.
 constexpr std::chrono::milliseconds kPatience{1000};  ///< After which a silent stream is tested.
 
-constexpr std::size_t kMostRequests = 10000;  ///< Of one connection.
 constexpr std::chrono::milliseconds kStartUp{1};
-constexpr std::chrono::seconds kLongestWrite{2};  ///< After which a viewer is given up.
 
 constexpr const char* kJson = "application/json";
 constexpr const char* kTokenHeader = "X-Velmora-Token";
 constexpr const char* kTokenMark = "{{token}}";
 
-enum Status { kBadRequest = 400, kForbidden = 403, kUnusable = 422, kBroken = 500, kBusy = 503 };
+enum Status { kForbidden = 403, kUnusable = 422, kBroken = 500, kBusy = 503 };
 
 std::string randomToken() {
   std::random_device random;
   std::string token;
   for (int i = 0; i < 4; ++i) token += fmt::format("{:08x}", random());
   return token;
+}
+
+std::string wordsFor(int status) {
+  switch (status) {
+    case 400:
+      return "the request is malformed, too long or too slow";
+    case 404:
+      return "there is no such page";
+    case 413:
+      return "more than 1 MiB of content";
+    default:
+      return fmt::format("HTTP status {}", status);
+  }
 }
 
 void answer(httplib::Response& response, const Json& json) {
@@ -50,22 +59,6 @@ void refuse(httplib::Response& response, Status status, const std::vector<std::s
   answer(response, {{"failures", messages}});
 }
 
-/// Threads for connections. Those for which there is none wait in the system's queue.
-class Connections : public httplib::ThreadPool {
- public:
-  Connections() : ThreadPool(kMostConnections) {}
-  void enqueue(std::function<void()> serve) override {
-    places_.acquire();
-    ThreadPool::enqueue([this, serve = std::move(serve)] {
-      serve();
-      places_.release();
-    });
-  }
-
- private:
-  std::counting_semaphore<> places_{kMostConnections};
-};
-
 /// The ports that a request names: "?port=0,2"; all if it names none.
 std::vector<unsigned> portsOf(const httplib::Request& request) {
   const std::string text = request.has_param("port") ? request.get_param_value("port") : "all";
@@ -74,10 +67,29 @@ std::vector<unsigned> portsOf(const httplib::Request& request) {
   return *ports;
 }
 
+/// When a stream ends that is asked for "?seconds=3"; never if it does not say.
+Clock::time_point endOf(const httplib::Request& request) {
+  if (!request.has_param("seconds")) return Clock::time_point::max();
+  const auto seconds = parseWhole<std::uint16_t>(request.get_param_value("seconds"));
+  if (!seconds) throw Failure("'seconds' is no whole number up to 65535");
+  return Clock::now() + std::chrono::seconds(*seconds);
+}
+
+/// None when it is too long or breaks off; the answer's status is set then. (In the library's other
+/// way, what calls itself a form, as curl does, is refused from 8 KiB on.)
+std::optional<std::string> bodyOf(const httplib::ContentReader& read) {
+  std::string body;
+  const bool whole = read([&body](const char* bytes, std::size_t size) {
+    body.append(bytes, size);
+    return true;
+  });
+  return whole ? std::optional(std::move(body)) : std::nullopt;
+}
+
 /// {"assignments": ["FG_WIDTH@0=512", ...]}
-std::vector<std::string> assignmentsOf(const httplib::Request& request) {
+std::vector<std::string> assignmentsOf(const std::string& body) {
   try {
-    return Json::parse(request.body).at("assignments").get<std::vector<std::string>>();
+    return Json::parse(body).at("assignments").get<std::vector<std::string>>();
   } catch (const Json::exception&) {
     throw Failure(R"(a body like {"assignments": ["FG_WIDTH@0=512"]} is expected)");
   }
@@ -123,7 +135,7 @@ std::optional<ListenAddress> parseListenAddress(const std::string& text) {
 
 ViewServer::ViewServer(LiveBoard& board, ListenAddress address)
     : board_(board), address_(std::move(address)), token_(randomToken()) {
-  limit();
+  guard();
   addPage();
   addCommands();
   addStreams();
@@ -141,10 +153,7 @@ ViewServer::ViewServer(LiveBoard& board, ListenAddress address)
   while (!server_.is_running() && !ended_) std::this_thread::sleep_for(kStartUp);
 }
 
-ViewServer::~ViewServer() {
-  ended_ = true;
-  server_.stop();
-}
+ViewServer::~ViewServer() { server_.end(); }
 
 std::string ViewServer::url() const {
   const bool ipv6 = address_.host.find(':') != std::string::npos;
@@ -152,18 +161,7 @@ std::string ViewServer::url() const {
                      address_.port);
 }
 
-void ViewServer::limit() {
-  server_.new_task_queue = [] { return new Connections; };
-  // Without the library's own, which lets a second server share the port.
-  server_.set_socket_options([](socket_t socket) {
-    const int yes = 1;
-    setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
-    setsockopt(socket, SOL_SOCKET, SO_SNDBUF, &kSendBuffer, sizeof kSendBuffer);
-  });
-  server_.set_tcp_nodelay(true);
-  server_.set_write_timeout(kLongestWrite);
-  server_.set_payload_max_length(kMostBytes);
-  server_.set_keep_alive_max_count(kMostRequests);
+void ViewServer::guard() {
   server_.set_default_headers({
       {"Cache-Control", "no-store"},
       {"Content-Security-Policy",
@@ -189,8 +187,7 @@ void ViewServer::limit() {
         }
       });
   server_.set_error_handler([](const Request&, Response& response) {
-    if (response.body.empty())
-      answer(response, {{"failures", {fmt::format("HTTP status {}", response.status)}}});
+    if (response.body.empty()) answer(response, {{"failures", {wordsFor(response.status)}}});
   });
 }
 
@@ -242,13 +239,16 @@ void ViewServer::addCommands() {
     response.set_header("Content-Disposition", "attachment; filename=\"velmora.mcf\"");
     response.set_content(board_.save(), "application/octet-stream");
   });
-  server_.Post("/set", [this](const Request& request, Response& response) {
-    const Json result = board_.set(assignmentsOf(request));
+  using httplib::ContentReader;
+  server_.Post("/set", [this](const Request&, Response& response, const ContentReader& read) {
+    const auto body = bodyOf(read);
+    if (!body) return;
+    const Json result = board_.set(assignmentsOf(*body));
     if (!result["failures"].empty()) response.status = kUnusable;
     answer(response, result);
   });
-  server_.Post("/load", [this](const Request& request, Response& response) {
-    answer(response, board_.load(request.body));
+  server_.Post("/load", [this](const Request&, Response& response, const ContentReader& read) {
+    if (const auto body = bodyOf(read)) answer(response, board_.load(*body));
   });
   for (const auto& [path, act] :
        {std::pair{"/start", &LiveBoard::start}, {"/stop", &LiveBoard::stop}})
@@ -258,37 +258,41 @@ void ViewServer::addCommands() {
     });
 }
 
-/// Answers with what `next` gives until the viewer leaves, an empty text after a while without
-/// anything.
+/// Answers with what `next` gives until the viewer leaves or the time is over; that is an empty
+/// text after a while without anything.
 template <class Next>
-void ViewServer::stream(Response& response, const char* type, Next next) {
+void ViewServer::stream(Response& response, const char* type, Clock::time_point end, Next next) {
   const bool free = ++streams_ <= kMostStreams;
   const std::shared_ptr<void> place(nullptr, [this](void*) { --streams_; });
   if (!free) return refuse(response, kBusy, {"too many viewers"});
-  response.set_chunked_content_provider(type, [this, place, next = std::move(next)](
+  response.set_chunked_content_provider(type, [this, place, end, next = std::move(next)](
                                                   std::size_t, httplib::DataSink& sink) mutable {
-    const std::string data = next();
-    return !ended_ && sink.is_writable() && (data.empty() || sink.write(data.data(), data.size()));
+    if (Clock::now() >= end) sink.done();
+    const std::string data = Clock::now() < end ? next() : "";
+    return !server_.ended() && sink.is_writable() &&
+           (data.empty() || sink.write(data.data(), data.size()));
   });
 }
 
 void ViewServer::addStreams() {
   server_.Get("/changes", [this](const Request&, Response& response) {
-    stream(response, "text/event-stream", [this, seen = LiveBoard::Moment()]() mutable {
+    const auto next = [this, seen = LiveBoard::Moment()]() mutable {
       const LiveBoard::Moment now = board_.next(seen, kPatience);
       const std::string data = differences(std::exchange(seen, now), now);
       return data.empty() ? ":\n\n" : "data: " + data + "\n\n";
-    });
+    };
+    stream(response, "text/event-stream", Clock::time_point::max(), next);
   });
   server_.Get("/pictures", [this](const Request& request, Response& response) {
     LivePictures::Viewer viewer;
     for (const unsigned port : portsOf(request)) viewer.wanted.at(port) = true;
-    stream(response, "multipart/x-mixed-replace; boundary=picture", [this, viewer]() mutable {
+    const auto next = [this, viewer]() mutable {
       std::string parts;
       for (const auto& picture : board_.pictures().next(viewer, kPatience))
         parts += partOf(*picture);
       return parts;
-    });
+    };
+    stream(response, "multipart/x-mixed-replace; boundary=picture", endOf(request), next);
   });
 }
 

@@ -1,13 +1,12 @@
 /// The web server of `velmora view`. `docs/viewer.md` describes what it answers.
 #pragma once
 
-#include <httplib.h>
-
 #include <atomic>
 #include <optional>
 #include <string>
 #include <thread>
 
+#include "tool/bounded_server.h"
 #include "tool/live_board.h"
 
 namespace velmora::tool {
@@ -38,12 +37,13 @@ class ViewServer {
   using Request = httplib::Request;
   using Response = httplib::Response;
 
-  void limit();
+  void guard();
   void addPage();
   void addCommands();
   void addStreams();
   template <class Next>
-  void stream(Response& response, const char* type, Next next);
+  void stream(Response& response, const char* type, std::chrono::steady_clock::time_point end,
+              Next next);
   /// Why a request is refused; empty if it is not.
   std::string objection(const Request& request) const;
   bool isOwnHost(const std::string& host) const;
@@ -53,7 +53,7 @@ class ViewServer {
   const std::string token_;
   std::atomic<int> streams_{0};
   std::atomic<bool> ended_{false};
-  httplib::Server server_;
+  BoundedServer server_;
   std::jthread listener_;
 };
 

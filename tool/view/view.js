@@ -54,11 +54,15 @@ function say(text) {
   find('connection').textContent = text;
 }
 
+/** A number without the digits that its conversions have left. */
+function plain(value) {
+  return typeof value === 'number' && !Number.isInteger(value) ? String(+value.toPrecision(10)) : String(value ?? '–');
+}
+
 /** A value as people read it. */
 function shown({value, entry, entries, unit}) {
   const title = entries?.find((each) => each.value === value)?.title;
-  const number = typeof value === 'number' ? String(+value.toPrecision(10)) : value ?? '–';
-  return title || entry || (unit ? `${number} ${unit}` : number);
+  return title || entry || `${plain(value)} ${unit ?? ''}`.trim();
 }
 
 // Ports
@@ -174,8 +178,9 @@ function takePart(bytes) {
   return {port: header('X-Port'), content: bytes.subarray(end, next - 2), rest: bytes.subarray(next)};
 }
 
+/** For some seconds: other windows of the browser need connections as well. */
 async function receivePictures(signal) {
-  const reader = (await fetch('pictures', {signal})).body.getReader();
+  const reader = (await fetch('pictures?seconds=3', {signal})).body.getReader();
   let bytes = new Uint8Array();
   for (;;) {
     const {value, done} = await reader.read();
@@ -199,7 +204,7 @@ function control(parameter, send) {
     const text = element('output', label);
     return {parts: [text], show: (now) => text.textContent = shown(now)};
   }
-  if (parameter.entries?.length === 1) {
+  if (parameter.entries?.length === 1 && parameter.entries[0].name === 'FG_APPLY') {
     const button = element('button', {type: 'button', ...label}, parameter.entries[0].title);
     button.addEventListener('click', () => send(parameter.entries[0].value));
     return {parts: [button], show: () => {}};
@@ -220,17 +225,34 @@ function numberControl(parameter, label, send) {
   const field = element('input', {type: 'number', step: 'any', ...label});
   const slider = element('input', {type: 'range', ariaLabel: `${label.ariaLabel}, slider`});
   const range = element('small');
-  field.addEventListener('change', () => send(field.value));
+  let scale = scaleOf(parameter);
   field.addEventListener('input', () => field.dataset.edited = 'yes');
   field.addEventListener('blur', () => delete field.dataset.edited);
-  slider.addEventListener('input', () => send(field.value = slider.value));
-  const show = ({value, min, max, step, unit = ''}) => {
-    Object.assign(slider, {min, max, step: step ?? 'any', disabled: !(min < max)});
-    slider.value = field.value = value;
-    slider.ariaValueText = `${value} ${unit}`;
-    range.textContent = `${min} to ${max} ${unit}${step ? `, step ${step}` : ''}`;
+  field.addEventListener('change', () => field.value && send(field.valueAsNumber));
+  slider.addEventListener('input', () => send(field.value = scale.value(slider.valueAsNumber)));
+  const show = (now) => {
+    scale = scaleOf(now);
+    const {value, min, max, step, unit = ''} = now;
+    Object.assign(slider, {min: scale.place(min), max: scale.place(max), step: scale.step, disabled: !(min < max)});
+    slider.value = scale.place(value);
+    field.value = plain(value);
+    slider.ariaValueText = shown(now);
+    range.textContent = `${plain(min)} to ${plain(max)} ${unit}`.trim() + (step ? `, step ${plain(step)}` : '');
   };
   return {parts: [field, slider, range], show};
+}
+
+/** What places on a slider mean; over a wide range each step is a factor. */
+function scaleOf({min, max, step}) {
+  if (max - min <= 1e5) return {place: (value) => value, value: (place) => place, step: step ?? 'any'};
+  const unit = step ?? (min || 1);
+  const place = (value) => Math.log(value - min + unit);
+  const value = (place) => {
+    const steps = Math.round((Math.exp(place) - unit) / unit);
+    const wanted = step ? min + steps * step : Number((Math.exp(place) - unit + min).toPrecision(3));
+    return Math.min(max, Math.max(min, wanted));
+  };
+  return {place, value, step: (place(max) - place(min)) / 250};
 }
 
 /** A line of the tree. It sends one value after the other, leaving out those that came and went. */
@@ -276,6 +298,7 @@ function addTree({title, children, name, ...rest}) {
 
 async function choose(port) {
   chosen = port;
+  history.replaceState(null, '', `#${port}`);
   cards.forEach(({card, choice}, i) => {
     choice.checked = i === port;
     card.classList.toggle('chosen', i === port);
@@ -287,7 +310,8 @@ async function choose(port) {
   // Until the tree is there, none of another port may be changed by mistake.
   rows = new Map();
   find('tree').replaceChildren();
-  const [tree] = await (await fetch(`describe?port=${port}`)).json();
+  const answer = await fetch(`describe?port=${port}`).catch(() => null);
+  const [tree] = answer ? await answer.json() : [{children: []}]; // Until the page is loaded again.
   if (port !== chosen) return;
   find('tree').replaceChildren(...tree.children.map(addTree));
   filter();
@@ -338,8 +362,8 @@ function apply(changes) {
   for (const card of cards) card.update();
 }
 
-/** A page that is hidden leaves its connections to others. */
 let disconnect = () => {};
+/** A page that is hidden leaves its connections to others. */
 function connect() {
   disconnect();
   if (document.hidden) return;
@@ -359,15 +383,14 @@ function connect() {
   };
   const receive = async () => {
     while (!ending.signal.aborted) {
-      await receivePictures(ending.signal).catch(() => {});
-      await new Promise((done) => setTimeout(done, 1000));
+      await receivePictures(ending.signal).catch(() => new Promise((done) => setTimeout(done, 1000)));
     }
   };
   receive();
 }
 
 ports.forEach(addCard);
-choose(0);
+choose(ports.find((port) => location.hash === `#${port}`) ?? 0);
 connect();
 document.addEventListener('visibilitychange', connect);
 setInterval(() => document.hidden || cards.forEach((card) => card.sample()), samplePeriod);
