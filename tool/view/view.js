@@ -178,9 +178,9 @@ function takePart(bytes) {
   return {port: header('X-Port'), content: bytes.subarray(end, next - 2), rest: bytes.subarray(next)};
 }
 
-/** For some seconds: other windows of the browser need connections as well. */
+/** For a second: other windows of the browser need connections as well. */
 async function receivePictures(signal) {
-  const reader = (await fetch('pictures?seconds=3', {signal})).body.getReader();
+  const reader = (await fetch('pictures?seconds=1', {signal})).body.getReader();
   let bytes = new Uint8Array();
   for (;;) {
     const {value, done} = await reader.read();
