@@ -156,6 +156,15 @@ TEST_F(View, ShowsAndChangesWhatTheToolDoes) {
   // Larger than what is shown.
   set({"FG_WIDTH@1=4096", "FG_HEIGHT@1=16"});
   waitForPicture(1, 2048, 8);
+  // Larger than what is shown in one direction only, or at all.
+  set({"FG_WIDTH@1=16", "FG_HEIGHT@1=65535"});
+  waitForPicture(1, 1, 2048);
+  set({"FG_WIDTH@1=8192"});
+  const Json states = post("/start", "")["ports"];
+  EXPECT_EQ(states[0]["reason"], "");
+  EXPECT_EQ(states[1]["reason"], "pictures of 1610588160 bytes are too large to be shown");
+  set({"FG_WIDTH@1=8", "FG_HEIGHT@1=8"});
+  waitForPicture(1, 8, 8);
 
   const Json refused = set({"FG_WIDTH@3=1000", "FG_WIDTH@3=17", "FG_HEIGHT@3=8"}, 422);
   EXPECT_EQ(refused["values"].size(), 1u);
@@ -197,14 +206,14 @@ TEST_F(View, TellsEveryViewerWhatAnotherChanges) {
 TEST_F(View, SavesAndLoads) {
   std::string file = client().Get("/save")->body;
   set({"FG_WIDTH@2=1000"});
-  EXPECT_EQ(post("/load", file), Json::parse(R"({"ports": 4, "differences": [], "failures": []})"));
+  EXPECT_EQ(post("/load", file), Json::parse(R"({"ports": 4, "differences": []})"));
   waitForValue("FG_WIDTH", 2, 640);
   file.replace(file.find("FG_WIDTH=64"), 11, "FG_WIDTH=17");
   const Json differences = post("/load", file)["differences"];
   ASSERT_EQ(differences.size(), 1u);
   EXPECT_EQ(differences[0]["text"], "17");
   EXPECT_EQ(post("/load", "nothing", 422)["failures"],
-            Json({"velmora.mcf: not loaded: -5000, configuration not loaded; no key "
+            Json({"not loaded: -5000, configuration not loaded; no key "
                   "Hersteller"}));
 }
 

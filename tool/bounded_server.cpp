@@ -41,9 +41,9 @@ class Connection : public httplib::Stream {
   }
 
   bool is_readable() const override { return true; }
+  /// Of a stream, that is: whether there is still somebody.
   bool is_writable() const override {
-    const int events = wait(POLLOUT | POLLRDHUP, Clock::now() + kLongestWrite);
-    return events == POLLOUT;
+    return wait(POLLOUT | POLLRDHUP, Clock::now() + kLongestWrite) == POLLOUT;
   }
 
   ssize_t read(char* bytes, std::size_t size) override {
@@ -55,7 +55,7 @@ class Connection : public httplib::Stream {
     return static_cast<ssize_t>(size);
   }
   ssize_t write(const char* bytes, std::size_t size) override {
-    if (!is_writable()) return -1;
+    if ((wait(POLLOUT, Clock::now() + kLongestWrite) & POLLOUT) == 0) return -1;
     return send(socket_, bytes, size, MSG_NOSIGNAL | MSG_DONTWAIT);
   }
 
@@ -66,10 +66,9 @@ class Connection : public httplib::Stream {
  private:
   /// Those of the events that have come; 0 when none has in time.
   int wait(short events, Clock::time_point until) const {
-    while (!ended_) {
+    while (!ended_ && Clock::now() < until) {
       pollfd waiting{socket_, events, 0};
       if (poll(&waiting, 1, kSlice) > 0) return waiting.revents;
-      if (Clock::now() >= until) break;
     }
     return 0;
   }

@@ -7,6 +7,7 @@
 #include "tool/code_text.h"
 #include "tool/commands.h"
 #include "tool/interrupts.h"
+#include "tool/parameter_access.h"
 #include "tool/text.h"
 #include "tool/view_server.h"
 
@@ -20,8 +21,8 @@ constexpr std::chrono::milliseconds kLook{50};
 void viewBoard(Session& session, const std::string& listen) {
   const Interrupts interrupts;
   LiveBoard board(session);
+  board.run(parsePorts("all").value(), true);
   const ViewServer server(board, parseListenAddress(listen).value());
-  for (unsigned port = 0; port < kPorts; ++port) board.start(port);
   printLine(server.url());
   printError("Ctrl-C ends it.");
   std::fflush(stdout);

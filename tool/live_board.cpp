@@ -21,17 +21,17 @@ constexpr int kMostEvents = 4096;                  ///< At a time; the board kee
 constexpr unsigned kMasks = 64;
 const std::vector<unsigned> kFirstPort{0};  ///< What is set where no port is named.
 
-/// Calls a function with the name of a configuration file; its failures do not tell where that is.
+/// Calls a function with the name of a configuration file, which its failures do not tell.
 template <class Function>
 auto withFile(const Function& function) {
   const ScratchDirectory directory;
+  const std::string file = directory.path() / "settings.mcf";
   try {
-    return function((directory.path() / "velmora.mcf").string());
+    return function(file);
   } catch (const Failure& failure) {
     std::vector<std::string> messages = failure.messages();
-    const std::string place = directory.path().string() + '/';
     for (std::string& message : messages)
-      if (message.starts_with(place)) message.erase(0, place.size());
+      if (message.starts_with(file + ": ")) message.erase(0, file.size() + 2);
     throw Failure(messages);
   }
 }
@@ -112,22 +112,26 @@ auto LiveBoard::change(const Function& function) {
   const std::lock_guard guard(board_);
   changed_ = true;
   wake_.notify_all();
-  return function();
+  auto result = function();
+  for (LivePort& port : ports_) port.fitBuffers();
+  return result;
 }
 
-void LiveBoard::start(unsigned port) {
-  change([&] { ports_.at(port).start(); });
-}
-
-void LiveBoard::stop(unsigned port) {
-  change([&] { ports_.at(port).stop(); });
+Json LiveBoard::run(const std::vector<unsigned>& ports, bool wanted) {
+  return change([&] {
+    Json states = Json::array();
+    for (const unsigned port : ports) {
+      ports_.at(port).run(wanted);
+      states.push_back(ports_.at(port).state());
+    }
+    return states;
+  });
 }
 
 Json LiveBoard::set(const std::vector<std::string>& assignments) {
   return change([&]() -> Json {
     Failures failures;
     const auto written = writeParameters(session_, assignments, kFirstPort, failures);
-    fitBuffers(failures);
     const auto values = readParameters(session_, written, kFirstPort, failures);
     return {{"values", valuesJson(values)}, {"failures", failures.messages()}};
   });
@@ -148,9 +152,6 @@ Json LiveBoard::load(std::string_view content) {
       writeFile(file, content);
       Json result = differencesJson("", applyConfiguration(session_, file));
       result.erase("file");
-      Failures failures;
-      fitBuffers(failures);
-      result["failures"] = failures.messages();
       return result;
     });
   });
@@ -159,16 +160,6 @@ Json LiveBoard::load(std::string_view content) {
 Json LiveBoard::tree(unsigned port) {
   const std::lock_guard guard(board_);
   return treeJson(session_, port);
-}
-
-void LiveBoard::fitBuffers(Failures& failures) {
-  for (LivePort& port : ports_) {
-    try {
-      port.fitBuffers();
-    } catch (const Failure& failure) {
-      failures.add(failure);
-    }
-  }
 }
 
 }  // namespace velmora::tool

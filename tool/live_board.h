@@ -34,13 +34,13 @@ class LiveBoard {
   /// Stops the ports.
   ~LiveBoard();
 
-  void start(unsigned port);
-  void stop(unsigned port);
+  /// Starts or stops ports: their states, see `LivePort::state`.
+  Json run(const std::vector<unsigned>& ports, bool wanted);
   /// {"values": [...], "failures": [...]}: what was set, until one was refused.
   Json set(const std::vector<std::string>& assignments);
   /// The settings of all ports as the content of a configuration file.
   std::string save();
-  /// Applies such a content: {"ports": 4, "differences": [...], "failures": [...]}.
+  /// Applies such a content: {"ports": 4, "differences": [...]}.
   Json load(std::string_view content);
   Json tree(unsigned port);
 
@@ -55,7 +55,6 @@ class LiveBoard {
   void observe(const std::stop_token& stop);
   void look();
   void countEvents();
-  void fitBuffers(Failures& failures);
   /// Calls a function that changes something, which every viewer sees at once.
   template <class Function>
   auto change(const Function& function);

@@ -15,8 +15,8 @@ constexpr std::chrono::seconds kStillWatched{2};
 
 std::string JpegEncoder::encode(const VirtualBoardPicture& picture) {
   const std::uint32_t step = 1 + (std::max(picture.width, picture.height) - 1) / kLargest;
-  const std::uint32_t width = picture.width / step;
-  const std::uint32_t height = picture.height / step;
+  const std::uint32_t width = 1 + (picture.width - 1) / step;
+  const std::uint32_t height = 1 + (picture.height - 1) / step;
   const std::uint8_t* pixels = picture.pixels;
   if (step > 1) {
     reduced_.resize(std::size_t{width} * height * kPixelBytes);

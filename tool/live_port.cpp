@@ -45,13 +45,27 @@ double RateMeter::rate() const {
   return over || span <= 0 ? 0 : 1e9 * static_cast<double>(intervals) / static_cast<double>(span);
 }
 
-void LivePort::start() {
-  wanted_ = true;
-  if (memory_) return;
+void LivePort::run(bool wanted) {
+  wanted_ = wanted;
+  if (!wanted) stop();
+  fitBuffers();
+}
+
+void LivePort::fitBuffers() {
+  reason_.clear();
   const std::uint64_t bytes = transferLength(session_, port_);
+  if (!wanted_ || (memory_ && bytes <= bytes_)) return;
+  stop();
+  try {
+    start(bytes);
+  } catch (const Failure& failure) {
+    reason_ = failure.what();
+  }
+}
+
+void LivePort::start(std::uint64_t bytes) {
   if (bytes > kLargest)
-    throw Failure(fmt::format("port {}: stopped: pictures of {} bytes are too large to be shown",
-                              port_, bytes));
+    throw Failure(fmt::format("pictures of {} bytes are too large to be shown", bytes));
   const auto buffers =
       std::clamp(kMemory / std::max<std::uint64_t>(bytes, 1), kFewestBuffers, kMostBuffers);
   PictureMemory memory = createMemory(port_, static_cast<std::uint32_t>(buffers), bytes);
@@ -62,28 +76,17 @@ void LivePort::start() {
   }
   const int code =
       session_.library().acquire(session_.grabber(), port_, kWithoutEnd, 0, memory.get());
-  if (code < 0) throw Failure(fmt::format("port {}: start: {}", port_, codeText(code)));
+  if (code < 0) throw Failure(codeText(code));
   bytes_ = bytes;
   memory_ = std::move(memory);
   taker_ = std::jthread([this](const std::stop_token& stop) { takeAll(stop); });
 }
 
 void LivePort::stop() {
-  wanted_ = false;
-  release();
-}
-
-void LivePort::release() {
   if (!memory_) return;
   session_.library().stopAcquire(session_.grabber(), port_, 0, 0);
   taker_ = {};
   memory_.reset();
-}
-
-void LivePort::fitBuffers() {
-  if (!wanted_ || (memory_ && transferLength(session_, port_) <= bytes_)) return;
-  release();
-  start();
 }
 
 Json LivePort::state() {
@@ -96,7 +99,8 @@ Json LivePort::state() {
           {"pictures", number_},
           {"rate", memory_ ? meter_.rate() : 0.0},
           {"lost", std::max<std::int64_t>(lost, 0)},
-          {"incomplete", incomplete_}};
+          {"incomplete", incomplete_},
+          {"reason", reason_}};
 }
 
 /// Keeps a picture until the next may be shown, and the last one in any case.

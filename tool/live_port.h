@@ -37,18 +37,17 @@ class LivePort {
   LivePort& operator=(const LivePort&) = delete;
   ~LivePort() { stop(); }
 
-  /// Does nothing while it runs. `Failure` when it does not start; it is tried again in
-  /// `fitBuffers`.
-  void start();
-  void stop();
-  /// Starts again what is to run, if it does not or its pictures have outgrown their buffers.
+  /// From now on, or not. Where that does not work, `state` tells why.
+  void run(bool wanted);
+  /// Starts again if it is to run and does not, or if its pictures have outgrown their buffers.
   void fitBuffers();
 
-  /// {"port", "acquiring", "pictures", "rate", "lost", "incomplete"}
+  /// {"port", "acquiring", "pictures", "rate", "lost", "incomplete", "reason"}
   Json state();
 
  private:
-  void release();
+  void start(std::uint64_t bytes);
+  void stop();
   void takeAll(const std::stop_token& stop);
   void note(const VirtualBoardPicture& picture);
   void show(const VirtualBoardPicture& picture);
@@ -57,6 +56,7 @@ class LivePort {
   unsigned port_;
   LivePictures& pictures_;
   bool wanted_ = false;
+  std::string reason_;       ///< Why it does not run although it is to; may be empty.
   std::uint64_t bytes_ = 0;  ///< Of a buffer.
   PictureMemory memory_;
   std::jthread taker_;

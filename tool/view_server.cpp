@@ -211,7 +211,8 @@ bool ViewServer::isOwnHost(const std::string& host) const {
   const auto address = parseListenAddress(withPort ? host : host + ":80");
   if (!address || address->port != address_.port) return false;
   in6_addr numbers{};
-  return address->host == "localhost" || address->host == address_.host ||
+  return equalIgnoringCase(address->host, "localhost") ||
+         equalIgnoringCase(address->host, address_.host) ||
          inet_pton(AF_INET, address->host.c_str(), &numbers) == 1 ||
          inet_pton(AF_INET6, address->host.c_str(), &numbers) == 1;
 }
@@ -250,11 +251,11 @@ void ViewServer::addCommands() {
   server_.Post("/load", [this](const Request&, Response& response, const ContentReader& read) {
     if (const auto body = bodyOf(read)) answer(response, board_.load(*body));
   });
-  for (const auto& [path, act] :
-       {std::pair{"/start", &LiveBoard::start}, {"/stop", &LiveBoard::stop}})
-    server_.Post(path, [this, act = act](const Request& request, Response& response) {
-      for (const unsigned port : portsOf(request)) (board_.*act)(port);
-      answer(response, {{"failures", Json::array()}});
+  // Content that there may be is not read.
+  for (const auto& [path, wanted] : {std::pair{"/start", true}, {"/stop", false}})
+    server_.Post(path, [this, wanted = wanted](const Request& request, Response& response,
+                                               const ContentReader&) {
+      answer(response, {{"ports", board_.run(portsOf(request), wanted)}});
     });
 }
 

@@ -101,9 +101,9 @@ test('two tabs follow each other', async () => {
   await card(2).getByRole('radio').check();
   await enter('FG_WIDTH', 256);
   await waitForValue('FG_WIDTH', 256, other);
-  await card(2, other).getByRole('button', {name: 'Stop'}).click();
+  await card(2, other).getByRole('button', {name: 'Stop,'}).click();
   await wait('■ stopped', () => card(2).locator('.state').textContent());
-  await card(2).getByRole('button', {name: 'Start'}).click();
+  await card(2).getByRole('button', {name: 'Start,'}).click();
   await wait('▶ acquiring', () => card(2, other).locator('.state').textContent());
   await other.close();
 });
@@ -126,8 +126,8 @@ test('a software trigger makes a picture and its events', async () => {
   await card(3).getByRole('radio').check();
   await page.getByRole('combobox', {name: 'FG_AREATRIGGERMODE'}).selectOption({label: 'Software'});
   await page.getByRole('combobox', {name: 'FG_TRIGGERSTATE'}).selectOption({label: 'Active'});
-  await card(3).getByRole('button', {name: 'Stop'}).click();
-  await card(3).getByRole('button', {name: 'Start'}).click();
+  await card(3).getByRole('button', {name: 'Stop,'}).click();
+  await card(3).getByRole('button', {name: 'Start,'}).click();
   await wait('0', () => card(3).locator('dd').nth(3).textContent());
   await card(3).getByRole('button', {name: 'Software trigger'}).click();
   await wait('1', () => card(3).locator('dd').nth(3).textContent());
@@ -135,7 +135,7 @@ test('a software trigger makes a picture and its events', async () => {
 });
 
 test('every control has a name, and nothing complains', async () => {
-  const nameless = await page.locator('input, select, button, output').evaluateAll(
+  const nameless = await page.locator('input, select, button').evaluateAll(
       (all) => all.filter((each) => !(each.ariaLabel || each.textContent || each.labels?.length)).length);
   assert.equal(nameless, 0);
   assert.deepEqual(complaints, []);

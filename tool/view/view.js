@@ -15,6 +15,7 @@ let chosen = 0;
 async function post(path, body) {
   try {
     const answer = await fetch(path, {method: 'POST', headers: {'X-Velmora-Token': token}, body});
+    if (answer.status === 403) location.reload(); // It is another server's token.
     return await answer.json();
   } catch {
     return {failures: ['velmora does not answer']};
@@ -23,13 +24,14 @@ async function post(path, body) {
 
 function report(title, lines) {
   const place = find('report');
-  place.hidden = lines.length === 0;
+  place.hidden = false;
   place.querySelector('h2').textContent = title;
   place.querySelector('ul').replaceChildren(...lines.map((line) => element('li', {}, line)));
 }
 
 async function act(path, title, body) {
-  report(title, (await post(path, body)).failures ?? []);
+  const {failures = []} = await post(path, body);
+  if (failures.length > 0) report(title, failures);
 }
 
 async function load(file) {
@@ -37,9 +39,8 @@ async function load(file) {
   const lines = differences.map(({name, port, line, text, reason, value}) =>
       `${name}${port === null ? '' : `@${port}`}=${text} (line ${line}): ${reason}` +
       (value ? `; the setting is ${value}` : ''));
-  report(`${file.name}: ${failures.length > 0 ? 'failed' : 'loaded, but for'}`,
-         [...failures, ...lines]);
-  if (failures.length + lines.length === 0) say(`${file.name} is loaded`);
+  const result = failures.length > 0 ? 'failed' : lines.length > 0 ? 'loaded, but for' : 'loaded';
+  report(`${file.name}: ${result}`, [...failures, ...lines]);
 }
 
 // Elements
@@ -92,11 +93,11 @@ function of(port, name) {
 }
 
 function hertz(rate = 0) {
-  return `${rate.toPrecision(4)} Hz`;
+  return `${Number(rate.toPrecision(4))} Hz`;
 }
 
 /** A line over time with its latest value in words. */
-function plot(port, [title, read, say = (port, value) => value]) {
+function plot(port, [title, read, words = (port, value) => value]) {
   const namespace = 'http://www.w3.org/2000/svg';
   const picture = document.createElementNS(namespace, 'svg');
   picture.setAttribute('viewBox', `0 0 ${samples} 20`);
@@ -110,7 +111,7 @@ function plot(port, [title, read, say = (port, value) => value]) {
     values.push(value);
     if (values.length > samples) values.shift();
     const top = Math.max(1, ...values);
-    text.textContent = say(port, value);
+    text.textContent = words(port, value);
     line.setAttribute('points', values.map((each, i) => `${i},${19 - 18 * each / top}`).join(' '));
   };
   return {title, parts: [picture, text], update: sample};
@@ -119,7 +120,9 @@ function plot(port, [title, read, say = (port, value) => value]) {
 function addCard(port) {
   const card = find('port').content.firstElementChild.cloneNode(true);
   const get = (selector) => card.querySelector(selector);
-  get('label span').textContent = `Port ${port}`;
+  get('label span').textContent = card.ariaLabel = `Port ${port}`;
+  for (const button of card.querySelectorAll('button'))
+    button.ariaLabel = `${button.textContent}, port ${port}`;
   get('input').addEventListener('change', () => choose(port));
   get('img').alt = `Live picture of port ${port}`;
   for (const name of ['start', 'stop'])
@@ -140,7 +143,8 @@ function addCard(port) {
     image: get('img'),
     choice: get('input'),
     update: () => {
-      get('.state').textContent = states[port].acquiring ? '▶ acquiring' : '■ stopped';
+      const {acquiring, reason} = states[port];
+      get('.state').textContent = acquiring ? '▶ acquiring' : reason ? `■ stopped: ${reason}` : '■ stopped';
       for (const line of lines) line.update();
     },
     sample: () => graphs.forEach((graph) => graph.update()),
@@ -180,7 +184,9 @@ function takePart(bytes) {
 
 /** For a second: other windows of the browser need connections as well. */
 async function receivePictures(signal) {
-  const reader = (await fetch('pictures?seconds=1', {signal})).body.getReader();
+  const answer = await fetch('pictures?seconds=1', {signal});
+  if (!answer.ok) throw new Error(answer.statusText);
+  const reader = answer.body.getReader();
   let bytes = new Uint8Array();
   for (;;) {
     const {value, done} = await reader.read();
@@ -195,13 +201,11 @@ async function receivePictures(signal) {
 
 // Settings
 
-const isWritable = ({access}) => access.includes('write');
-
 /** Elements that show a parameter, and change it with `send(text)`. */
 function control(parameter, send) {
   const label = {ariaLabel: `${parameter.title} (${parameter.name})`};
-  if (!isWritable(parameter)) {
-    const text = element('output', label);
+  if (!parameter.access.includes('write')) {
+    const text = element('span');
     return {parts: [text], show: (now) => text.textContent = shown(now)};
   }
   if (parameter.entries?.length === 1 && parameter.entries[0].name === 'FG_APPLY') {
@@ -222,17 +226,23 @@ function control(parameter, send) {
 }
 
 function numberControl(parameter, label, send) {
-  const field = element('input', {type: 'number', step: 'any', ...label});
+  const field = element('input', {type: 'number', ...label});
   const slider = element('input', {type: 'range', ariaLabel: `${label.ariaLabel}, slider`});
   const range = element('small');
-  let scale = scaleOf(parameter);
+  let scale, current;
+  const submit = () => field.dataset.edited && field.value && send(field.valueAsNumber);
   field.addEventListener('input', () => field.dataset.edited = 'yes');
-  field.addEventListener('blur', () => delete field.dataset.edited);
-  field.addEventListener('change', () => field.value && send(field.valueAsNumber));
-  slider.addEventListener('input', () => send(field.value = scale.value(slider.valueAsNumber)));
+  field.addEventListener('change', submit);
+  field.addEventListener('keydown', ({key}) => {
+    if (key === 'Enter') submit();
+    if (key === 'Escape') field.blur();
+  });
+  slider.addEventListener('input', () => send(field.value = scale.value(slider.valueAsNumber, current)));
   const show = (now) => {
-    scale = scaleOf(now);
     const {value, min, max, step, unit = ''} = now;
+    scale = scaleOf(now);
+    current = value;
+    Object.assign(field, {min, max, step: step ?? 'any'});
     Object.assign(slider, {min: scale.place(min), max: scale.place(max), step: scale.step, disabled: !(min < max)});
     slider.value = scale.place(value);
     field.value = plain(value);
@@ -247,10 +257,14 @@ function scaleOf({min, max, step}) {
   if (max - min <= 1e5) return {place: (value) => value, value: (place) => place, step: step ?? 'any'};
   const unit = step ?? (min || 1);
   const place = (value) => Math.log(value - min + unit);
-  const value = (place) => {
-    const steps = Math.round((Math.exp(place) - unit) / unit);
-    const wanted = step ? min + steps * step : Number((Math.exp(place) - unit + min).toPrecision(3));
-    return Math.min(max, Math.max(min, wanted));
+  const value = (at, current) => {
+    const wanted = Math.exp(at) - unit + min;
+    if (!step) return Math.min(max, Math.max(min, Number(wanted.toPrecision(3))));
+    let steps = Math.round((wanted - min) / step);
+    // At the low end less than a step: it is one at least.
+    const before = Math.round((current - min) / step);
+    if (steps === before) steps += Math.sign(at - place(current));
+    return Math.min(max, Math.max(min, Number((min + steps * step).toPrecision(12))));
   };
   return {place, value, step: (place(max) - place(min)) / 250};
 }
@@ -258,7 +272,7 @@ function scaleOf({min, max, step}) {
 /** A line of the tree. It sends one value after the other, leaving out those that came and went. */
 function addRow(parameter) {
   const {name, port} = parameter;
-  const message = element('div', {className: 'refused'});
+  const message = element('div', {className: 'refused', id: `refused-${name}`});
   message.setAttribute('role', 'alert');
   let sending = false;
   let waiting = null;
@@ -285,15 +299,28 @@ function addRow(parameter) {
       element('div', {className: 'control'}, ...body.parts), message);
   row.dataset.name = name;
   const update = () => sending || body.parts[0].dataset.edited || body.show(inForce());
-  rows.set(name, {row, update});
-  body.parts[0].addEventListener('blur', update);
+  const follow = () => {
+    if (!sending) message.textContent = '';
+    update();
+  };
+  rows.set(name, {row, update: follow});
+  const [first] = body.parts;
+  first.setAttribute('aria-describedby', message.id);
+  first.addEventListener('blur', () => {
+    delete first.dataset.edited;
+    update();
+  });
   update();
   return row;
 }
 
+const closed = new Set(); // Titles of groups.
+
 function addTree({title, children, name, ...rest}) {
   if (name) return addRow({title, name, ...rest});
-  return element('details', {open: true}, element('summary', {}, title), ...children.map(addTree));
+  const group = element('details', {open: !closed.has(title)}, element('summary', {}, title), ...children.map(addTree));
+  group.addEventListener('toggle', () => group.open ? closed.delete(title) : closed.add(title));
+  return group;
 }
 
 async function choose(port) {
@@ -321,8 +348,11 @@ function filter() {
   const wanted = find('filter').value.toLowerCase();
   for (const {row} of rows.values())
     row.hidden = !row.textContent.toLowerCase().includes(wanted);
-  for (const group of find('tree').querySelectorAll('details'))
+  for (const group of find('tree').querySelectorAll('details')) {
     group.hidden = !group.querySelector('.row:not([hidden])');
+    if (wanted) group.open = true;
+  }
+  find('none').hidden = !find('tree').querySelector('.row') || Boolean(find('tree').querySelector('.row:not([hidden])'));
 }
 
 // Events
@@ -336,6 +366,7 @@ function portOf(event) {
 
 function noteEvent({name, count}) {
   const before = counts.get(name);
+  if (before?.count === count) return;
   const time = before || count === 0 ? new Date().toLocaleTimeString() : 'before';
   counts.set(name, {name, count, time});
   showEvent(counts.get(name));
@@ -373,7 +404,8 @@ function connect() {
   changes.onopen = () => lost ? location.reload() : say('Connected');
   changes.onerror = () => {
     lost = changes.readyState === EventSource.CONNECTING;
-    say(lost ? 'Connection lost, trying again' : 'velmora takes no more viewers; load the page again later');
+    say(lost ? 'Connection lost, trying again' : 'velmora takes no more viewers at the moment, trying again');
+    if (!lost) setTimeout(connect, 5000);
   };
   changes.onmessage = ({data}) => apply(JSON.parse(data));
   const ending = new AbortController();
@@ -402,4 +434,4 @@ find('file').addEventListener('change', async ({target}) => {
   await load(target.files[0]);
   target.value = '';
 });
-find('report').querySelector('button').addEventListener('click', () => report('', []));
+find('report').querySelector('button').addEventListener('click', () => find('report').hidden = true);
