@@ -234,8 +234,10 @@ void Stream::disarm(bool kill) {
 }
 
 void Stream::begin(std::int64_t pictures) {
-  if (!finished_) return;
-  if (thread_.joinable()) thread_.join();
+  if (thread_.joinable()) {
+    if (status(VELMORA_STATUS_ACQUIRING) > 0) return;
+    thread_.join();  // It hands out what is left and ends.
+  }
   const std::lock_guard guard(output_.mutex);
   if (remaining_ == 0) return;
   const std::uint64_t lostNow = lost();
@@ -245,7 +247,6 @@ void Stream::begin(std::int64_t pictures) {
   begun_ = true;
   lastNumber_ = 0;
   kill_ = false;
-  finished_ = false;
   thread_ = std::thread([this] { run(); });
 }
 
@@ -272,7 +273,6 @@ void Stream::run() {
     }
   }
   Fg_stopAcquireEx(device_.grabber.fg(), device_.port, 0, 0);
-  finished_ = true;
 }
 
 /// False after the last one that is wanted.
@@ -303,11 +303,14 @@ bool Stream::deliver(const VirtualBoardPicture& taken) {
 
 void Stream::info(STREAM_INFO_CMD command, Answer to) { answer(kInfos, *this, command, to); }
 
-std::uint64_t Stream::lost() {
-  if (!begun_) return lostBefore_;
-  const auto now = Fg_getStatusEx(device_.grabber.fg(), VELMORA_STATUS_LOST_PICTURES, 0,
+std::uint64_t Stream::status(std::uint32_t which) {
+  const auto now = Fg_getStatusEx(device_.grabber.fg(), which, 0,
                                   static_cast<std::int32_t>(device_.port), nullptr);
-  return lostBefore_ + static_cast<std::uint64_t>(std::max<std::int64_t>(now, 0));
+  return static_cast<std::uint64_t>(std::max<std::int64_t>(now, 0));
+}
+
+std::uint64_t Stream::lost() {
+  return lostBefore_ + (begun_ ? status(VELMORA_STATUS_LOST_PICTURES) : 0);
 }
 
 Stream::Counts Stream::counts() {

@@ -53,6 +53,7 @@ class Stream : public Module {
   void disarm(bool kill);
   void run();
   bool deliver(const VirtualBoardPicture& taken);
+  std::uint64_t status(std::uint32_t which);
   // These expect the lock of the new-buffer queue, which guards the buffers and the counts.
   std::shared_ptr<Buffer>& announced(const void* handle);
   void moveToInput(Buffer& buffer);
@@ -71,7 +72,7 @@ class Stream : public Module {
   std::int64_t lastNumber_ = 0;
   bool begun_ = false, closed_ = false;
 
-  std::atomic<bool> kill_{false}, finished_{true};
+  std::atomic<bool> kill_{false};
   std::thread thread_;
 };
 

@@ -574,6 +574,24 @@ TEST_F(GenTl, FourDevicesDeliverTheBoardsPictures) {
   }
 }
 
+TEST_F(GenTl, EveryStartDelivers) {
+  const Port port = openPort(1);
+  const Features features(port.remote);
+  EXPECT_EQ(features.set("AcquisitionMode", "SingleFrame"), "");
+  announce(port, 3);
+  EXPECT_EQ(port.start(), GC_ERR_SUCCESS);
+  const auto late = [](void*, const VirtualBoardAccess* access) {
+    if (access->name == std::string_view("Fg_stopAcquireEx"))
+      std::this_thread::sleep_for(std::chrono::milliseconds(20));
+  };
+  EXPECT_EQ(GENTL(VirtualBoard_observe)(late, nullptr, nullptr), 0);
+  for (int i = 0; i < 3; ++i) {  // The one before has its last picture, but not ended.
+    EXPECT_EQ(features.execute("AcquisitionStart"), "");
+    port.take();
+  }
+  GENTL(VirtualBoard_observe)(nullptr, nullptr, nullptr);
+}
+
 TEST_F(GenTl, BuffersGoTheirWay) {
   const Port port = openPort(0);
   const Features features(port.remote);
