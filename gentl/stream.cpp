@@ -197,7 +197,7 @@ void Stream::start(ACQ_START_FLAGS flags, std::uint64_t pictures) {
     require(memory_, GC_ERR_OUT_OF_MEMORY, "no picture memory");
     payload_ = payload;
     remaining_ = pictures;
-    delivered_ = started_ = lostBefore_ = 0;
+    delivered_ = started_ = lostBefore_ = numbersBefore_ = lastNumber_ = 0;
     for (const auto& buffer : buffers_)
       if (buffer->state == State::kInput) lend(*buffer);
   }
@@ -241,11 +241,13 @@ void Stream::begin(std::int64_t pictures) {
   const std::lock_guard guard(output_.mutex);
   if (remaining_ == 0) return;
   const std::uint64_t lostNow = lost();
+  const std::uint64_t numbersNow =
+      numbersBefore_ + (begun_ ? status(VELMORA_STATUS_GRABBED_PICTURES) : 0);
   if (const int code = Fg_AcquireEx(device_.grabber.fg(), device_.port, pictures, 0, memory_))
     fail(GC_ERR_INVALID_VALUE, "the acquisition does not start: " + codeText(code));
   lostBefore_ = lostNow;
+  numbersBefore_ = numbersNow;
   begun_ = true;
-  lastNumber_ = 0;
   kill_ = false;
   thread_ = std::thread([this] { run(); });
 }
@@ -277,8 +279,9 @@ void Stream::run() {
 
 /// False after the last one that is wanted.
 bool Stream::deliver(const VirtualBoardPicture& taken) {
-  const auto missed = static_cast<std::uint64_t>(taken.number - lastNumber_ - 1);
-  lastNumber_ = taken.number;
+  const std::uint64_t number = numbersBefore_ + static_cast<std::uint64_t>(taken.number);
+  const std::uint64_t missed = number - lastNumber_ - 1;
+  lastNumber_ = number;
   if (missed > 0) event(EVENT_MODULE).fire(eventData(kLostEvent, missed));
   const auto setting = [&](int id) { return device_.grabber.word(id, device_.port); };
   const Buffer::Picture picture{.present = true,
@@ -290,7 +293,7 @@ bool Stream::deliver(const VirtualBoardPicture& taken) {
                                 .xOffset = setting(FG_XOFFSET),
                                 .yOffset = setting(FG_YOFFSET),
                                 .time = static_cast<std::uint64_t>(taken.time),
-                                .number = static_cast<std::uint64_t>(taken.number)};
+                                .number = number};
   const std::lock_guard guard(output_.mutex);
   Buffer& buffer = *known_[taken.buffer];
   buffer.lent = false;

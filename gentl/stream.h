@@ -68,8 +68,10 @@ class Stream : public Module {
   std::vector<std::shared_ptr<Buffer>> known_;  ///< To the board, by index, until it ends.
   VirtualBoardMemory* memory_ = nullptr;
   std::size_t payload_ = 0;
-  std::uint64_t remaining_ = 0, delivered_ = 0, started_ = 0, lostBefore_ = 0;
-  std::int64_t lastNumber_ = 0;
+  std::uint64_t remaining_ = 0, delivered_ = 0, started_ = 0;
+  /// Of earlier starts of the device: a picture's number goes on with the next start.
+  std::uint64_t lostBefore_ = 0, numbersBefore_ = 0;
+  std::uint64_t lastNumber_ = 0;
   bool begun_ = false, closed_ = false;
 
   std::atomic<bool> kill_{false};
