@@ -124,8 +124,14 @@ void Stream::moveToOutput(Buffer& buffer) {
 void Stream::lend(Buffer& buffer) {
   if (buffer.lent) return;
   if (buffer.index < 0) {
-    known_.push_back(std::static_pointer_cast<Buffer>(buffer.shared_from_this()));
-    buffer.index = VirtualBoard_addBuffer(memory_, buffer.base());
+    const auto known = std::ranges::find(known_, buffer.base());
+    const auto index = static_cast<int>(known - known_.begin());
+    if (known == known_.end()) {
+      require(VirtualBoard_addBuffer(memory_, buffer.base()) == index, GC_ERR_OUT_OF_MEMORY,
+              "the board takes no more buffers");
+      known_.push_back(buffer.base());
+    }
+    buffer.index = index;
   }
   VirtualBoard_returnBuffer(memory_, static_cast<std::uint32_t>(buffer.index));
   buffer.lent = true;
@@ -226,7 +232,7 @@ void Stream::disarm(bool kill) {
   begun_ = false;
   VirtualBoard_destroyMemory(memory_);
   memory_ = nullptr;
-  for (const auto& buffer : known_) {
+  for (const auto& buffer : buffers_) {
     buffer->index = -1;
     buffer->lent = false;
   }
@@ -295,7 +301,8 @@ bool Stream::deliver(const VirtualBoardPicture& taken) {
                                 .time = static_cast<std::uint64_t>(taken.time),
                                 .number = number};
   const std::lock_guard guard(output_.mutex);
-  Buffer& buffer = *known_[taken.buffer];
+  Buffer& buffer = **std::ranges::find(buffers_, static_cast<int>(taken.buffer),
+                                       [](auto& b) { return b->index; });
   buffer.lent = false;
   ++started_;
   if (buffer.state != State::kInput) return true;  // Discarded meanwhile.

@@ -65,7 +65,7 @@ class Stream : public Module {
   Device& device_;
   Event& output_;
   std::vector<std::shared_ptr<Buffer>> buffers_;
-  std::vector<std::shared_ptr<Buffer>> known_;  ///< To the board, by index, until it ends.
+  std::vector<void*> known_;  ///< To the board's memory, by index; it forgets none.
   VirtualBoardMemory* memory_ = nullptr;
   std::size_t payload_ = 0;
   std::uint64_t remaining_ = 0, delivered_ = 0, started_ = 0;

@@ -654,6 +654,23 @@ TEST_F(GenTl, BuffersGoTheirWay) {
   EXPECT_EQ(GENTL(DSRevokeBuffer)(port.stream, buffers[0], &base, &user), GC_ERR_INVALID_HANDLE);
 }
 
+TEST_F(GenTl, BuffersComeAndGoWhileItAcquires) {
+  const Port port = openPort(0);
+  EXPECT_EQ(port.start(), GC_ERR_SUCCESS);
+  EXPECT_EQ(Features(port.remote).execute("AcquisitionStart"), "");
+  Bytes memory(kSmall);
+  for (int i = 0; i < 9; ++i) {
+    BUFFER_HANDLE buffer = nullptr;
+    SUCCEEDS(DSAnnounceBuffer, port.stream, memory.data(), kSmall, nullptr, &buffer);
+    SUCCEEDS(DSQueueBuffer, port.stream, buffer);
+    std::uint32_t used = 0;  // Percent of the board's buffers.
+    SUCCEEDS(GCReadPort, port.remote, FG_FILLLEVEL, &used, Room{sizeof used});
+    EXPECT_EQ(used % 100, 0U);
+    EXPECT_EQ(port.take(), buffer);
+    SUCCEEDS(DSRevokeBuffer, port.stream, buffer, nullptr, nullptr);
+  }
+}
+
 TEST_F(GenTl, EventsOfTheAppletAndOfLossArrive) {
   const Port port = openPort(3);
   const Features features(port.remote);
