@@ -149,7 +149,7 @@ bool Stream::takeBack(Buffer& buffer) {
 void Stream::flush(ACQ_QUEUE_TYPE operation) {
   require(operation >= ACQ_QUEUE_INPUT_TO_OUTPUT && operation <= ACQ_QUEUE_ALL_DISCARD,
           GC_ERR_INVALID_PARAMETER, "no such operation");
-  const std::lock_guard guard(output_.mutex);
+  std::unique_lock lock(output_.mutex);
   const auto each = [&](State state, auto action) {
     for (const auto& buffer : buffers_)
       if (buffer->state == state) action(*buffer);
@@ -165,11 +165,17 @@ void Stream::flush(ACQ_QUEUE_TYPE operation) {
     each(State::kOutput, discard);
     output_.drop();
   }
-  if (operation == ACQ_QUEUE_ALL_DISCARD)
+  if (operation == ACQ_QUEUE_ALL_DISCARD) {
     each(State::kInput, [&](Buffer& buffer) {
       takeBack(buffer);
       discard(buffer);
     });
+    // Those that the board has pictures for are free when these have come and are dropped.
+    const auto comes = [](const auto& buffer) {
+      return buffer->state == State::kIdle && buffer->lent;
+    };
+    returned_.wait(lock, [&] { return std::ranges::none_of(buffers_, comes); });
+  }
   if (operation == ACQ_QUEUE_ALL_TO_INPUT || operation == ACQ_QUEUE_UNQUEUED_TO_INPUT)
     each(State::kIdle, [&](Buffer& buffer) { moveToInput(buffer); });
 }
@@ -236,6 +242,7 @@ void Stream::disarm(bool kill) {
     buffer->index = -1;
     buffer->lent = false;
   }
+  returned_.notify_all();
   known_.clear();
 }
 
@@ -265,25 +272,26 @@ void Stream::end(bool kill) {
   thread_.join();
 }
 
-/// Takes pictures until none are left after a stop, or nobody wants more.
+/// Takes pictures until none are left after a stop, which it does itself when nobody wants more.
 void Stream::run() {
   constexpr double kPatience = 3600;  // Seconds; a stop ends the wait.
-  for (bool more = true; more;) {
+  const auto stop = [this] { Fg_stopAcquireEx(device_.grabber.fg(), device_.port, 0, 0); };
+  for (;;) {
     VirtualBoardPicture picture{};
     const int code = VirtualBoard_takePicture(memory_, kPatience, &picture);
     if (code == VELMORA_BOARD_TIMEOUT) continue;
     if (code == VELMORA_BOARD_NOT_STARTED || kill_) break;
     if (code == VELMORA_OK) {
-      more = deliver(picture);
+      if (!deliver(picture)) stop();
     } else {
       event(EVENT_ERROR).fire(errorData(GC_ERR_OUT_OF_MEMORY, codeText(code)));  // It stays due.
       std::this_thread::sleep_for(std::chrono::milliseconds(10));
     }
   }
-  Fg_stopAcquireEx(device_.grabber.fg(), device_.port, 0, 0);
+  stop();
 }
 
-/// False after the last one that is wanted.
+/// False when no more are wanted.
 bool Stream::deliver(const VirtualBoardPicture& taken) {
   const std::uint64_t number = numbersBefore_ + static_cast<std::uint64_t>(taken.number);
   const std::uint64_t missed = number - lastNumber_ - 1;
@@ -304,6 +312,8 @@ bool Stream::deliver(const VirtualBoardPicture& taken) {
   Buffer& buffer = **std::ranges::find(buffers_, static_cast<int>(taken.buffer),
                                        [](auto& b) { return b->index; });
   buffer.lent = false;
+  returned_.notify_all();
+  if (remaining_ == 0) return false;
   ++started_;
   if (buffer.state != State::kInput) return true;  // Discarded meanwhile.
   buffer.picture = picture;

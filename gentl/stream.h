@@ -65,7 +65,8 @@ class Stream : public Module {
   Device& device_;
   Event& output_;
   std::vector<std::shared_ptr<Buffer>> buffers_;
-  std::vector<void*> known_;  ///< To the board's memory, by index; it forgets none.
+  std::vector<void*> known_;          ///< To the board's memory, by index; it forgets none.
+  std::condition_variable returned_;  ///< A buffer is no longer lent.
   VirtualBoardMemory* memory_ = nullptr;
   std::size_t payload_ = 0;
   std::uint64_t remaining_ = 0, delivered_ = 0, started_ = 0;

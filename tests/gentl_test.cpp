@@ -656,12 +656,16 @@ TEST_F(GenTl, BuffersGoTheirWay) {
 
 TEST_F(GenTl, BuffersComeAndGoWhileItAcquires) {
   const Port port = openPort(0);
+  const Features features(port.remote);
+  for (const auto& [name, value] :
+       {std::pair{"Width", "512"}, {"Height", "512"}, {"AcquisitionFrameRate", "10000"}})
+    EXPECT_EQ(features.set(name, value), "");
   EXPECT_EQ(port.start(), GC_ERR_SUCCESS);
-  EXPECT_EQ(Features(port.remote).execute("AcquisitionStart"), "");
-  Bytes memory(kSmall);
+  EXPECT_EQ(features.execute("AcquisitionStart"), "");
+  Bytes memory(512 * 512 * 3);
   for (int i = 0; i < 9; ++i) {
     BUFFER_HANDLE buffer = nullptr;
-    SUCCEEDS(DSAnnounceBuffer, port.stream, memory.data(), kSmall, nullptr, &buffer);
+    SUCCEEDS(DSAnnounceBuffer, port.stream, memory.data(), memory.size(), nullptr, &buffer);
     SUCCEEDS(DSQueueBuffer, port.stream, buffer);
     std::uint32_t used = 0;  // Percent of the board's buffers.
     SUCCEEDS(GCReadPort, port.remote, FG_FILLLEVEL, &used, Room{sizeof used});
@@ -669,6 +673,12 @@ TEST_F(GenTl, BuffersComeAndGoWhileItAcquires) {
     EXPECT_EQ(port.take(), buffer);
     SUCCEEDS(DSRevokeBuffer, port.stream, buffer, nullptr, nullptr);
   }
+  // Discarded are those, too, whose pictures are on their way.
+  const auto buffers = announce(port, 4, memory.size());
+  port.take();
+  SUCCEEDS(DSFlushQueue, port.stream, ACQ_QUEUE_ALL_DISCARD);
+  for (const BUFFER_HANDLE buffer : buffers)
+    SUCCEEDS(DSRevokeBuffer, port.stream, buffer, nullptr, nullptr);
 }
 
 TEST_F(GenTl, EventsOfTheAppletAndOfLossArrive) {
