@@ -104,13 +104,17 @@ void Stream::enqueue(BUFFER_HANDLE handle) {
   const std::lock_guard guard(output_.mutex);
   Buffer& buffer = *announced(handle);
   require(buffer.state == State::kIdle, GC_ERR_RESOURCE_IN_USE, "the buffer is queued");
-  require(!memory_ || buffer.size >= payload_, GC_ERR_BUFFER_TOO_SMALL,
-          "the buffer is smaller than a picture");
+  requireRoom(buffer);
   moveToInput(buffer);
 }
 
+void Stream::requireRoom(const Buffer& buffer) const {
+  require(!memory_ || buffer.size >= payload_, GC_ERR_BUFFER_TOO_SMALL,
+          "the buffer is smaller than a picture");
+}
+
 void Stream::moveToInput(Buffer& buffer) {
-  if (memory_ && buffer.size >= payload_) lend(buffer);
+  if (memory_) lend(buffer);
   buffer.state = State::kInput;
   buffer.picture = {};
 }
@@ -160,6 +164,11 @@ void Stream::flush(ACQ_QUEUE_TYPE operation) {
       buffer.picture = {.incomplete = true};  // There is none in it.
       moveToOutput(buffer);
     });
+  const auto fits = [&](const Buffer& buffer) { requireRoom(buffer); };
+  const bool toInput =
+      operation == ACQ_QUEUE_ALL_TO_INPUT || operation == ACQ_QUEUE_UNQUEUED_TO_INPUT;
+  if (toInput) each(State::kIdle, fits);
+  if (operation == ACQ_QUEUE_ALL_TO_INPUT) each(State::kOutput, fits);
   const auto discard = [](Buffer& buffer) { buffer.state = State::kIdle; };
   if (operation != ACQ_QUEUE_UNQUEUED_TO_INPUT) {
     each(State::kOutput, discard);
@@ -176,8 +185,7 @@ void Stream::flush(ACQ_QUEUE_TYPE operation) {
     };
     returned_.wait(lock, [&] { return std::ranges::none_of(buffers_, comes); });
   }
-  if (operation == ACQ_QUEUE_ALL_TO_INPUT || operation == ACQ_QUEUE_UNQUEUED_TO_INPUT)
-    each(State::kIdle, [&](Buffer& buffer) { moveToInput(buffer); });
+  if (toInput) each(State::kIdle, [&](Buffer& buffer) { moveToInput(buffer); });
 }
 
 void Stream::bufferId(std::uint32_t index, BUFFER_HANDLE* handle) {

@@ -56,6 +56,7 @@ class Stream : public Module {
   std::uint64_t status(std::uint32_t which);
   // These expect the lock of the new-buffer queue, which guards the buffers and the counts.
   std::shared_ptr<Buffer>& announced(const void* handle);
+  void requireRoom(const Buffer& buffer) const;
   void moveToInput(Buffer& buffer);
   void moveToOutput(Buffer& buffer);
   void lend(Buffer& buffer);

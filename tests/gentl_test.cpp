@@ -676,6 +676,9 @@ TEST_F(GenTl, BuffersComeAndGoWhileItAcquires) {
   // Discarded are those, too, whose pictures are on their way.
   const auto buffers = announce(port, 4, memory.size());
   port.take();
+  BUFFER_HANDLE small = nullptr;
+  SUCCEEDS(DSAllocAndAnnounceBuffer, port.stream, kSmall, nullptr, &small);
+  EXPECT_EQ(GENTL(DSFlushQueue)(port.stream, ACQ_QUEUE_ALL_TO_INPUT), GC_ERR_BUFFER_TOO_SMALL);
   SUCCEEDS(DSFlushQueue, port.stream, ACQ_QUEUE_ALL_DISCARD);
   for (const BUFFER_HANDLE buffer : buffers)
     SUCCEEDS(DSRevokeBuffer, port.stream, buffer, nullptr, nullptr);
