@@ -18,10 +18,10 @@ constexpr std::uint64_t kMin = 0x100000000, kMax = 0x200000000;
 const std::vector<const char*> kTogether[] = {
     {"Width", "FG_WIDTH", "OffsetX", "FG_XOFFSET", "PayloadSize"},
     {"Height", "FG_HEIGHT", "OffsetY", "FG_YOFFSET", "PayloadSize"},
-    {"TestPattern", "FG_GEN_ENABLE"},
-    {"TriggerMode", "TriggerSource", "AcquisitionFrameRate", "AcquisitionFrameRateEnable",
-     "FG_AREATRIGGERMODE", "FG_TRIGGERSTATE", "FG_TRIGGER_FRAMESPERSECOND", "FG_TRIGGERIN_SRC",
-     "FG_TRIGGERQUEUE_MODE", "FG_SENDSOFTWARETRIGGER"},
+    {"TestPattern", "FG_GEN_ENABLE", "TriggerMode", "TriggerSource", "AcquisitionFrameRate",
+     "AcquisitionFrameRateEnable", "FG_AREATRIGGERMODE", "FG_TRIGGERSTATE",
+     "FG_TRIGGER_FRAMESPERSECOND", "FG_TRIGGERIN_SRC", "FG_TRIGGERQUEUE_MODE",
+     "FG_SENDSOFTWARETRIGGER"},
     {"TriggerActivation", "FG_TRIGGERIN_POLARITY"},
     {"BalanceRatio", "FG_SCALINGFACTOR_RED", "FG_SCALINGFACTOR_GREEN", "FG_SCALINGFACTOR_BLUE"},
     {"FG_GEN_FREQ", "FG_GEN_ACCURACY", "FG_GEN_ACTIVE", "FG_GEN_PASSIVE"},
@@ -115,6 +115,10 @@ Settings settingsOf(std::uint64_t source) {
 }
 
 std::uint64_t whole(const Value& value) { return std::get<std::uint64_t>(value); }
+bool flag(const Value& value) {
+  require(whole(value) <= 1, GC_ERR_INVALID_VALUE, "value out of range");
+  return whole(value) == 1;
+}
 
 }  // namespace
 
@@ -157,9 +161,16 @@ bool RemoteDevice::writable() const { return !device_.readOnly; }
 
 std::size_t RemoteDevice::payload() { return grabber_.payload(port_); }
 std::uint32_t RemoteDevice::mode() { return grabber_.word(FG_AREATRIGGERMODE, port_); }
-bool RemoteDevice::active() { return grabber_.word(FG_TRIGGERSTATE, port_) == TS_ACTIVE; }
+bool RemoteDevice::active() {
+  return grabber_.word(FG_TRIGGERSTATE, port_) == TS_ACTIVE && !simulated();
+}
+bool RemoteDevice::simulated() { return grabber_.word(FG_GEN_ENABLE, port_) == FG_GENERATOR; }
+void RemoteDevice::requireCamera() {
+  require(!simulated(), GC_ERR_ACCESS_DENIED, "TestPattern is on: the simulator paces itself");
+}
 
 void RemoteDevice::activate(std::vector<Grabber::Setting> settings) {
+  requireCamera();
   source_ = source();
   settings.push_back({FG_TRIGGERSTATE, bytesOf(TS_ACTIVE)});
   grabber_.setAll(port_, settings);
@@ -167,7 +178,7 @@ void RemoteDevice::activate(std::vector<Grabber::Setting> settings) {
 
 bool RemoteDevice::triggered() { return active() && mode() != ATM_GENERATOR; }
 void RemoteDevice::setTriggered(const Value& on) {
-  const bool wanted = whole(on) != 0;
+  const bool wanted = flag(on);
   if (wanted != triggered()) activate(wanted ? settingsOf(source()) : Settings{kGenerator});
 }
 
@@ -186,9 +197,10 @@ void RemoteDevice::setSource(const Value& source) {
 
 bool RemoteDevice::paced() { return active() && !triggered(); }
 void RemoteDevice::setPaced(const Value& on) {
-  require(!triggered(), GC_ERR_ACCESS_DENIED, "TriggerMode is On");
-  if (whole(on) != 0) return activate({kGenerator});
-  grabber_.setAll(port_, {{FG_TRIGGERSTATE, bytesOf(TS_ASYNC_STOP)}});
+  const bool wanted = flag(on);
+  if (wanted == paced()) return;
+  require(wanted && !triggered(), GC_ERR_ACCESS_DENIED, "the rate counts while TriggerMode is Off");
+  activate({kGenerator});
 }
 
 double RemoteDevice::rate() { return grabber_.value<double>(FG_TRIGGER_FRAMESPERSECOND, port_); }

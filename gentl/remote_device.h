@@ -29,7 +29,8 @@ class RemoteDevice : public Module {
                   std::uint64_t max);
 
   /// @name What the registers read and write
-  /// Without triggers, the design's generator paces the camera, or nothing does.
+  /// Without triggers, the design's generator paces the camera. Neither has a say while the
+  /// simulator sends.
   /// @{
   std::size_t payload();
   bool triggered();
@@ -42,6 +43,8 @@ class RemoteDevice : public Module {
   void setRate(const Value& rate);
   /// @}
   bool active();
+  bool simulated();
+  void requireCamera();
   std::uint32_t mode();
   void activate(std::vector<Grabber::Setting> settings);
 

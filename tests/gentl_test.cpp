@@ -410,11 +410,13 @@ TEST_F(GenTl, StandardFeaturesMoveParametersAndBack) {
       {"FG_GEN_ENABLE", "FG_CAMPORT", "TestPattern", "Off"},
       {"AcquisitionFrameRate", "25", "FG_TRIGGER_FRAMESPERSECOND", "25"},
       {"AcquisitionFrameRate", "50", "AcquisitionFrameRateEnable", "true"},
-      {"AcquisitionFrameRateEnable", "false", "FG_TRIGGERSTATE", "TS_ASYNC_STOP"},
+      {"FG_TRIGGERSTATE", "TS_ASYNC_STOP", "AcquisitionFrameRateEnable", "false"},
       {"TriggerMode", "On", "FG_AREATRIGGERMODE", "ATM_SOFTWARE"},
       {"TriggerSource", "Line6", "FG_TRIGGERIN_SRC", "TRGINSRC_6"},
       {"TriggerActivation", "FallingEdge", "FG_TRIGGERIN_POLARITY", "LOW_ACTIVE"},
       {"FG_TRIGGERIN_SRC", "TRGINSRC_2", "TriggerSource", "Line2"},
+      {"TestPattern", "GreyDiagonalRampMoving", "TriggerMode", "Off"},  // The simulator's is none.
+      {"TestPattern", "Off", "TriggerMode", "On"},
       {"TriggerMode", "Off", "FG_AREATRIGGERMODE", "ATM_GENERATOR"},
       {"FG_SCALINGFACTOR_BLUE", "1.5", "BalanceRatio", "1"},
       {"BalanceRatioSelector", "Blue", "BalanceRatio", "1.5"},
@@ -423,6 +425,8 @@ TEST_F(GenTl, StandardFeaturesMoveParametersAndBack) {
   for (unsigned number = 0; number < 4; ++number) {
     const Port port = openPort(number);
     const Features features(port.remote);
+    EXPECT_EQ(features.get("AcquisitionFrameRate"), "30");
+    EXPECT_THAT(features.set("AcquisitionFrameRateEnable", "false"), HasSubstr("rate counts"));
     for (const auto& [feature, value, other, expected] : steps) {
       EXPECT_EQ(features.set(feature, value), "") << feature;
       EXPECT_EQ(features.get(other), expected) << feature << ' ' << other;
@@ -439,6 +443,16 @@ TEST_F(GenTl, StandardFeaturesMoveParametersAndBack) {
     EXPECT_THAT(lastError().second, HasSubstr("FG_CAMSTATUS: -12, "));
     EXPECT_EQ(write(12345, 4), GC_ERR_INVALID_ADDRESS);
     EXPECT_EQ(write(FG_WIDTH, 2), GC_ERR_INVALID_PARAMETER);
+    EXPECT_EQ(features.set("TestPattern", "GreyDiagonalRampMoving"), "");
+    EXPECT_FALSE(
+        arv_gc_feature_node_is_available(features.feature("AcquisitionFrameRate"), nullptr));
+    for (const char* name : {"TriggerMode_Reg", "AcquisitionFrameRateEnable_Reg"}) {
+      std::uint64_t on = 7;
+      SUCCEEDS(GCReadPort, port.remote, features.address(name), &on, Room{sizeof on});
+      EXPECT_EQ(on, 0U);
+      EXPECT_EQ(GENTL(GCWritePort)(port.remote, features.address(name), &kOne, Room{sizeof kOne}),
+                GC_ERR_ACCESS_DENIED);
+    }
     std::thread([] { EXPECT_EQ(lastError().first, GC_ERR_SUCCESS); }).join();
   }
 }
@@ -452,7 +466,6 @@ TEST_F(GenTl, ARefusedWriteChangesNothing) {
                                                         {"TriggerSource", "Line2"},
                                                         {"TriggerMode", "Off"},
                                                         {"AcquisitionFrameRate", "20"},
-                                                        {"AcquisitionFrameRateEnable", "false"},
                                                         {"TriggerMode", "On"},
                                                         {"TriggerSource", "Software"},
                                                         {"TriggerMode", "Off"}};
