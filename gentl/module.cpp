@@ -169,7 +169,10 @@ void Module::addFeature(const std::string& name, RegisterKind kind, std::functio
 
 void Module::addCommand(const std::string& name, const std::function<void()>& action) {
   names_ += element("pFeature", name);
-  const auto act = [action](const Value&) { action(); };
+  const auto act = [action](const Value& value) {
+    require(std::get<std::uint64_t>(value) == 1, GC_ERR_INVALID_VALUE, "a command takes a 1");
+    action();
+  };
   add({name + "_Reg", RegisterKind::kInteger, [] { return toValue(0); }, act});
   features_ +=
       node("Command", name, element("pValue", name + "_Reg") + element("CommandValue", "1"));

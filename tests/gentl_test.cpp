@@ -442,6 +442,9 @@ TEST_F(GenTl, StandardFeaturesMoveParametersAndBack) {
     EXPECT_EQ(write(FG_CAMSTATUS, 4), GC_ERR_ACCESS_DENIED);
     EXPECT_THAT(lastError().second, HasSubstr("FG_CAMSTATUS: -12, "));
     EXPECT_EQ(write(12345, 4), GC_ERR_INVALID_ADDRESS);
+    for (const char* name : {"TriggerMode_Reg", "AcquisitionStart_Reg"})
+      EXPECT_EQ(GENTL(GCWritePort)(port.remote, features.address(name), &kSmall, Room{8}),
+                GC_ERR_INVALID_VALUE);
     EXPECT_EQ(write(FG_WIDTH, 2), GC_ERR_INVALID_PARAMETER);
     EXPECT_EQ(features.set("TestPattern", "GreyDiagonalRampMoving"), "");
     EXPECT_FALSE(
