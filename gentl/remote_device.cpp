@@ -87,17 +87,12 @@ class AppletLines {
 };
 
 /// Nodes by which a GenApi library shows the applet's events.
-std::string eventNodes(Grabber& grabber, unsigned number) {
+std::string eventControl(Grabber& grabber, unsigned number) {
   std::string nodes, names;
   for (const auto& [name, mask] : grabber.events(number)) {
     const std::string feature = "Event" + name + "Timestamp";
     names += element("pFeature", feature);
-    const std::string port = name + "_Event";
-    nodes += node("Integer", feature,
-                  element("Visibility", "Expert") + element("pValue", feature + "_Reg") +
-                      element("Unit", "ns")) +
-             registerNode({feature + "_Reg", RegisterKind::kInteger, nullptr}, 0, port) +
-             node("Port", port, element("EventID", hexadecimal(mask)));
+    nodes += eventNodes(feature, mask, element("Unit", "ns"));
   }
   return "<Category Name=\"EventControl\" NameSpace=\"Standard\">\n" + names + "</Category>\n" +
          nodes;
@@ -241,7 +236,7 @@ std::string RemoteDevice::makeDocument() {
   for (std::string line; std::getline(document, line);) {
     text += lines.adapted(line);
     if (line.ends_with("GenApiSchema_Version_1_0.xsd\">"))
-      text += kStandardFeatures + eventNodes(grabber_, port_) + registerNodes();
+      text += kStandardFeatures + eventControl(grabber_, port_) + registerNodes();
   }
   return text.insert(text.rfind("<Port "), lines.nodes());
 }

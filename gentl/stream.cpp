@@ -59,6 +59,7 @@ Stream::Stream(const std::shared_ptr<Device>& device)
   addInfos(kInfos, [this]() -> Stream& { return *this; });
   addEnumeration("StreamType", {kTechnology});
   addEnumeration("StreamBufferHandlingMode", {"Default"});
+  addEvent("EventLostFrames", kLostEvent);
 }
 
 Stream::~Stream() { disarm(true); }

@@ -369,7 +369,9 @@ TEST_F(GenTl, EveryModuleHasADocumentWhoseFeaturesCanBeRead) {
        {"TLID", "TLVendorName", "TLType", "InterfaceUpdateList", "InterfaceID"}},
       {board, "TLInterface", {"InterfaceID", "DeviceUpdateList", "DeviceSelector", "DeviceID"}},
       {port.device, "TLDevice", {"DeviceID", "DeviceVendorName", "StreamSelector", "StreamID"}},
-      {port.stream, "TLDataStream", {"StreamID", "StreamType", "StreamAnnouncedBufferCount"}},
+      {port.stream,
+       "TLDataStream",
+       {"StreamID", "StreamType", "StreamAnnouncedBufferCount", "EventLostFrames"}},
       {buffer, "TLBuffer", {"BufferUserData"}},
       {port.remote,
        "Device",
@@ -723,13 +725,14 @@ TEST_F(GenTl, EventsOfTheAppletAndOfLossArrive) {
         ask<std::string>(GENTL(EventGetDataInfo), EVENT_DATA_ID, remote, data, sizeof data));
   }
   for (const std::string& id : seen)
-    EXPECT_THAT(features.text(),
-                testing::ContainsRegex("_FRAME_CAM_PORT_D_Event\">\n<EventID>" + id + "<"));
+    EXPECT_THAT(features.text(), testing::ContainsRegex(
+                                     "_FRAME_CAM_PORT_DTimestamp_Event\">\n<EventID>" + id + "<"));
   const BUFFER_HANDLE buffer = port.take();
   port.await(STREAM_INFO_NUM_UNDERRUN, 1);
   SUCCEEDS(DSQueueBuffer, port.stream, buffer);
   EXPECT_EQ(get(module, 10000), GC_ERR_SUCCESS);
   EXPECT_GE(data[1], 1U);  // Lost ones.
+  EXPECT_THAT(Features(port.stream).text(), HasSubstr("<EventID>" + std::to_string(data[0]) + "<"));
   EXPECT_EQ(port.stop(), GC_ERR_SUCCESS);
   SUCCEEDS(EventFlush, module);
   EXPECT_EQ(get(module, 0), GC_ERR_TIMEOUT);
