@@ -369,9 +369,7 @@ TEST_F(GenTl, EveryModuleHasADocumentWhoseFeaturesCanBeRead) {
        {"TLID", "TLVendorName", "TLType", "InterfaceUpdateList", "InterfaceID"}},
       {board, "TLInterface", {"InterfaceID", "DeviceUpdateList", "DeviceSelector", "DeviceID"}},
       {port.device, "TLDevice", {"DeviceID", "DeviceVendorName", "StreamSelector", "StreamID"}},
-      {port.stream,
-       "TLDataStream",
-       {"StreamID", "StreamType", "StreamAnnouncedBufferCount", "EventLostFrames"}},
+      {port.stream, "TLDataStream", {"StreamID", "StreamType", "StreamAnnouncedBufferCount"}},
       {buffer, "TLBuffer", {"BufferUserData"}},
       {port.remote,
        "Device",
@@ -451,13 +449,9 @@ TEST_F(GenTl, StandardFeaturesMoveParametersAndBack) {
     EXPECT_EQ(features.set("TestPattern", "GreyDiagonalRampMoving"), "");
     EXPECT_FALSE(
         arv_gc_feature_node_is_available(features.feature("AcquisitionFrameRate"), nullptr));
-    for (const char* name : {"TriggerMode_Reg", "AcquisitionFrameRateEnable_Reg"}) {
-      std::uint64_t on = 7;
-      SUCCEEDS(GCReadPort, port.remote, features.address(name), &on, Room{sizeof on});
-      EXPECT_EQ(on, 0U);
+    for (const char* name : {"TriggerMode_Reg", "AcquisitionFrameRateEnable_Reg"})
       EXPECT_EQ(GENTL(GCWritePort)(port.remote, features.address(name), &kOne, Room{sizeof kOne}),
                 GC_ERR_ACCESS_DENIED);
-    }
     std::thread([] { EXPECT_EQ(lastError().first, GC_ERR_SUCCESS); }).join();
   }
 }
@@ -691,8 +685,7 @@ TEST_F(GenTl, BuffersComeAndGoWhileItAcquires) {
     EXPECT_EQ(port.take(), buffer);
     SUCCEEDS(DSRevokeBuffer, port.stream, buffer, nullptr, nullptr);
   }
-  // Discarded are those, too, whose pictures are on their way.
-  const auto buffers = announce(port, 4, memory.size());
+  const auto buffers = announce(port, 4, memory.size());  // Soon with pictures on their way.
   port.take();
   BUFFER_HANDLE small = nullptr;
   SUCCEEDS(DSAllocAndAnnounceBuffer, port.stream, kSmall, nullptr, &small);
