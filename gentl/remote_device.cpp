@@ -19,9 +19,8 @@ const std::vector<const char*> kTogether[] = {
     {"Width", "FG_WIDTH", "OffsetX", "FG_XOFFSET", "PayloadSize"},
     {"Height", "FG_HEIGHT", "OffsetY", "FG_YOFFSET", "PayloadSize"},
     {"TestPattern", "FG_GEN_ENABLE", "TriggerMode", "TriggerSource", "AcquisitionFrameRate",
-     "AcquisitionFrameRateEnable", "FG_AREATRIGGERMODE", "FG_TRIGGERSTATE",
-     "FG_TRIGGER_FRAMESPERSECOND", "FG_TRIGGERIN_SRC", "FG_TRIGGERQUEUE_MODE",
-     "FG_SENDSOFTWARETRIGGER"},
+     "FG_AREATRIGGERMODE", "FG_TRIGGERSTATE", "FG_TRIGGER_FRAMESPERSECOND", "FG_TRIGGERIN_SRC",
+     "FG_TRIGGERQUEUE_MODE", "FG_SENDSOFTWARETRIGGER"},
     {"TriggerActivation", "FG_TRIGGERIN_POLARITY"},
     {"BalanceRatio", "FG_SCALINGFACTOR_RED", "FG_SCALINGFACTOR_GREEN", "FG_SCALINGFACTOR_BLUE"},
     {"FG_GEN_FREQ", "FG_GEN_ACCURACY", "FG_GEN_ACTIVE", "FG_GEN_PASSIVE"},
@@ -130,7 +129,6 @@ RemoteDevice::RemoteDevice(const std::shared_ptr<Device>& device)
   addSetting("AcquisitionFrameCount", device_.pictures, 1, 0x7FFFFFFF);
   addOwn<&RemoteDevice::triggered, &RemoteDevice::setTriggered>("TriggerMode");
   addOwn<&RemoteDevice::source, &RemoteDevice::setSource>("TriggerSource");
-  addOwn<&RemoteDevice::paced, &RemoteDevice::setPaced>("AcquisitionFrameRateEnable");
   addOwn<&RemoteDevice::rate, &RemoteDevice::setRate>("AcquisitionFrameRate", RegisterKind::kFloat);
 }
 
@@ -156,9 +154,6 @@ bool RemoteDevice::writable() const { return !device_.readOnly; }
 
 std::size_t RemoteDevice::payload() { return grabber_.payload(port_); }
 std::uint32_t RemoteDevice::mode() { return grabber_.word(FG_AREATRIGGERMODE, port_); }
-bool RemoteDevice::active() {
-  return grabber_.word(FG_TRIGGERSTATE, port_) == TS_ACTIVE && !simulated();
-}
 bool RemoteDevice::simulated() { return grabber_.word(FG_GEN_ENABLE, port_) == FG_GENERATOR; }
 void RemoteDevice::requireCamera() {
   require(!simulated(), GC_ERR_ACCESS_DENIED, "TestPattern is on: the simulator paces itself");
@@ -171,7 +166,10 @@ void RemoteDevice::activate(std::vector<Grabber::Setting> settings) {
   grabber_.setAll(port_, settings);
 }
 
-bool RemoteDevice::triggered() { return active() && mode() != ATM_GENERATOR; }
+bool RemoteDevice::triggered() {
+  const bool active = grabber_.word(FG_TRIGGERSTATE, port_) == TS_ACTIVE;
+  return active && mode() != ATM_GENERATOR && !simulated();
+}
 void RemoteDevice::setTriggered(const Value& on) {
   const bool wanted = flag(on);
   if (wanted != triggered()) activate(wanted ? settingsOf(source()) : Settings{kGenerator});
@@ -190,15 +188,10 @@ void RemoteDevice::setSource(const Value& source) {
   source_ = whole(source);
 }
 
-bool RemoteDevice::paced() { return active() && !triggered(); }
-void RemoteDevice::setPaced(const Value& on) {
-  const bool wanted = flag(on);
-  if (wanted == paced()) return;
-  require(wanted && !triggered(), GC_ERR_ACCESS_DENIED, "the rate counts while TriggerMode is Off");
-  activate({kGenerator});
+double RemoteDevice::rate() {
+  requireCamera();
+  return grabber_.value<double>(FG_TRIGGER_FRAMESPERSECOND, port_);
 }
-
-double RemoteDevice::rate() { return grabber_.value<double>(FG_TRIGGER_FRAMESPERSECOND, port_); }
 void RemoteDevice::setRate(const Value& rate) {
   const Grabber::Setting setting{FG_TRIGGER_FRAMESPERSECOND, bytesOf(std::get<double>(rate))};
   if (triggered()) return grabber_.setAll(port_, {setting});

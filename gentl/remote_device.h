@@ -37,12 +37,9 @@ class RemoteDevice : public Module {
   void setTriggered(const Value& on);
   std::uint64_t source();
   void setSource(const Value& source);
-  bool paced();
-  void setPaced(const Value& on);
   double rate();
   void setRate(const Value& rate);
   /// @}
-  bool active();
   bool simulated();
   void requireCamera();
   std::uint32_t mode();
