@@ -127,6 +127,7 @@ RemoteDevice::RemoteDevice(const std::shared_ptr<Device>& device)
   addCommand("AcquisitionStop", [this] { device_.stopSending(); });
   addSetting("AcquisitionMode", device_.mode, 0, 2);
   addSetting("AcquisitionFrameCount", device_.pictures, 1, 0x7FFFFFFF);
+  addOwn<&RemoteDevice::simulated, &RemoteDevice::setSimulated>("TestPattern");
   addOwn<&RemoteDevice::triggered, &RemoteDevice::setTriggered>("TriggerMode");
   addOwn<&RemoteDevice::source, &RemoteDevice::setSource>("TriggerSource");
   addOwn<&RemoteDevice::rate, &RemoteDevice::setRate>("AcquisitionFrameRate", RegisterKind::kFloat);
@@ -155,6 +156,13 @@ bool RemoteDevice::writable() const { return !device_.readOnly; }
 std::size_t RemoteDevice::payload() { return grabber_.payload(port_); }
 std::uint32_t RemoteDevice::mode() { return grabber_.word(FG_AREATRIGGERMODE, port_); }
 bool RemoteDevice::simulated() { return grabber_.word(FG_GEN_ENABLE, port_) == FG_GENERATOR; }
+/// Triggers rest meanwhile: the design would miss the camera's answer to each.
+void RemoteDevice::setSimulated(const Value& on) {
+  const bool wanted = flag(on);
+  if (wanted == simulated()) return;
+  grabber_.setAll(port_, {{FG_TRIGGERSTATE, bytesOf(wanted ? TS_ASYNC_STOP : TS_ACTIVE)},
+                          {FG_GEN_ENABLE, bytesOf(wanted ? FG_GENERATOR : FG_CAMPORT)}});
+}
 void RemoteDevice::requireCamera() {
   require(!simulated(), GC_ERR_ACCESS_DENIED, "TestPattern is on: the simulator paces itself");
 }

@@ -33,6 +33,8 @@ class RemoteDevice : public Module {
   /// simulator sends.
   /// @{
   std::size_t payload();
+  bool simulated();
+  void setSimulated(const Value& on);
   bool triggered();
   void setTriggered(const Value& on);
   std::uint64_t source();
@@ -40,7 +42,6 @@ class RemoteDevice : public Module {
   double rate();
   void setRate(const Value& rate);
   /// @}
-  bool simulated();
   void requireCamera();
   std::uint32_t mode();
   void activate(std::vector<Grabber::Setting> settings);
