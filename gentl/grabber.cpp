@@ -107,6 +107,19 @@ Grabber::Grabber() {
     fail(GC_ERR_IO, "the applet does not start" +
                         (named.empty() ? "" : " with the design " + named) + ": " +
                         codeText(error));
+  for (unsigned port = 0; port < VELMORA_PORTS; ++port) pace(port);
+}
+
+/// A camera sends freely until the applet has triggered it once, and cannot go back to that. So it
+/// is triggered from the start, as often as it would send.
+void Grabber::pace(unsigned port) {
+  constexpr double kRate = 30;  // Hz.
+  try {
+    setAll(port, {{FG_TRIGGER_FRAMESPERSECOND, bytesOf(kRate)},
+                  {FG_AREATRIGGERMODE, bytesOf(ATM_GENERATOR)},
+                  {FG_TRIGGERSTATE, bytesOf(TS_ACTIVE)}});
+  } catch (const Failure&) {  // A design that cannot stays as it is.
+  }
 }
 
 Grabber::~Grabber() {

@@ -69,6 +69,7 @@ class Grabber {
   /// @}
 
  private:
+  void pace(unsigned port);
   const RegisterInfo& describe(int id, unsigned port);
   void watch(const std::stop_token& stop);
 

@@ -169,10 +169,18 @@ void Module::addFeature(const std::string& name, RegisterKind kind, std::functio
 
 void Module::addCommand(const std::string& name, const std::function<void()>& action) {
   names_ += element("pFeature", name);
-  const auto act = [action](const Value&) { action(); };
+  const auto act = [action](const Value& value) {
+    require(std::get<std::uint64_t>(value) == 1, GC_ERR_INVALID_VALUE, "a command takes a 1");
+    action();
+  };
   add({name + "_Reg", RegisterKind::kInteger, [] { return toValue(0); }, act});
   features_ +=
       node("Command", name, element("pValue", name + "_Reg") + element("CommandValue", "1"));
+}
+
+void Module::addEvent(const std::string& name, std::uint64_t eventId) {
+  names_ += element("pFeature", name);
+  features_ += eventNodes(name, eventId);
 }
 
 void Module::addSelector(const std::string& name) {
@@ -215,6 +223,14 @@ std::string element(const std::string& tag, const std::string& text) {
 
 std::string node(const std::string& tag, const std::string& name, const std::string& elements) {
   return "<" + tag + " Name=\"" + name + "\">\n" + elements + "</" + tag + ">\n";
+}
+
+std::string eventNodes(const std::string& feature, std::uint64_t id, const std::string& more) {
+  const std::string port = feature + "_Event";
+  return node("Integer", feature,
+              element("Visibility", "Expert") + element("pValue", feature + "_Reg") + more) +
+         registerNode({feature + "_Reg", RegisterKind::kInteger, nullptr}, 0, port) +
+         node("Port", port, element("EventID", hexadecimal(id)));
 }
 
 std::string registerNode(const Register& from, std::uint64_t address, const std::string& port) {

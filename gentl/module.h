@@ -100,6 +100,8 @@ class Module : public Object, public std::enable_shared_from_this<Module> {
   /// @param action nothing for what this producer never needs to do.
   void addCommand(
       const std::string& name, const std::function<void()>& action = [] {});
+  /// The value that comes with an event.
+  void addEvent(const std::string& name, std::uint64_t eventId);
   /// Chooses one of the modules below, of which other features tell.
   void addSelector(const std::string& name);
   std::size_t selected() const { return selected_; }
@@ -142,6 +144,8 @@ class Module : public Object, public std::enable_shared_from_this<Module> {
 /// `<Tag>text</Tag>`, and the same with a name and elements in it.
 std::string element(const std::string& tag, const std::string& text);
 std::string node(const std::string& tag, const std::string& name, const std::string& elements);
+/// By which a GenApi library shows the word that comes with an event.
+std::string eventNodes(const std::string& feature, std::uint64_t id, const std::string& more = {});
 std::string registerNode(const Register& from, std::uint64_t address, const std::string& port);
 
 }  // namespace gentl

@@ -18,8 +18,7 @@ constexpr std::uint64_t kMin = 0x100000000, kMax = 0x200000000;
 const std::vector<const char*> kTogether[] = {
     {"Width", "FG_WIDTH", "OffsetX", "FG_XOFFSET", "PayloadSize"},
     {"Height", "FG_HEIGHT", "OffsetY", "FG_YOFFSET", "PayloadSize"},
-    {"TestPattern", "FG_GEN_ENABLE"},
-    {"TriggerMode", "TriggerSource", "AcquisitionFrameRate", "AcquisitionFrameRateEnable",
+    {"TestPattern", "FG_GEN_ENABLE", "TriggerMode", "TriggerSource", "AcquisitionFrameRate",
      "FG_AREATRIGGERMODE", "FG_TRIGGERSTATE", "FG_TRIGGER_FRAMESPERSECOND", "FG_TRIGGERIN_SRC",
      "FG_TRIGGERQUEUE_MODE", "FG_SENDSOFTWARETRIGGER"},
     {"TriggerActivation", "FG_TRIGGERIN_POLARITY"},
@@ -87,17 +86,12 @@ class AppletLines {
 };
 
 /// Nodes by which a GenApi library shows the applet's events.
-std::string eventNodes(Grabber& grabber, unsigned number) {
+std::string eventControl(Grabber& grabber, unsigned number) {
   std::string nodes, names;
   for (const auto& [name, mask] : grabber.events(number)) {
     const std::string feature = "Event" + name + "Timestamp";
     names += element("pFeature", feature);
-    const std::string port = name + "_Event";
-    nodes += node("Integer", feature,
-                  element("Visibility", "Expert") + element("pValue", feature + "_Reg") +
-                      element("Unit", "ns")) +
-             registerNode({feature + "_Reg", RegisterKind::kInteger, nullptr}, 0, port) +
-             node("Port", port, element("EventID", hexadecimal(mask)));
+    nodes += eventNodes(feature, mask, element("Unit", "ns"));
   }
   return "<Category Name=\"EventControl\" NameSpace=\"Standard\">\n" + names + "</Category>\n" +
          nodes;
@@ -115,6 +109,10 @@ Settings settingsOf(std::uint64_t source) {
 }
 
 std::uint64_t whole(const Value& value) { return std::get<std::uint64_t>(value); }
+bool flag(const Value& value) {
+  require(whole(value) <= 1, GC_ERR_INVALID_VALUE, "value out of range");
+  return whole(value) == 1;
+}
 
 }  // namespace
 
@@ -129,9 +127,9 @@ RemoteDevice::RemoteDevice(const std::shared_ptr<Device>& device)
   addCommand("AcquisitionStop", [this] { device_.stopSending(); });
   addSetting("AcquisitionMode", device_.mode, 0, 2);
   addSetting("AcquisitionFrameCount", device_.pictures, 1, 0x7FFFFFFF);
+  addOwn<&RemoteDevice::simulated, &RemoteDevice::setSimulated>("TestPattern");
   addOwn<&RemoteDevice::triggered, &RemoteDevice::setTriggered>("TriggerMode");
   addOwn<&RemoteDevice::source, &RemoteDevice::setSource>("TriggerSource");
-  addOwn<&RemoteDevice::paced, &RemoteDevice::setPaced>("AcquisitionFrameRateEnable");
   addOwn<&RemoteDevice::rate, &RemoteDevice::setRate>("AcquisitionFrameRate", RegisterKind::kFloat);
 }
 
@@ -157,17 +155,31 @@ bool RemoteDevice::writable() const { return !device_.readOnly; }
 
 std::size_t RemoteDevice::payload() { return grabber_.payload(port_); }
 std::uint32_t RemoteDevice::mode() { return grabber_.word(FG_AREATRIGGERMODE, port_); }
-bool RemoteDevice::active() { return grabber_.word(FG_TRIGGERSTATE, port_) == TS_ACTIVE; }
+bool RemoteDevice::simulated() { return grabber_.word(FG_GEN_ENABLE, port_) == FG_GENERATOR; }
+/// Triggers rest meanwhile: the design would miss the camera's answer to each.
+void RemoteDevice::setSimulated(const Value& on) {
+  const bool wanted = flag(on);
+  if (wanted == simulated()) return;
+  grabber_.setAll(port_, {{FG_TRIGGERSTATE, bytesOf(wanted ? TS_ASYNC_STOP : TS_ACTIVE)},
+                          {FG_GEN_ENABLE, bytesOf(wanted ? FG_GENERATOR : FG_CAMPORT)}});
+}
+void RemoteDevice::requireCamera() {
+  require(!simulated(), GC_ERR_ACCESS_DENIED, "TestPattern is on: the simulator paces itself");
+}
 
 void RemoteDevice::activate(std::vector<Grabber::Setting> settings) {
+  requireCamera();
   source_ = source();
   settings.push_back({FG_TRIGGERSTATE, bytesOf(TS_ACTIVE)});
   grabber_.setAll(port_, settings);
 }
 
-bool RemoteDevice::triggered() { return active() && mode() != ATM_GENERATOR; }
+bool RemoteDevice::triggered() {
+  const bool active = grabber_.word(FG_TRIGGERSTATE, port_) == TS_ACTIVE;
+  return active && mode() != ATM_GENERATOR && !simulated();
+}
 void RemoteDevice::setTriggered(const Value& on) {
-  const bool wanted = whole(on) != 0;
+  const bool wanted = flag(on);
   if (wanted != triggered()) activate(wanted ? settingsOf(source()) : Settings{kGenerator});
 }
 
@@ -184,14 +196,10 @@ void RemoteDevice::setSource(const Value& source) {
   source_ = whole(source);
 }
 
-bool RemoteDevice::paced() { return active() && !triggered(); }
-void RemoteDevice::setPaced(const Value& on) {
-  require(!triggered(), GC_ERR_ACCESS_DENIED, "TriggerMode is On");
-  if (whole(on) != 0) return activate({kGenerator});
-  grabber_.setAll(port_, {{FG_TRIGGERSTATE, bytesOf(TS_ASYNC_STOP)}});
+double RemoteDevice::rate() {
+  requireCamera();
+  return grabber_.value<double>(FG_TRIGGER_FRAMESPERSECOND, port_);
 }
-
-double RemoteDevice::rate() { return grabber_.value<double>(FG_TRIGGER_FRAMESPERSECOND, port_); }
 void RemoteDevice::setRate(const Value& rate) {
   const Grabber::Setting setting{FG_TRIGGER_FRAMESPERSECOND, bytesOf(std::get<double>(rate))};
   if (triggered()) return grabber_.setAll(port_, {setting});
@@ -229,7 +237,7 @@ std::string RemoteDevice::makeDocument() {
   for (std::string line; std::getline(document, line);) {
     text += lines.adapted(line);
     if (line.ends_with("GenApiSchema_Version_1_0.xsd\">"))
-      text += kStandardFeatures + eventNodes(grabber_, port_) + registerNodes();
+      text += kStandardFeatures + eventControl(grabber_, port_) + registerNodes();
   }
   return text.insert(text.rfind("<Port "), lines.nodes());
 }

@@ -29,19 +29,20 @@ class RemoteDevice : public Module {
                   std::uint64_t max);
 
   /// @name What the registers read and write
-  /// Without triggers, the design's generator paces the camera, or nothing does.
+  /// Without triggers, the design's generator paces the camera. Neither has a say while the
+  /// simulator sends.
   /// @{
   std::size_t payload();
+  bool simulated();
+  void setSimulated(const Value& on);
   bool triggered();
   void setTriggered(const Value& on);
   std::uint64_t source();
   void setSource(const Value& source);
-  bool paced();
-  void setPaced(const Value& on);
   double rate();
   void setRate(const Value& rate);
   /// @}
-  bool active();
+  void requireCamera();
   std::uint32_t mode();
   void activate(std::vector<Grabber::Setting> settings);
 

@@ -59,6 +59,7 @@ Stream::Stream(const std::shared_ptr<Device>& device)
   addInfos(kInfos, [this]() -> Stream& { return *this; });
   addEnumeration("StreamType", {kTechnology});
   addEnumeration("StreamBufferHandlingMode", {"Default"});
+  addEvent("EventLostFrames", kLostEvent);
 }
 
 Stream::~Stream() { disarm(true); }
@@ -104,13 +105,17 @@ void Stream::enqueue(BUFFER_HANDLE handle) {
   const std::lock_guard guard(output_.mutex);
   Buffer& buffer = *announced(handle);
   require(buffer.state == State::kIdle, GC_ERR_RESOURCE_IN_USE, "the buffer is queued");
-  require(!memory_ || buffer.size >= payload_, GC_ERR_BUFFER_TOO_SMALL,
-          "the buffer is smaller than a picture");
+  requireRoom(buffer);
   moveToInput(buffer);
 }
 
+void Stream::requireRoom(const Buffer& buffer) const {
+  require(!memory_ || buffer.size >= payload_, GC_ERR_BUFFER_TOO_SMALL,
+          "the buffer is smaller than a picture");
+}
+
 void Stream::moveToInput(Buffer& buffer) {
-  if (memory_ && buffer.size >= payload_) lend(buffer);
+  if (memory_) lend(buffer);
   buffer.state = State::kInput;
   buffer.picture = {};
 }
@@ -124,8 +129,14 @@ void Stream::moveToOutput(Buffer& buffer) {
 void Stream::lend(Buffer& buffer) {
   if (buffer.lent) return;
   if (buffer.index < 0) {
-    known_.push_back(std::static_pointer_cast<Buffer>(buffer.shared_from_this()));
-    buffer.index = VirtualBoard_addBuffer(memory_, buffer.base());
+    const auto known = std::ranges::find(known_, buffer.base());
+    const auto index = static_cast<int>(known - known_.begin());
+    if (known == known_.end()) {
+      require(VirtualBoard_addBuffer(memory_, buffer.base()) == index, GC_ERR_OUT_OF_MEMORY,
+              "the board takes no more buffers");
+      known_.push_back(buffer.base());
+    }
+    buffer.index = index;
   }
   VirtualBoard_returnBuffer(memory_, static_cast<std::uint32_t>(buffer.index));
   buffer.lent = true;
@@ -143,7 +154,7 @@ bool Stream::takeBack(Buffer& buffer) {
 void Stream::flush(ACQ_QUEUE_TYPE operation) {
   require(operation >= ACQ_QUEUE_INPUT_TO_OUTPUT && operation <= ACQ_QUEUE_ALL_DISCARD,
           GC_ERR_INVALID_PARAMETER, "no such operation");
-  const std::lock_guard guard(output_.mutex);
+  std::unique_lock lock(output_.mutex);
   const auto each = [&](State state, auto action) {
     for (const auto& buffer : buffers_)
       if (buffer->state == state) action(*buffer);
@@ -154,18 +165,28 @@ void Stream::flush(ACQ_QUEUE_TYPE operation) {
       buffer.picture = {.incomplete = true};  // There is none in it.
       moveToOutput(buffer);
     });
+  const auto fits = [&](const Buffer& buffer) { requireRoom(buffer); };
+  const bool toInput =
+      operation == ACQ_QUEUE_ALL_TO_INPUT || operation == ACQ_QUEUE_UNQUEUED_TO_INPUT;
+  if (toInput) each(State::kIdle, fits);
+  if (operation == ACQ_QUEUE_ALL_TO_INPUT) each(State::kOutput, fits);
   const auto discard = [](Buffer& buffer) { buffer.state = State::kIdle; };
   if (operation != ACQ_QUEUE_UNQUEUED_TO_INPUT) {
     each(State::kOutput, discard);
     output_.drop();
   }
-  if (operation == ACQ_QUEUE_ALL_DISCARD)
+  if (operation == ACQ_QUEUE_ALL_DISCARD) {
     each(State::kInput, [&](Buffer& buffer) {
       takeBack(buffer);
       discard(buffer);
     });
-  if (operation == ACQ_QUEUE_ALL_TO_INPUT || operation == ACQ_QUEUE_UNQUEUED_TO_INPUT)
-    each(State::kIdle, [&](Buffer& buffer) { moveToInput(buffer); });
+    // Those that the board has pictures for are free when these have come and are dropped.
+    const auto comes = [](const auto& buffer) {
+      return buffer->state == State::kIdle && buffer->lent;
+    };
+    returned_.wait(lock, [&] { return std::ranges::none_of(buffers_, comes); });
+  }
+  if (toInput) each(State::kIdle, [&](Buffer& buffer) { moveToInput(buffer); });
 }
 
 void Stream::bufferId(std::uint32_t index, BUFFER_HANDLE* handle) {
@@ -197,7 +218,7 @@ void Stream::start(ACQ_START_FLAGS flags, std::uint64_t pictures) {
     require(memory_, GC_ERR_OUT_OF_MEMORY, "no picture memory");
     payload_ = payload;
     remaining_ = pictures;
-    delivered_ = started_ = lostBefore_ = 0;
+    delivered_ = started_ = lostBefore_ = numbersBefore_ = lastNumber_ = 0;
     for (const auto& buffer : buffers_)
       if (buffer->state == State::kInput) lend(*buffer);
   }
@@ -226,26 +247,30 @@ void Stream::disarm(bool kill) {
   begun_ = false;
   VirtualBoard_destroyMemory(memory_);
   memory_ = nullptr;
-  for (const auto& buffer : known_) {
+  for (const auto& buffer : buffers_) {
     buffer->index = -1;
     buffer->lent = false;
   }
+  returned_.notify_all();
   known_.clear();
 }
 
 void Stream::begin(std::int64_t pictures) {
-  if (!finished_) return;
-  if (thread_.joinable()) thread_.join();
+  if (thread_.joinable()) {
+    if (status(VELMORA_STATUS_ACQUIRING) > 0) return;
+    thread_.join();  // It hands out what is left and ends.
+  }
   const std::lock_guard guard(output_.mutex);
   if (remaining_ == 0) return;
   const std::uint64_t lostNow = lost();
+  const std::uint64_t numbersNow =
+      numbersBefore_ + (begun_ ? status(VELMORA_STATUS_GRABBED_PICTURES) : 0);
   if (const int code = Fg_AcquireEx(device_.grabber.fg(), device_.port, pictures, 0, memory_))
     fail(GC_ERR_INVALID_VALUE, "the acquisition does not start: " + codeText(code));
   lostBefore_ = lostNow;
+  numbersBefore_ = numbersNow;
   begun_ = true;
-  lastNumber_ = 0;
   kill_ = false;
-  finished_ = false;
   thread_ = std::thread([this] { run(); });
 }
 
@@ -256,29 +281,30 @@ void Stream::end(bool kill) {
   thread_.join();
 }
 
-/// Takes pictures until none are left after a stop, or nobody wants more.
+/// Takes pictures until none are left after a stop, which it does itself when nobody wants more.
 void Stream::run() {
   constexpr double kPatience = 3600;  // Seconds; a stop ends the wait.
-  for (bool more = true; more;) {
+  const auto stop = [this] { Fg_stopAcquireEx(device_.grabber.fg(), device_.port, 0, 0); };
+  for (;;) {
     VirtualBoardPicture picture{};
     const int code = VirtualBoard_takePicture(memory_, kPatience, &picture);
     if (code == VELMORA_BOARD_TIMEOUT) continue;
     if (code == VELMORA_BOARD_NOT_STARTED || kill_) break;
     if (code == VELMORA_OK) {
-      more = deliver(picture);
+      if (!deliver(picture)) stop();
     } else {
       event(EVENT_ERROR).fire(errorData(GC_ERR_OUT_OF_MEMORY, codeText(code)));  // It stays due.
       std::this_thread::sleep_for(std::chrono::milliseconds(10));
     }
   }
-  Fg_stopAcquireEx(device_.grabber.fg(), device_.port, 0, 0);
-  finished_ = true;
+  stop();
 }
 
-/// False after the last one that is wanted.
+/// False when no more are wanted.
 bool Stream::deliver(const VirtualBoardPicture& taken) {
-  const auto missed = static_cast<std::uint64_t>(taken.number - lastNumber_ - 1);
-  lastNumber_ = taken.number;
+  const std::uint64_t number = numbersBefore_ + static_cast<std::uint64_t>(taken.number);
+  const std::uint64_t missed = number - lastNumber_ - 1;
+  lastNumber_ = number;
   if (missed > 0) event(EVENT_MODULE).fire(eventData(kLostEvent, missed));
   const auto setting = [&](int id) { return device_.grabber.word(id, device_.port); };
   const Buffer::Picture picture{.present = true,
@@ -290,10 +316,13 @@ bool Stream::deliver(const VirtualBoardPicture& taken) {
                                 .xOffset = setting(FG_XOFFSET),
                                 .yOffset = setting(FG_YOFFSET),
                                 .time = static_cast<std::uint64_t>(taken.time),
-                                .number = static_cast<std::uint64_t>(taken.number)};
+                                .number = number};
   const std::lock_guard guard(output_.mutex);
-  Buffer& buffer = *known_[taken.buffer];
+  Buffer& buffer = **std::ranges::find(buffers_, static_cast<int>(taken.buffer),
+                                       [](auto& b) { return b->index; });
   buffer.lent = false;
+  returned_.notify_all();
+  if (remaining_ == 0) return false;
   ++started_;
   if (buffer.state != State::kInput) return true;  // Discarded meanwhile.
   buffer.picture = picture;
@@ -303,11 +332,14 @@ bool Stream::deliver(const VirtualBoardPicture& taken) {
 
 void Stream::info(STREAM_INFO_CMD command, Answer to) { answer(kInfos, *this, command, to); }
 
-std::uint64_t Stream::lost() {
-  if (!begun_) return lostBefore_;
-  const auto now = Fg_getStatusEx(device_.grabber.fg(), VELMORA_STATUS_LOST_PICTURES, 0,
+std::uint64_t Stream::status(std::uint32_t which) {
+  const auto now = Fg_getStatusEx(device_.grabber.fg(), which, 0,
                                   static_cast<std::int32_t>(device_.port), nullptr);
-  return lostBefore_ + static_cast<std::uint64_t>(std::max<std::int64_t>(now, 0));
+  return static_cast<std::uint64_t>(std::max<std::int64_t>(now, 0));
+}
+
+std::uint64_t Stream::lost() {
+  return lostBefore_ + (begun_ ? status(VELMORA_STATUS_LOST_PICTURES) : 0);
 }
 
 Stream::Counts Stream::counts() {

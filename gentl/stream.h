@@ -53,8 +53,10 @@ class Stream : public Module {
   void disarm(bool kill);
   void run();
   bool deliver(const VirtualBoardPicture& taken);
+  std::uint64_t status(std::uint32_t which);
   // These expect the lock of the new-buffer queue, which guards the buffers and the counts.
   std::shared_ptr<Buffer>& announced(const void* handle);
+  void requireRoom(const Buffer& buffer) const;
   void moveToInput(Buffer& buffer);
   void moveToOutput(Buffer& buffer);
   void lend(Buffer& buffer);
@@ -64,14 +66,17 @@ class Stream : public Module {
   Device& device_;
   Event& output_;
   std::vector<std::shared_ptr<Buffer>> buffers_;
-  std::vector<std::shared_ptr<Buffer>> known_;  ///< To the board, by index, until it ends.
+  std::vector<void*> known_;          ///< To the board's memory, by index; it forgets none.
+  std::condition_variable returned_;  ///< A buffer is no longer lent.
   VirtualBoardMemory* memory_ = nullptr;
   std::size_t payload_ = 0;
-  std::uint64_t remaining_ = 0, delivered_ = 0, started_ = 0, lostBefore_ = 0;
-  std::int64_t lastNumber_ = 0;
+  std::uint64_t remaining_ = 0, delivered_ = 0, started_ = 0;
+  /// Of earlier starts of the device: a picture's number goes on with the next start.
+  std::uint64_t lostBefore_ = 0, numbersBefore_ = 0;
+  std::uint64_t lastNumber_ = 0;
   bool begun_ = false, closed_ = false;
 
-  std::atomic<bool> kill_{false}, finished_{true};
+  std::atomic<bool> kill_{false};
   std::thread thread_;
 };
 

@@ -409,12 +409,14 @@ TEST_F(GenTl, StandardFeaturesMoveParametersAndBack) {
       {"TestPattern", "GreyDiagonalRampMoving", "FG_GEN_ENABLE", "FG_GENERATOR"},
       {"FG_GEN_ENABLE", "FG_CAMPORT", "TestPattern", "Off"},
       {"AcquisitionFrameRate", "25", "FG_TRIGGER_FRAMESPERSECOND", "25"},
-      {"AcquisitionFrameRate", "50", "AcquisitionFrameRateEnable", "true"},
-      {"AcquisitionFrameRateEnable", "false", "FG_TRIGGERSTATE", "TS_ASYNC_STOP"},
+      {"FG_TRIGGERSTATE", "TS_ASYNC_STOP", "TriggerMode", "Off"},
+      {"AcquisitionFrameRate", "50", "FG_TRIGGERSTATE", "TS_ACTIVE"},
       {"TriggerMode", "On", "FG_AREATRIGGERMODE", "ATM_SOFTWARE"},
       {"TriggerSource", "Line6", "FG_TRIGGERIN_SRC", "TRGINSRC_6"},
       {"TriggerActivation", "FallingEdge", "FG_TRIGGERIN_POLARITY", "LOW_ACTIVE"},
       {"FG_TRIGGERIN_SRC", "TRGINSRC_2", "TriggerSource", "Line2"},
+      {"TestPattern", "GreyDiagonalRampMoving", "FG_TRIGGERSTATE", "TS_ASYNC_STOP"},
+      {"TestPattern", "Off", "TriggerMode", "On"},
       {"TriggerMode", "Off", "FG_AREATRIGGERMODE", "ATM_GENERATOR"},
       {"FG_SCALINGFACTOR_BLUE", "1.5", "BalanceRatio", "1"},
       {"BalanceRatioSelector", "Blue", "BalanceRatio", "1.5"},
@@ -423,6 +425,7 @@ TEST_F(GenTl, StandardFeaturesMoveParametersAndBack) {
   for (unsigned number = 0; number < 4; ++number) {
     const Port port = openPort(number);
     const Features features(port.remote);
+    EXPECT_EQ(features.get("AcquisitionFrameRate"), "30");
     for (const auto& [feature, value, other, expected] : steps) {
       EXPECT_EQ(features.set(feature, value), "") << feature;
       EXPECT_EQ(features.get(other), expected) << feature << ' ' << other;
@@ -438,7 +441,17 @@ TEST_F(GenTl, StandardFeaturesMoveParametersAndBack) {
     EXPECT_EQ(write(FG_CAMSTATUS, 4), GC_ERR_ACCESS_DENIED);
     EXPECT_THAT(lastError().second, HasSubstr("FG_CAMSTATUS: -12, "));
     EXPECT_EQ(write(12345, 4), GC_ERR_INVALID_ADDRESS);
+    for (const char* name : {"TriggerMode_Reg", "AcquisitionStart_Reg"})
+      EXPECT_EQ(GENTL(GCWritePort)(port.remote, features.address(name), &kSmall, Room{8}),
+                GC_ERR_INVALID_VALUE);
     EXPECT_EQ(write(FG_WIDTH, 2), GC_ERR_INVALID_PARAMETER);
+    EXPECT_EQ(features.set("TestPattern", "GreyDiagonalRampMoving"), "");
+    EXPECT_THAT(features.get("AcquisitionFrameRate"), HasSubstr("TestPattern is on"));
+    EXPECT_FALSE(
+        arv_gc_feature_node_is_available(features.feature("AcquisitionFrameRate"), nullptr));
+    for (const char* name : {"TriggerMode_Reg", "AcquisitionFrameRate_Reg"})
+      EXPECT_EQ(GENTL(GCWritePort)(port.remote, features.address(name), &kOne, Room{sizeof kOne}),
+                GC_ERR_ACCESS_DENIED);
     std::thread([] { EXPECT_EQ(lastError().first, GC_ERR_SUCCESS); }).join();
   }
 }
@@ -452,7 +465,6 @@ TEST_F(GenTl, ARefusedWriteChangesNothing) {
                                                         {"TriggerSource", "Line2"},
                                                         {"TriggerMode", "Off"},
                                                         {"AcquisitionFrameRate", "20"},
-                                                        {"AcquisitionFrameRateEnable", "false"},
                                                         {"TriggerMode", "On"},
                                                         {"TriggerSource", "Software"},
                                                         {"TriggerMode", "Off"}};
@@ -574,6 +586,24 @@ TEST_F(GenTl, FourDevicesDeliverTheBoardsPictures) {
   }
 }
 
+TEST_F(GenTl, EveryStartGoesOnWithThePictures) {
+  const Port port = openPort(1);
+  const Features features(port.remote);
+  EXPECT_EQ(features.set("AcquisitionMode", "SingleFrame"), "");
+  announce(port, 3);
+  EXPECT_EQ(port.start(), GC_ERR_SUCCESS);
+  const auto late = [](void*, const VirtualBoardAccess* access) {
+    if (access->name == std::string_view("Fg_stopAcquireEx"))
+      std::this_thread::sleep_for(std::chrono::milliseconds(20));
+  };
+  EXPECT_EQ(GENTL(VirtualBoard_observe)(late, nullptr, nullptr), 0);
+  for (const std::uint64_t id : {1U, 2U, 3U}) {  // The one before has not ended yet.
+    EXPECT_EQ(features.execute("AcquisitionStart"), "");
+    EXPECT_EQ(port.info(port.take(), BUFFER_INFO_FRAMEID), id);
+  }
+  GENTL(VirtualBoard_observe)(nullptr, nullptr, nullptr);
+}
+
 TEST_F(GenTl, BuffersGoTheirWay) {
   const Port port = openPort(0);
   const Features features(port.remote);
@@ -636,6 +666,35 @@ TEST_F(GenTl, BuffersGoTheirWay) {
   EXPECT_EQ(GENTL(DSRevokeBuffer)(port.stream, buffers[0], &base, &user), GC_ERR_INVALID_HANDLE);
 }
 
+TEST_F(GenTl, BuffersComeAndGoWhileItAcquires) {
+  const Port port = openPort(0);
+  const Features features(port.remote);
+  for (const auto& [name, value] :
+       {std::pair{"Width", "512"}, {"Height", "512"}, {"AcquisitionFrameRate", "10000"}})
+    EXPECT_EQ(features.set(name, value), "");
+  EXPECT_EQ(port.start(), GC_ERR_SUCCESS);
+  EXPECT_EQ(features.execute("AcquisitionStart"), "");
+  Bytes memory(512 * 512 * 3);
+  for (int i = 0; i < 9; ++i) {
+    BUFFER_HANDLE buffer = nullptr;
+    SUCCEEDS(DSAnnounceBuffer, port.stream, memory.data(), memory.size(), nullptr, &buffer);
+    SUCCEEDS(DSQueueBuffer, port.stream, buffer);
+    std::uint32_t used = 0;  // Percent of the board's buffers.
+    SUCCEEDS(GCReadPort, port.remote, FG_FILLLEVEL, &used, Room{sizeof used});
+    EXPECT_EQ(used % 100, 0U);
+    EXPECT_EQ(port.take(), buffer);
+    SUCCEEDS(DSRevokeBuffer, port.stream, buffer, nullptr, nullptr);
+  }
+  const auto buffers = announce(port, 4, memory.size());  // Soon with pictures on their way.
+  port.take();
+  BUFFER_HANDLE small = nullptr;
+  SUCCEEDS(DSAllocAndAnnounceBuffer, port.stream, kSmall, nullptr, &small);
+  EXPECT_EQ(GENTL(DSFlushQueue)(port.stream, ACQ_QUEUE_ALL_TO_INPUT), GC_ERR_BUFFER_TOO_SMALL);
+  SUCCEEDS(DSFlushQueue, port.stream, ACQ_QUEUE_ALL_DISCARD);
+  for (const BUFFER_HANDLE buffer : buffers)
+    SUCCEEDS(DSRevokeBuffer, port.stream, buffer, nullptr, nullptr);
+}
+
 TEST_F(GenTl, EventsOfTheAppletAndOfLossArrive) {
   const Port port = openPort(3);
   const Features features(port.remote);
@@ -659,13 +718,14 @@ TEST_F(GenTl, EventsOfTheAppletAndOfLossArrive) {
         ask<std::string>(GENTL(EventGetDataInfo), EVENT_DATA_ID, remote, data, sizeof data));
   }
   for (const std::string& id : seen)
-    EXPECT_THAT(features.text(),
-                testing::ContainsRegex("_FRAME_CAM_PORT_D_Event\">\n<EventID>" + id + "<"));
+    EXPECT_THAT(features.text(), testing::ContainsRegex(
+                                     "_FRAME_CAM_PORT_DTimestamp_Event\">\n<EventID>" + id + "<"));
   const BUFFER_HANDLE buffer = port.take();
   port.await(STREAM_INFO_NUM_UNDERRUN, 1);
   SUCCEEDS(DSQueueBuffer, port.stream, buffer);
   EXPECT_EQ(get(module, 10000), GC_ERR_SUCCESS);
   EXPECT_GE(data[1], 1U);  // Lost ones.
+  EXPECT_THAT(Features(port.stream).text(), HasSubstr("<EventID>" + std::to_string(data[0]) + "<"));
   EXPECT_EQ(port.stop(), GC_ERR_SUCCESS);
   SUCCEEDS(EventFlush, module);
   EXPECT_EQ(get(module, 0), GC_ERR_TIMEOUT);
