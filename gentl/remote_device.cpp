@@ -5,6 +5,7 @@
 #include "gentl/device.h"
 #include "standard_features.h"
 #include "velmora/parameters.h"
+#include "velmora/status.h"
 #include "velmora/values.h"
 
 namespace gentl {
@@ -143,7 +144,10 @@ void RemoteDevice::addOwn(const std::string& feature, RegisterKind kind) {
 
 void RemoteDevice::addSetting(const char* feature, std::atomic<std::uint64_t>& field,
                               std::uint64_t min, std::uint64_t max) {
-  const auto write = [&field, min, max](const Value& value) {
+  const auto write = [this, &field, min, max](const Value& value) {
+    const auto sends = Fg_getStatusEx(grabber_.fg(), VELMORA_STATUS_ACQUIRING, 0,
+                                      static_cast<std::int32_t>(port_), nullptr);
+    require(sends <= 0, GC_ERR_ACCESS_DENIED, "the camera is sending");
     require(whole(value) >= min && whole(value) <= max, GC_ERR_INVALID_VALUE, "value out of range");
     field = whole(value);
   };
@@ -159,7 +163,6 @@ bool RemoteDevice::simulated() { return grabber_.word(FG_GEN_ENABLE, port_) == F
 /// Triggers rest meanwhile: the design would miss the camera's answer to each.
 void RemoteDevice::setSimulated(const Value& on) {
   const bool wanted = flag(on);
-  if (wanted == simulated()) return;
   grabber_.setAll(port_, {{FG_TRIGGERSTATE, bytesOf(wanted ? TS_ASYNC_STOP : TS_ACTIVE)},
                           {FG_GEN_ENABLE, bytesOf(wanted ? FG_GENERATOR : FG_CAMPORT)}});
 }
@@ -180,7 +183,9 @@ bool RemoteDevice::triggered() {
 }
 void RemoteDevice::setTriggered(const Value& on) {
   const bool wanted = flag(on);
-  if (wanted != triggered()) activate(wanted ? settingsOf(source()) : Settings{kGenerator});
+  // Off brings the pictures back, even where an expert has stopped the triggers.
+  if (wanted ? triggered() : simulated()) return;
+  activate(wanted ? settingsOf(source()) : Settings{kGenerator});
 }
 
 /// What the applet has, or what it will get when triggers are turned on.

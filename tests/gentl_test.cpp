@@ -408,7 +408,10 @@ TEST_F(GenTl, StandardFeaturesMoveParametersAndBack) {
       {"OffsetY", "8", "HeightMax", "65527"},
       {"TestPattern", "GreyDiagonalRampMoving", "FG_GEN_ENABLE", "FG_GENERATOR"},
       {"FG_GEN_ENABLE", "FG_CAMPORT", "TestPattern", "Off"},
+      {"TestPattern", "Off", "FG_TRIGGERSTATE", "TS_ACTIVE"},
       {"AcquisitionFrameRate", "25", "FG_TRIGGER_FRAMESPERSECOND", "25"},
+      {"FG_TRIGGERSTATE", "TS_ASYNC_STOP", "TriggerMode", "Off"},
+      {"TriggerMode", "Off", "FG_TRIGGERSTATE", "TS_ACTIVE"},
       {"FG_TRIGGERSTATE", "TS_ASYNC_STOP", "TriggerMode", "Off"},
       {"AcquisitionFrameRate", "50", "FG_TRIGGERSTATE", "TS_ACTIVE"},
       {"TriggerMode", "On", "FG_AREATRIGGERMODE", "ATM_SOFTWARE"},
@@ -418,6 +421,10 @@ TEST_F(GenTl, StandardFeaturesMoveParametersAndBack) {
       {"TestPattern", "GreyDiagonalRampMoving", "FG_TRIGGERSTATE", "TS_ASYNC_STOP"},
       {"TestPattern", "Off", "TriggerMode", "On"},
       {"TriggerMode", "Off", "FG_AREATRIGGERMODE", "ATM_GENERATOR"},
+      {"FG_GEN_ENABLE", "FG_GENERATOR", "FG_TRIGGERSTATE", "TS_ACTIVE"},
+      {"TestPattern", "GreyDiagonalRampMoving", "FG_TRIGGERSTATE", "TS_ASYNC_STOP"},
+      {"TriggerMode", "Off", "FG_TRIGGERSTATE", "TS_ASYNC_STOP"},
+      {"TestPattern", "Off", "FG_TRIGGERSTATE", "TS_ACTIVE"},
       {"FG_SCALINGFACTOR_BLUE", "1.5", "BalanceRatio", "1"},
       {"BalanceRatioSelector", "Blue", "BalanceRatio", "1.5"},
       {"BalanceRatio", "0.5", "FG_SCALINGFACTOR_BLUE", "0.5"},
@@ -623,6 +630,7 @@ TEST_F(GenTl, BuffersGoTheirWay) {
   // A consumer that queues nothing gets what there was room for, and a count.
   EXPECT_EQ(features.execute("AcquisitionStart"), "");
   EXPECT_EQ(port.start(), GC_ERR_SUCCESS);
+  EXPECT_THAT(features.set("AcquisitionMode", "SingleFrame"), HasSubstr("the camera is sending"));
   for (const std::uint64_t id : {1U, 2U, 3U})
     EXPECT_EQ(port.info(port.take(), BUFFER_INFO_FRAMEID), id);
   port.await(STREAM_INFO_NUM_UNDERRUN, 5);
